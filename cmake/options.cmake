@@ -1,0 +1,29 @@
+# What every target is compiled with.
+
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+if(DOT11_SANITIZE)
+  # The vptr check needs the C++ runtime, which the module and the library do without.
+  add_compile_options(-fsanitize=${DOT11_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${DOT11_SANITIZE})
+endif()
+
+# Code that ships on the device: no exceptions, no RTTI, no guarded statics, and nothing of the C++ runtime. Functions with
+# exported names stay replaceable, also within one file.
+add_library(device_code INTERFACE)
+target_compile_options(device_code INTERFACE
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
+  -fvisibility=hidden -fsemantic-interposition -ffunction-sections -fdata-sections)
