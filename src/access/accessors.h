@@ -1,0 +1,94 @@
+// Families of column accessors, over a row as the agent holds it: a heap copy, its data context.
+//
+// A read accessor returns the value's octets and their number, a write accessor an SNMP error status (RFC 3416). Values of integer
+// columns are 32-bit integers in host order. A family that copies keeps one static buffer for each column; it is good until the
+// column's next call.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "util/net_snmp.h"
+
+template <class Member>
+struct MemberOf;
+template <class R, class F>
+struct MemberOf<F R::*> {
+    using Row = R;
+    using Field = F;
+};
+
+template <auto member>
+using RowOf = typename MemberOf<decltype(member)>::Row;
+template <auto member>
+using FieldOf = typename MemberOf<decltype(member)>::Field;
+
+template <auto member>
+FieldOf<member>& field(void* row) {
+    return static_cast<RowOf<member>*>(row)->*member;
+}
+
+// An integer, copied.
+template <auto member>
+void* word(void* row, size_t* length) {
+    static FieldOf<member> value;
+    static_assert(sizeof value == 4);
+    value = field<member>(row);
+    *length = sizeof value;
+    return &value;
+}
+
+// An integer where it stands in the row.
+template <auto member>
+void* word_in_place(void* row, size_t* length) {
+    static_assert(sizeof(FieldOf<member>) == 4);
+    *length = sizeof(FieldOf<member>);
+    return &field<member>(row);
+}
+
+// As many octets as the length field says, copied.
+template <auto member, auto length_member>
+void* counted_octets(void* row, size_t* length) {
+    static FieldOf<member> octets;
+    *length = std::min<size_t>(field<length_member>(row), sizeof octets);
+    memcpy(octets, field<member>(row), *length);
+    return octets;
+}
+
+// A fixed number of octets, copied. The buffer ends on 32 bits, the rest zeroes.
+template <auto member, size_t count>
+void* fixed_octets(void* row, size_t* length) {
+    static uint8_t octets[(count + 4) / 4 * 4];
+    static_assert(count <= sizeof(FieldOf<member>));
+    memcpy(octets, field<member>(row), count);
+    *length = count;
+    return octets;
+}
+
+// The same integer for every row.
+template <uint32_t constant>
+void* constant_word(size_t* length) {
+    static uint32_t value = constant;
+    *length = sizeof value;
+    return &value;
+}
+
+// Stores an integer into the row, and so nowhere else.
+template <auto member>
+int store_word(void* row, const void* value) {
+    static_assert(sizeof(FieldOf<member>) == 4);
+    memcpy(&field<member>(row), value, 4);
+    return SNMP_ERR_NOERROR;
+}
+
+// Stores a fixed number of octets into the row, and so nowhere else.
+template <auto member, size_t count>
+int store_octets(void* row, const void* value) {
+    static_assert(count <= sizeof(FieldOf<member>));
+    memcpy(field<member>(row), value, count);
+    return SNMP_ERR_NOERROR;
+}
+
+// What every column with data behind it answers to a write: the configuration is not changed from the network.
+inline int refuse_write() { return SNMP_ERR_NOTWRITABLE; }

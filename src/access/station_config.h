@@ -1,0 +1,54 @@
+// dot11StationConfigTable (1.2.840.10036.1.1): its walk and its columns.
+#pragma once
+
+#include "access/column.h"
+#include "backend/smt/station_config.h"
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+Netsnmp_First_Data_Point dot11StationConfigTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11StationConfigTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11StationConfigTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11StationConfigTable_data_free;
+CreateRow dot11StationConfigTable_create_data_context;
+CommitRow dot11StationConfigTable_commit_row;
+
+GetColumn get_dot11StationID;
+GetColumn get_dot11MediumOccupancyLimit;
+GetColumn get_dot11CFPollable;
+GetColumn get_dot11CFPPeriod;
+GetColumn get_dot11CFPMaxDuration;
+GetColumn get_dot11AuthenticationResponseTimeOut;
+GetColumn get_dot11PrivacyOptionImplemented;
+GetColumn get_dot11PowerManagementMode;
+GetColumn get_dot11DesiredSSID;
+GetColumn get_dot11DesiredBSSType;
+GetColumn get_dot11OperationalRateSet;
+GetColumn get_dot11BeaconPeriod;
+GetColumn get_dot11DTIMPeriod;
+GetColumn get_dot11AssociationResponseTimeOut;
+GetColumn get_dot11DisassociateReason;
+GetColumn get_dot11DisassociateStation;
+GetColumn get_dot11DeauthenticateReason;
+GetColumn get_dot11DeauthenticateStation;
+GetColumn get_dot11AuthenticateFailStatus;
+GetColumn get_dot11AuthenticateFailStation;
+GetColumn get_dot11MultiDomainCapabilityImplemented;
+GetColumn get_dot11MultiDomainCapabilityEnabled;
+GetColumn get_dot11CountryString;
+
+SetColumn set_dot11StationID;
+SetColumn set_dot11MediumOccupancyLimit;
+SetColumn set_dot11CFPPeriod;
+SetColumn set_dot11CFPMaxDuration;
+SetColumn set_dot11AuthenticationResponseTimeOut;
+SetColumn set_dot11PowerManagementMode;
+SetColumn set_dot11DesiredSSID;
+SetColumn set_dot11DesiredBSSType;
+SetColumn set_dot11OperationalRateSet;
+SetColumn set_dot11BeaconPeriod;
+SetColumn set_dot11DTIMPeriod;
+SetColumn set_dot11AssociationResponseTimeOut;
+}
+#pragma GCC visibility pop

@@ -1,0 +1,194 @@
+// The mode machine behind every table's handler.
+#include <cstdlib>
+
+#include "agent/set_records.h"
+#include "agent/table.h"
+
+namespace {
+
+// What one phase of a request works on.
+struct Phase {
+    const Table& table;
+    netsnmp_agent_request_info* info;
+    Keys keys;
+};
+
+// Whether the handler goes on to the next request of the list.
+enum class Next : bool { ends, request };
+
+void fail(const Phase& phase, netsnmp_request_info* request, int status) {
+    netsnmp_set_request_error(phase.info, request, status);
+}
+
+// The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, in its 32-bit form.
+class RequestValue {
+  public:
+    explicit RequestValue(const netsnmp_variable_list& varbind)
+        : value_(varbind.val.string), length_(varbind.val_len) {
+        if (varbind.type != ASN_INTEGER || !varbind.val.integer) return;
+        integer_ = static_cast<int32_t>(*varbind.val.integer);
+        value_ = &integer_;
+        length_ = sizeof integer_;
+    }
+    RequestValue(const RequestValue&) = delete;
+    RequestValue& operator=(const RequestValue&) = delete;
+
+    const void* value() const { return value_; }
+    size_t length() const { return length_; }
+
+  private:
+    int32_t integer_ = 0;
+    const void* value_;
+    size_t length_;
+};
+
+void log_problem(const Table& table, const char* what) {
+    snmp_log(LOG_ERR, "problem encountered in %s_handler: %s\n", table.name, what);
+}
+
+Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Column* column) {
+    if (!column) {
+        log_problem(phase.table, "unknown column");
+        return Next::request;
+    }
+    if (column->answered == Answered::never) return Next::ends;
+    size_t length = 0;
+    const void* value = column->get(row, &length);
+    if (value || column->answered == Answered::always)
+        snmp_set_var_typed_value(request->requestvb, column->type, value, length);
+    return Next::request;
+}
+
+// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A table that makes none gets
+// a private row of zeroes: what is written there goes nowhere.
+void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
+    if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
+    if (find_commit_record(phase.keys.row)) return;
+    void* made = nullptr;
+    if (!row) {
+        made = phase.table.create_row(indexes);
+        if (!made) made = calloc(1, phase.table.row_size);
+        row = made;
+    }
+    if (!row || !add_commit_record(phase.keys.row, row, made, made != nullptr))
+        fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
+}
+
+// Checks the new value and keeps the old one.
+void check(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
+    if (!column || !column->set) return fail(phase, request, SNMP_ERR_NOTWRITABLE);
+    if (!record) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
+    size_t old_length = 0;
+    const void* old_value = column->get(record->row, &old_length);
+    UndoRecord* undo = old_value ? make_undo_record(old_value, old_length) : nullptr;
+    if (old_value && !undo) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
+    const RequestValue value(*request->requestvb);
+    const int status =
+        column->check(request->requestvb->type, value.value(), value.length(), old_value, old_length);
+    if (status != SNMP_ERR_NOERROR) {
+        fail(phase, request, status);
+        ieee802dot11_free_undoInfo(undo);
+    } else if (undo) {
+        add_undo_record(phase.keys.request, undo);
+    }
+}
+
+Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
+    if (!column || !column->set) return Next::request;
+    if (column->write_ends_handler) return Next::ends;
+    const RequestValue value(*request->requestvb);
+    const int status = record ? column->set(record->row, value.value(), value.length()) : SNMP_ERR_RESOURCEUNAVAILABLE;
+    if (status != SNMP_ERR_NOERROR) fail(phase, request, status);
+    return Next::request;
+}
+
+// Once for each row, however many of its columns the request sets. Another table of the PDU may have emptied the stores: then there
+// is nothing left to do.
+void commit(const Phase& phase, CommitRecord* record) {
+    if (!record || record->committed) return;
+    phase.table.commit_row(&record->row, record->is_new);
+    record->committed = 1;
+}
+
+// Writes the old value back; the status to report. Nothing saved, or the stores emptied by another table of the PDU, is a failure.
+int written_back(const Phase& phase, const CommitRecord* record, const Column& column) {
+    const UndoRecord* undo = find_undo_record(phase.keys.request);
+    if (!record || !undo || !undo->value) return SNMP_ERR_UNDOFAILED;
+    const int status = column.set(record->row, undo->value, undo->length);
+    return status != SNMP_ERR_NOERROR && phase.table.undo == Undo::plain ? SNMP_ERR_UNDOFAILED : status;
+}
+
+Next undo(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
+    if (!column || !column->set) return Next::request;
+    if (column->write_ends_handler) return Next::ends;
+    const int status = written_back(phase, record, *column);
+    if (status != SNMP_ERR_NOERROR) fail(phase, request, status);
+    return Next::request;
+}
+
+// The row of a GET or of a SET's first phase, as the iterator found it. False when the request ends here.
+bool find_row(const Phase& phase, netsnmp_request_info* request, void*& row) {
+    row = netsnmp_extract_iterator_context(request);
+    if (row) return true;
+    if (phase.info->mode == MODE_GET) {
+        fail(phase, request, SNMP_NOSUCHINSTANCE);
+        return false;
+    }
+    // A commit record is made all the same.
+    if (phase.table.missing_row == MissingRow::refused) fail(phase, request, SNMP_ERR_NOCREATION);
+    return true;
+}
+
+// The phases that work on the row which the iterator found.
+Next handle_found_row(const Phase& phase, netsnmp_request_info* request) {
+    void* row = nullptr;
+    if (!find_row(phase, request, row)) return Next::request;
+    netsnmp_table_request_info* table_info = netsnmp_extract_table_info(request);
+    if (!table_info) return Next::request;
+    if (phase.info->mode == MODE_GET) return get(phase, request, row, find_column(phase.table, table_info->colnum));
+    reserve(phase, request, row, table_info->indexes);
+    return Next::request;
+}
+
+// The later phases of a SET, which work on the row's commit record.
+Next handle_reserved_row(const Phase& phase, netsnmp_request_info* request) {
+    CommitRecord* record = find_commit_record(phase.keys.row);
+    const netsnmp_table_request_info* table_info = netsnmp_extract_table_info(request);
+    if (!table_info) return Next::request;
+    const Column* column = find_column(phase.table, table_info->colnum);
+    switch (phase.info->mode) {
+        case MODE_SET_RESERVE2: check(phase, request, record, column); break;
+        case MODE_SET_ACTION: return write(phase, request, record, column);
+        case MODE_SET_COMMIT: commit(phase, record); break;
+        case MODE_SET_FREE: break;
+        case MODE_SET_UNDO: return undo(phase, request, record, column);
+        default: log_problem(phase.table, "unsupported mode");
+    }
+    return Next::request;
+}
+
+Next handle(const Phase& phase, netsnmp_request_info* request) {
+    const int mode = phase.info->mode;
+    const bool found_row = mode == MODE_GET || mode == MODE_SET_RESERVE1;
+    return found_row ? handle_found_row(phase, request) : handle_reserved_row(phase, request);
+}
+
+bool ends_set(int mode) { return mode == MODE_SET_COMMIT || mode == MODE_SET_FREE || mode == MODE_SET_UNDO; }
+
+}  // namespace
+
+const Column* find_column(const Table& table, uint32_t number) {
+    const uint32_t position = number - table.columns.front().number;
+    return position < table.columns.size() ? &table.columns[position] : nullptr;
+}
+
+// Both keys come from the first request of the list and serve for all of them, whatever rows and columns they name: meant.
+int handle_requests(const Table& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests) {
+    Phase phase = {table, info, {}};
+    if (!requests) return SNMP_ERR_NOERROR;
+    make_keys(table.root, *requests->requestvb, phase.keys);
+    for (netsnmp_request_info* request = requests; request; request = request->next)
+        if (!request->processed && handle(phase, request) == Next::ends) return SNMP_ERR_NOERROR;
+    if (ends_set(info->mode)) empty_stores();
+    return SNMP_ERR_NOERROR;
+}

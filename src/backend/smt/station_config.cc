@@ -1,0 +1,230 @@
+#include "backend/smt/station_config.h"
+
+#include <net/if.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "backend/keys.h"
+#include "store/write.h"
+#include "util/convert.h"
+
+StationConfigRow sinfo[max_interfaces];
+StationConfigScratch sta_info;
+
+namespace {
+
+using Row = StationConfigRow;
+
+int32_t counter;
+
+// A MAC address under a key of the interface, the field that it fills and that field's length.
+struct MacKey {
+    const char* key;
+    ScratchText* scratch;
+    uint8_t (Row::*octets)[8];
+    uint32_t Row::*length;
+};
+
+// The latest event of one kind: why it happened, and to which station.
+struct EventKeys {
+    InterfaceKey<Row> reason;
+    MacKey station;
+};
+
+int32_t false_when_plain_text(char* text) { return strcmp(text, "plain-text") == 0 ? 2 : 1; }
+
+// clang-format off
+constexpr MacKey station_id =
+    {"mac", &sta_info.mac, &Row::dot11StationID, &Row::dot11StationIDLen};
+
+constexpr InterfaceKey<Row> settings[] = {
+    {"dot11-cf-pollable", &sta_info.cf_pollable, &Row::dot11CFPollable, true_when_one, 2},
+    {"dot11-authentication-response-time-out", &sta_info.authentication_time_out, &Row::dot11AuthenticationResponseTimeOut, number, 1},
+    {"dot11-privacy-option-implemented", &sta_info.privacy_option, &Row::privacy_option_configured, true_when_one, 2},
+    {"security", &sta_info.security, &Row::dot11PrivacyOptionImplemented, false_when_plain_text, 2},
+};
+
+constexpr InterfaceKey<Row> association_time_out =
+    {"dot11-association-response-time-out", &sta_info.association_time_out, &Row::dot11AssociationResponseTimeOut, number, 1};
+
+constexpr EventKeys events[] = {
+    {{"dot11-disassociate-reason", &sta_info.disassociate_reason, &Row::dot11DisassociateReason, number, 0},
+     {"dot11-disassociate-station", &sta_info.disassociate_station, &Row::dot11DisassociateStation, &Row::dot11DisassociateStationLen}},
+    {{"dot11-deauthenticate-reason", &sta_info.deauthenticate_reason, &Row::dot11DeauthenticateReason, number, 0},
+     {"dot11-deauthenticate-station", &sta_info.deauthenticate_station, &Row::dot11DeauthenticateStation, &Row::dot11DeauthenticateStationLen}},
+    {{"dot11-authenticate-fail-status", &sta_info.authenticate_fail_status, &Row::dot11AuthenticateFailStatus, number, 0},
+     {"dot11-authenticate-fail-station", &sta_info.authenticate_fail_station, &Row::dot11AuthenticateFailStation, &Row::dot11AuthenticateFailStationLen}},
+};
+// clang-format on
+
+bool read_mac(Row& row, const char* interface, const MacKey& key) {
+    if (!read_mac_address(interface, key.key, *key.scratch, row.*key.octets)) return false;
+    row.*key.length = 6;
+    return true;
+}
+
+void read_ssid(Row& row, const char* interface) {
+    const Answer answer("interface", interface, "ssid");
+    const bool found = find_value(answer.list(), "ssid", sta_info.ssid);
+    const char* ssid = found ? sta_info.ssid.text : "0";
+    row.dot11DesiredSSIDLen = found ? std::min<uint32_t>(sta_info.ssid.length, sizeof row.dot11DesiredSSID) : 1;
+    memcpy(row.dot11DesiredSSID, ssid, row.dot11DesiredSSIDLen);
+    release(sta_info.ssid);
+}
+
+// A stored rate, in 100 kbit/s, to units of 500 kbit/s. The result passes as a character through GetHexValue, which turns 48 to 57
+// ('0' to '9') and the codes of the letters a to f into digits: meant, and kept.
+uint8_t rate_octet(const char* text) {
+    const auto doubled = static_cast<int32_t>(static_cast<uint32_t>(AlphabeticToNumeric(text)) * 2);
+    return static_cast<uint8_t>(GetHexValue(static_cast<uint8_t>(doubled / 10)));
+}
+
+// Only an answer's first node is looked at, so that a row's rate set holds at most one rate.
+void read_rates(Row& row, const char* interface) {
+    const Answer answer("supported-rate", interface, "rate");
+    sta_info.rate_count = find_value(answer.list(), "rate", sta_info.rates[0]) ? 1 : 0;
+    for (uint32_t i = 0; i < sta_info.rate_count; ++i) {
+        row.dot11OperationalRateSet[i] = rate_octet(sta_info.rates[i].text);
+        release(sta_info.rates[i]);
+    }
+    if (sta_info.rate_count == 0) row.dot11OperationalRateSet[0] = 0;
+    row.dot11OperationalRateSetLen = std::max(sta_info.rate_count, 1U);
+}
+
+void read_beacon_period(Row& row, const cfqlquery_node* bss_answer) {
+    row.dot11BeaconPeriod = 1;
+    if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
+    const Answer answer("radio", sta_info.radio.text, "beacon-interval");
+    release(sta_info.radio);
+    row.dot11BeaconPeriod = converted(answer.list(), "beacon-interval", sta_info.beacon_interval, number, 1);
+}
+
+void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
+    row.dot11DTIMPeriod = 1;
+    if (!find_value(bss_answer, "bss", sta_info.bss)) return;
+    const Answer answer("bss", sta_info.bss.text, "dtim-period");
+    release(sta_info.bss);
+    row.dot11DTIMPeriod = converted(answer.list(), "dtim-period", sta_info.dtim_period, number, 1);
+}
+
+int32_t true_when_up(char* text) { return strcmp(text, "up") == 0 ? 1 : 2; }
+
+void read_multi_domain(Row& row, const cfqlquery_node* bss_answer) {
+    row.dot11MultiDomainCapabilityImplemented = 2;
+    row.dot11MultiDomainCapabilityEnabled = -1;
+    if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
+    const Answer answer("radio", sta_info.radio.text, "dot11d");
+    release(sta_info.radio);
+    row.dot11MultiDomainCapabilityEnabled = converted(answer.list(), "dot11d", sta_info.dot11d, true_when_up, -1);
+    if (row.dot11MultiDomainCapabilityEnabled != -1) row.dot11MultiDomainCapabilityImplemented = 1;
+}
+
+// One answer for "bss" serves three columns; each follows the links afresh.
+void read_radio_settings(Row& row, const char* interface) {
+    const Answer bss_answer("interface", interface, "bss");
+    read_beacon_period(row, bss_answer.list());
+    read_dtim_period(row, bss_answer.list());
+    read_multi_domain(row, bss_answer.list());
+}
+
+void set_constants(Row& row) {
+    row.dot11MediumOccupancyLimit = 100;
+    row.dot11CFPPeriod = 0;
+    row.dot11CFPMaxDuration = 0;
+    row.dot11PowerManagementMode = 2;  // powersave, though the column always answers active
+    row.dot11DesiredBSSType = 1;       // infrastructure
+}
+
+// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag is not looked at.
+void read_country(Row& row) {
+    const Answer answer("system", nullptr, "country");
+    memcpy(row.dot11CountryString, "???", 3);
+    if (!answer.list() || !copy_value(*answer.list(), sta_info.country)) return;
+    if (sta_info.country.length == 2) {
+        memcpy(row.dot11CountryString, sta_info.country.text, 2);
+        row.dot11CountryString[2] = ' ';
+    }
+    release(sta_info.country);
+}
+
+// False when memory ran out; what was read until then stays.
+bool fill_row(Row& row, const char* interface) {
+    row.ifIndex = if_nametoindex(interface);
+    if (!read_mac(row, interface, station_id)) return false;
+    read_interface_keys(row, interface, settings);
+    read_ssid(row, interface);
+    read_rates(row, interface);
+    read_radio_settings(row, interface);
+    read_interface_key(row, interface, association_time_out);
+    for (const EventKeys& event : events) {
+        read_interface_key(row, interface, event.reason);
+        if (!read_mac(row, interface, event.station)) return false;
+    }
+    set_constants(row);
+    read_country(row);
+    return true;
+}
+
+constexpr int32_t without_memory = -1;
+
+}  // namespace
+
+int GetStationConfigEntries(void) { return enumerate_interfaces(counter); }
+
+uint32_t GetStationConfigTableIndexCount(void) { return static_cast<uint32_t>(counter); }
+
+int GetStationConfigTableData(void) {
+    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i)
+        if (!fill_row(sinfo[i], iface_tags[i])) return -1;
+    return 1;
+}
+
+int GetStationConfigEntryByIndex(uint32_t row, void* destination) { return copy_row(sinfo, row, destination); }
+
+int32_t SetDesiredSSID(const uint32_t* index, const char* ssid, uint32_t) {
+    const InterfaceName name(*index);
+    if (!name.text()) return without_memory;
+    return setTableData("interface", name.text(), "ssid", ssid);
+}
+
+int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_radio_number(*index, "beacon-interval", *value, without_memory);
+}
+
+// Asks whether the interface has a BSS, and then writes under the interface's own name as the BSS: meant, and kept.
+int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
+    const InterfaceName name(*index);
+    if (!name.text()) return without_memory;
+    const Answer bss_answer("interface", name.text(), "bss");
+    ScratchText bss = {};
+    if (!find_value(bss_answer.list(), "bss", bss)) return 0;
+    release(bss);
+    return write_number("bss", name.text(), "dtim-period", *value, without_memory);
+}
+
+int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t count) {
+    constexpr size_t text_size = 20;
+    if (count > (text_size - 1) / 2) return -1;
+    const auto octet_count = static_cast<int32_t>(count);
+    const InterfaceName name(*index);
+    auto* text = static_cast<char*>(calloc(text_size, 1));
+    int32_t result = without_memory;
+    if (name.text() && text) {
+        ConvertToStringFromHex(text, octets, octet_count);
+        ConvertToMacAddrFromString(text, octet_count * 2);
+        result = setTableData("interface", name.text(), "mac", text);
+    }
+    free(text);
+    return result;
+}
+
+// The two time-out writers are crossed: each writes the other's key, while the rows read every key into its own column. Meant.
+int32_t SetAuthenticationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, association_time_out.key, *value, without_memory);
+}
+
+int32_t SetAssociationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-authentication-response-time-out", *value, without_memory);
+}

@@ -1,0 +1,35 @@
+#include "store/answer.h"
+
+#include <cstdlib>
+#include <cstring>
+
+bool copy_value(const cfqlquery_node& node, ScratchText& scratch) {
+    const char* value = node.value ? node.value : "";
+    const size_t length = strnlen(value, UINT32_MAX - 1);
+    release(scratch);
+    scratch.length = 0;
+    scratch.text = static_cast<char*>(calloc(length + 1, 1));
+    if (!scratch.text) return false;
+    memcpy(scratch.text, value, length);
+    scratch.length = static_cast<uint32_t>(length);
+    return true;
+}
+
+bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch) {
+    if (!list) return false;
+    if (list->name && strcmp(list->name, key) == 0) copy_value(*list, scratch);
+    if (scratch.length == 0) release(scratch);
+    return scratch.text != nullptr;
+}
+
+bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch) {
+    if (!list) return false;
+    release(scratch);
+    scratch.length = 0;
+    return find_value_or_last(list, key, scratch);
+}
+
+void release(ScratchText& scratch) {
+    free(scratch.text);
+    scratch.text = nullptr;
+}

@@ -1,0 +1,42 @@
+// An answer of the configuration store, and the single-key lookup in it.
+#pragma once
+
+#include <cstdint>
+
+#include "cfqlquery.h"
+
+// A value taken out of an answer: a heap copy and its length in octets, without the terminator. Global, one for each key of a
+// backend; the copy lives from the lookup to the conversion that releases it.
+struct ScratchText {
+    char* text;
+    uint32_t length;
+};
+
+// Hands the list of a get call back to the store at the end of the scope.
+class Answer {
+  public:
+    Answer(const char* table, const char* object, const char* key) : list_(cfqlquery_get_pv(table, object, key)) {}
+    ~Answer() { cfqlquery_destroy_pv(list_); }
+    Answer(const Answer&) = delete;
+    Answer& operator=(const Answer&) = delete;
+
+    const cfqlquery_node* list() const { return list_; }
+
+  private:
+    cfqlquery_node* list_;
+};
+
+// Whether the answer's first node is `key` with a value that is not empty; then `scratch` holds a copy of it, which the caller
+// releases with `release`. Later nodes are never looked at. A null answer leaves `scratch` as it is; any other answer first sets
+// the length to 0. Without memory for the copy the key counts as not found.
+bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch);
+
+// As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as found,
+// as long as the text has not been released.
+bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch);
+
+// Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False without memory.
+bool copy_value(const cfqlquery_node& node, ScratchText& scratch);
+
+// Frees the copy and clears the pointer, so that no text is used or freed twice. The length stays.
+void release(ScratchText& scratch);

@@ -1,0 +1,37 @@
+// Writing single keys into the configuration store. No SNMP request comes here: the column accessors refuse.
+#pragma once
+
+#include <net/if.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status: the sense is
+// turned round. Without memory for the two copies nothing is written and the result is 0 as well.
+int32_t setTableData(const char* table, const char* object, const char* key, const char* value);
+}
+#pragma GCC visibility pop
+
+// The name of the interface with a given index, in a heap buffer that is released at the end of the scope. Empty when the system
+// has no such interface; the store then refuses the write. `text()` is null without memory.
+class InterfaceName {
+  public:
+    explicit InterfaceName(uint32_t index);
+    ~InterfaceName() { free(text_); }
+    InterfaceName(const InterfaceName&) = delete;
+    InterfaceName& operator=(const InterfaceName&) = delete;
+
+    const char* text() const { return text_; }
+
+  private:
+    char* text_;
+};
+
+// setTableData with the decimal text of `value`. Returns `without_memory` when there is none for the text.
+int32_t write_number(const char* table, const char* object, const char* key, uint32_t value, int32_t without_memory);
+
+// write_number on the object of the interface with that index in table "interface".
+int32_t write_interface_number(uint32_t index, const char* key, uint32_t value, int32_t without_memory);

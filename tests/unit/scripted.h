@@ -1,0 +1,83 @@
+// A scripted device for tests of the backends: the configuration store, the system's interfaces, the clock, memory and the driver's
+// files are what the test says. One device lives at a time; it makes the linked module's calls to cfqlquery_*, if_nametoindex,
+// if_indextoname, gettimeofday, calloc and fopen end in it, and fails the test when an answer of the store is not handed back
+// exactly once.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cfqlquery.h"
+
+class ScriptedDevice {
+  public:
+    using Pair = std::pair<std::optional<std::string>, std::optional<std::string>>;  // tag and value; nullopt is a null pointer
+
+    ScriptedDevice();
+    ~ScriptedDevice();
+
+    // -- the store -------------------------------------------------------------------------------------------------------
+
+    // An object with a name, listed by get_grid in the order of the calls. "" names the object of "system".
+    void add(const std::string& table, const std::string& object);
+    // A key of an object; what get_pv answers.
+    void set(const std::string& table, const std::string& object, const std::string& key, const std::string& value);
+    void unset(const std::string& table, const std::string& object, const std::string& key);
+    // Answers get_pv with exactly these nodes.
+    void answer(const std::string& table, const std::string& object, const std::string& key, std::vector<Pair> nodes);
+    // Answers get_grid of a table with exactly these nodes, instead of the objects added.
+    void answer_grid(const std::string& table, std::vector<Pair> nodes);
+    void clear_store();
+
+    int32_t set_status = 1;  // what set_pv answers
+    // Every call, in order: "grid interface type=service-set", "get interface wlan0 mac", "set bss wlan0 dtim-period=3". A null
+    // object is written "-".
+    std::vector<std::string> calls;
+    std::vector<std::string> calls_of(const std::string& kind) const;  // those that begin with it, without it
+
+    // -- the system ------------------------------------------------------------------------------------------------------
+
+    std::map<std::string, unsigned> interfaces;  // name and index
+    int64_t now = 1'000'000'000;                 // seconds since the epoch
+    // The device's files: what fopen of that path reads. Paths below /proc/net that are not here cannot be opened.
+    std::map<std::string, std::string> files;
+    std::vector<std::string> opened;  // every path below /proc/net, in order
+
+    // A wireless interface: in the system and in the store's grid.
+    void add_interface(const std::string& name, unsigned index);
+
+    // -- memory ----------------------------------------------------------------------------------------------------------
+
+    // The n-th calloc from now fails (1 is the next one); 0: none does.
+    void fail_allocation(int n);
+    // Whether the allocation told to fail has been asked for.
+    bool allocation_failed() const { return allocation_failed_; }
+
+    // -- called by the linked routines -----------------------------------------------------------------------------------
+
+    cfqlquery_node* grid(const char* table, const cfqlquery_node* filter);
+    cfqlquery_node* get(const char* table, const char* object, const char* key);
+    int32_t write(const char* table, const char* object, const cfqlquery_node* pair);
+    void destroy(cfqlquery_node* list);
+    bool allocation_fails();
+
+  private:
+    struct Object {
+        std::string table, name;
+    };
+    using Address = std::vector<std::string>;  // table, object, key
+
+    cfqlquery_node* make(const std::vector<Pair>& nodes);
+
+    std::vector<Object> objects_;
+    std::map<Address, std::vector<Pair>> answers_;
+    std::map<std::string, std::vector<Pair>> grids_;
+    std::set<cfqlquery_node*> live_;
+    int allocations_left_ = 0;
+    bool allocation_failed_ = false;
+};
