@@ -1,0 +1,282 @@
+#include "agent.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iomanip>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+constexpr char subtree[] = "1.2.840.10036.";
+constexpr char address[] = "127.0.0.1:1161";
+constexpr char community[] = "private";
+
+using Oid = std::vector<oid>;
+
+Oid parsed(const std::string& text) {
+    std::istringstream in(text.starts_with(".") ? text.substr(1) : subtree + text);
+    Oid subids;
+    for (std::string part; std::getline(in, part, '.');) subids.push_back(std::stoul(part));
+    return subids;
+}
+
+std::string dotted(const oid* subids, size_t length) {
+    std::string text;
+    for (size_t i = 0; i < length; ++i) text += (i ? "." : "") + std::to_string(subids[i]);
+    return text.starts_with(subtree) ? text.substr(strlen(subtree)) : "." + text;
+}
+
+std::string read_file(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Waits until `condition` holds, for at most that long.
+template <class Condition>
+bool wait_until(Condition condition, std::chrono::seconds most = std::chrono::seconds(30)) {
+    const auto end = std::chrono::steady_clock::now() + most;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+void init_client() {
+    static const bool done = [] {
+        netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
+        netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
+        setenv("MIBS", "", 1);
+        init_snmp("agent-test");
+        return true;
+    }();
+    (void)done;
+}
+
+netsnmp_session* open_session() {
+    init_client();
+    netsnmp_session session;
+    snmp_sess_init(&session);
+    session.version = SNMP_VERSION_2c;
+    session.peername = const_cast<char*>(address);
+    session.community = reinterpret_cast<u_char*>(const_cast<char*>(community));
+    session.community_len = strlen(community);
+    session.timeout = 20'000'000;  // microseconds; without trying again, so that each request is made once
+    session.retries = 0;
+    return snmp_open(&session);
+}
+
+const char* exception_name(u_char type) {
+    switch (type) {
+        case SNMP_NOSUCHOBJECT: return "noSuchObject";
+        case SNMP_NOSUCHINSTANCE: return "noSuchInstance";
+        case SNMP_ENDOFMIBVIEW: return "endOfMibView";
+        case ASN_NULL: return "NULL";
+        default: return nullptr;
+    }
+}
+
+const char* number_name(u_char type) {
+    switch (type) {
+        case ASN_INTEGER: return "INTEGER ";
+        case ASN_GAUGE: return "Gauge32 ";
+        case ASN_COUNTER: return "Counter32 ";
+        case ASN_TIMETICKS: return "TimeTicks ";
+        default: return nullptr;
+    }
+}
+
+}  // namespace
+
+std::string shown_octets(const std::string& octets) {
+    std::ostringstream out;
+    out << "STRING" << std::hex << std::setfill('0');
+    for (const char octet : octets) out << ' ' << std::setw(2) << static_cast<int>(static_cast<u_char>(octet));
+    return out.str();
+}
+
+std::string shown(const netsnmp_variable_list& varbind) {
+    if (const char* name = exception_name(varbind.type)) return name;
+    if (const char* name = number_name(varbind.type)) {
+        const long number = *varbind.val.integer;
+        return name + (varbind.type == ASN_INTEGER ? std::to_string(number)
+                                                   : std::to_string(static_cast<uint32_t>(number)));
+    }
+    if (varbind.type == ASN_OCTET_STR)
+        return shown_octets({reinterpret_cast<const char*>(varbind.val.string), varbind.val_len});
+    return "type " + std::to_string(varbind.type);
+}
+
+void PrintTo(const Varbind& varbind, std::ostream* out) { *out << varbind.oid << " = " << varbind.value; }
+
+Value Value::integer(int64_t number) {
+    const long value = static_cast<long>(number);
+    return {ASN_INTEGER, {reinterpret_cast<const char*>(&value), sizeof value}};
+}
+
+void run(const std::string& command) { ASSERT_EQ(system(command.c_str()), 0) << command; }
+
+void add_interface(const std::string& name, unsigned index) {
+    const std::string number = std::to_string(index);
+    run("ip link add " + name + " index " + number + " type veth peer name far" + number + " index " +
+        std::to_string(index + 100'000));
+}
+
+void remove_interface(const std::string& name) { run("ip link delete " + name); }
+
+Agent::Agent(const std::string& configuration, const std::string& lines) {
+    folder_ = (std::filesystem::temp_directory_path() / "agent-XXXXXX").string();
+    if (!mkdtemp(folder_.data())) ADD_FAILURE() << "no folder " << folder_;
+    std::ofstream(folder_ + "/store.toml") << configuration;
+    configure("init");
+    configure("import " + folder_ + "/store.toml");
+    write_configuration(lines);
+    start();
+}
+
+Agent::~Agent() {
+    if (session_) snmp_close(session_);
+    stop();
+    const std::string text = log();
+    EXPECT_EQ(text.find("failed"), std::string::npos) << text;
+    EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
+    EXPECT_EQ(text.find("runtime error"), std::string::npos) << text;
+    munmap(control_, sizeof *control_);
+    std::filesystem::remove_all(folder_);
+}
+
+void Agent::configure(const std::string& arguments) const {
+    run(std::string(CFQL) + " --store " + folder_ + "/store.db " + arguments + " >>" + folder_ + "/cfql.log");
+}
+
+std::string Agent::exported() const {
+    run(std::string(CFQL) + " --store " + folder_ + "/store.db export >" + folder_ + "/exported.toml");
+    return read_file(folder_ + "/exported.toml");
+}
+
+std::string Agent::log() const { return read_file(folder_ + "/snmpd.log"); }
+
+void Agent::write_configuration(const std::string& lines) const {
+    std::ofstream(folder_ + "/snmpd.conf") << "agentAddress udp:" << address << "\n"
+                                           << "rwcommunity " << community << " default\n"
+                                           << "dlmod ieee802dot11 " MODULE "\n"
+                                           << lines;
+}
+
+// The sanitizers report into the log, and end the agent with 99.
+void Agent::start() {
+    const std::string control_path = folder_ + "/control";
+    const int file = open(control_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (ftruncate(file, sizeof *control_) != 0) ADD_FAILURE() << control_path;
+    control_ = static_cast<agent_control*>(
+        mmap(nullptr, sizeof *control_, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+    close(file);
+    pid_ = fork();
+    if (pid_ == 0) {
+        setenv("AGENT_CONTROL", control_path.c_str(), 1);
+        setenv("CFQL_STORE", (folder_ + "/store.db").c_str(), 1);
+        setenv("SNMP_PERSISTENT_DIR", folder_.c_str(), 1);
+        setenv("SNMPCONFPATH", folder_.c_str(), 1);
+        setenv("MIBS", "", 1);
+        setenv("LD_PRELOAD", AGENT_PRELOAD, 1);
+        setenv("ASAN_OPTIONS", "exitcode=99:detect_odr_violation=0", 1);
+        setenv("LSAN_OPTIONS", "suppressions=" LEAK_SUPPRESSIONS, 1);
+        setenv("UBSAN_OPTIONS", "halt_on_error=1:print_stacktrace=1", 1);
+        const int log_file = open((folder_ + "/snmpd.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+        dup2(log_file, STDOUT_FILENO);
+        dup2(log_file, STDERR_FILENO);
+        execl(SNMPD, "snmpd", "-f", "-Lo", "-C", "-c", (folder_ + "/snmpd.conf").c_str(), nullptr);
+        _exit(127);
+    }
+    const bool up = wait_until([this] { return is_up() || kill(pid_, 0) != 0; });
+    ASSERT_TRUE(up) << log();
+    session_ = open_session();
+    ASSERT_NE(session_, nullptr);
+}
+
+bool Agent::is_up() const { return log().find("NET-SNMP version") != std::string::npos; }
+
+void Agent::stop() {
+    if (pid_ <= 0) return;
+    kill(pid_, SIGTERM);
+    int status = 0;
+    const bool ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
+    EXPECT_TRUE(ended) << "the agent hangs";
+    if (!ended) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, &status, 0);
+    }
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the agent ended with " << status << "\n" << log();
+    pid_ = -1;
+}
+
+Response Agent::send(netsnmp_pdu* pdu) {
+    Response response;
+    netsnmp_pdu* answer = nullptr;
+    if (snmp_synch_response(session_, pdu, &answer) == STAT_SUCCESS && answer) {
+        response.status = static_cast<int>(answer->errstat);
+        response.index = static_cast<int>(answer->errindex);
+        for (const netsnmp_variable_list* varbind = answer->variables; varbind; varbind = varbind->next_variable)
+            response.varbinds.push_back({dotted(varbind->name, varbind->name_length), shown(*varbind)});
+    }
+    EXPECT_NE(response.status, -1) << "no answer from the agent\n" << log();
+    if (answer) snmp_free_pdu(answer);
+    return response;
+}
+
+namespace {
+
+netsnmp_pdu* request(int command, const std::vector<std::string>& oids) {
+    netsnmp_pdu* pdu = snmp_pdu_create(command);
+    for (const std::string& text : oids) {
+        const Oid name = parsed(text);
+        snmp_add_null_var(pdu, name.data(), name.size());
+    }
+    return pdu;
+}
+
+}  // namespace
+
+Response Agent::get(const std::vector<std::string>& oids) { return send(request(SNMP_MSG_GET, oids)); }
+
+Response Agent::get_next(const std::vector<std::string>& oids) { return send(request(SNMP_MSG_GETNEXT, oids)); }
+
+Response Agent::get_bulk(const std::vector<std::string>& oids, long repetitions) {
+    netsnmp_pdu* pdu = request(SNMP_MSG_GETBULK, oids);
+    pdu->non_repeaters = 0;
+    pdu->max_repetitions = repetitions;
+    return send(pdu);
+}
+
+Response Agent::set(const std::vector<std::pair<std::string, Value>>& values) {
+    netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_SET);
+    for (const auto& [text, value] : values) {
+        const Oid name = parsed(text);
+        snmp_pdu_add_variable(pdu, name.data(), name.size(), value.type, value.octets.data(), value.octets.size());
+    }
+    return send(pdu);
+}
+
+std::vector<Varbind> Agent::walk(const std::string& root, size_t most) {
+    std::vector<Varbind> found;
+    std::string at = root;
+    while (found.size() < most) {
+        const Response next = get_next({at});
+        if (next.status != 0 || next.varbinds.size() != 1) break;
+        const Varbind& varbind = next.varbinds[0];
+        if (!varbind.oid.starts_with(root + ".") || varbind.value == "endOfMibView") break;
+        found.push_back(varbind);
+        at = varbind.oid;
+    }
+    return found;
+}

@@ -1,0 +1,89 @@
+// A stock snmpd with the built module, in a network namespace of the test's own, and an SNMP client to ask it.
+//
+// The test program enters its namespace before the first test (main.cc). An Agent has a folder of its own with the store, which the
+// project's tool fills, its configuration and its log. It is stopped at the end of its life; the test fails when it ended in any
+// other way than by being asked, or when its log tells of a module that was not loaded.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "control.h"
+#include "util/net_snmp.h"
+
+// A value of a varbind, written as a test's table shows it: "INTEGER 100", "Gauge32 1", "Counter32 7", "STRING 00 1a 2b",
+// "noSuchInstance", "noSuchObject", "endOfMibView", "NULL".
+std::string shown(const netsnmp_variable_list& varbind);
+std::string shown_octets(const std::string& octets);  // "STRING 61 62" for "ab"
+
+// A value for a SET.
+struct Value {
+    u_char type;
+    std::string octets;
+
+    static Value integer(int64_t number);
+    static Value string(const std::string& octets) { return {ASN_OCTET_STR, octets}; }
+    static Value of_type(u_char type, const std::string& octets = {}) { return {type, octets}; }
+};
+
+struct Varbind {
+    std::string oid;  // dotted, below 1.2.840.10036 where it starts there: "1.1.1.12.11"
+    std::string value;
+
+    bool operator==(const Varbind&) const = default;
+};
+void PrintTo(const Varbind& varbind, std::ostream* out);
+
+struct Response {
+    int status = -1;  // SNMP error status; -1: no answer
+    int index = 0;    // of the varbind with the error, from 1
+    std::vector<Varbind> varbinds;
+};
+
+class Agent {
+  public:
+    // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's configuration.
+    explicit Agent(const std::string& configuration, const std::string& lines = "");
+    ~Agent();
+    Agent(const Agent&) = delete;
+    Agent& operator=(const Agent&) = delete;
+
+    // OIDs are dotted and below 1.2.840.10036; with a leading "." they are whole.
+    Response get(const std::vector<std::string>& oids);
+    Response get_next(const std::vector<std::string>& oids);
+    Response get_bulk(const std::vector<std::string>& oids, long repetitions);
+    Response set(const std::vector<std::pair<std::string, Value>>& values);
+    // All varbinds below an OID, by GETNEXT. Ends after `most` of them.
+    std::vector<Varbind> walk(const std::string& oid, size_t most = 100'000);
+
+    // Runs the store's tool on the agent's store: configure("set interface wlan0 ssid lobby").
+    void configure(const std::string& arguments) const;
+    std::string exported() const;  // the store's content
+
+    agent_control& control() { return *control_; }
+    pid_t pid() const { return pid_; }
+    std::string log() const;
+    const std::string& folder() const { return folder_; }
+
+  private:
+    void write_configuration(const std::string& lines) const;
+    void start();
+    bool is_up() const;
+    void stop();
+    Response send(netsnmp_pdu* pdu);
+
+    std::string folder_;
+    agent_control* control_ = nullptr;
+    pid_t pid_ = -1;
+    netsnmp_session* session_ = nullptr;
+};
+
+// A wireless-looking interface in the test's namespace, with that index: a veth whose other end is out of the way.
+void add_interface(const std::string& name, unsigned index);
+void remove_interface(const std::string& name);
+
+// Runs a shell command; the test fails when it does.
+void run(const std::string& command);
