@@ -1,8 +1,8 @@
 // Families of column accessors, over a row as the agent holds it: a heap copy, its data context.
 //
-// A read accessor returns the value's octets and their number, a write accessor an SNMP error status (RFC 3416). Values of integer
-// columns are 32-bit integers in host order. A family that copies keeps one static buffer for each column; it is good until the
-// column's next call.
+// A read accessor returns the value's octets and their number, a write accessor an SNMP error status (RFC 3416). Values
+// of integer columns are 32-bit integers in host order. A family that copies keeps one static buffer for each column;
+// it is good until the column's next call.
 #pragma once
 
 #include <algorithm>
@@ -91,4 +91,6 @@ int store_octets(void* row, const void* value) {
 }
 
 // What every column with data behind it answers to a write: the configuration is not changed from the network.
-inline int refuse_write() { return SNMP_ERR_NOTWRITABLE; }
+inline int refuse_write() {
+    return SNMP_ERR_NOTWRITABLE;
+}

@@ -1,4 +1,5 @@
-// The shapes of the exported routines of every table. Headers declare a routine with its shape's name: GetColumn get_dot11StationID;
+// The shapes of the exported routines of every table. Headers declare a routine with its shape's name: GetColumn
+// get_dot11StationID;
 #pragma once
 
 #include "util/net_snmp.h"
@@ -8,13 +9,9 @@ extern "C" {
 // The column's value in a row: a pointer to its octets, never null, and their number in `*length`. See accessors.h.
 typedef void* GetColumn(void* row, size_t* length);
 
-// Writes a value, which its check has accepted, into a row; an SNMP error status (RFC 3416), 0 when it was stored. `value` is a
-// 32-bit integer in host order or octets. The length is not used.
+// Writes a value, which its check has accepted, into a row; an SNMP error status (RFC 3416), 0 when it was stored.
+// `value` is a 32-bit integer in host order or octets. The length is not used.
 typedef int SetColumn(void* row, const void* value, size_t length);
-
-// Whether a column accepts a value: 0 or an SNMP error status. `type` is the ASN.1 type of the request's value; `old_value` may be
-// null. Integers are 32 bits in host order.
-typedef int CheckColumn(int type, const void* value, size_t length, const void* old_value, size_t old_length);
 
 // A row for index values that the table does not hold: a heap block that the caller releases with free, or null.
 typedef void* CreateRow(netsnmp_variable_list* indexes);

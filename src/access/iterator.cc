@@ -25,8 +25,8 @@ netsnmp_variable_list* put_indexes(netsnmp_variable_list* put_index_data, const 
     return put_index_data;
 }
 
-// A walk ends where the position equals the count. A position past the count, which a reload in the middle of a walk can leave,
-// goes on with what the array holds, up to its last record.
+// A walk ends where the position equals the count. A position past the count, which a reload in the middle of a walk
+// can leave, goes on with what the array holds, up to its last record.
 netsnmp_variable_list* next_row(const ReloadingTable& table, LastPass& last_pass, uint32_t& position, uint32_t* row,
                                 netsnmp_variable_list* put_index_data) {
     if (!is_current(table, last_pass)) return nullptr;

@@ -1,9 +1,9 @@
 // Walking a table's rows for the agent's table iterator.
 //
-// The iterator asks for the first and then for the next row; each call leaves the row in the table's loop context and its index
-// values in the index varbinds. Rows are read from the configuration store inside these calls, at most once every 16 seconds of
-// silence: the 15 seconds run from the latest call for the table, not from the latest reload, so that a table under steady
-// polling is not read again. That is meant.
+// The iterator asks for the first and then for the next row; each call leaves the row in the table's loop context and
+// its index values in the index varbinds. Rows are read from the configuration store inside these calls, at most once
+// every 16 seconds of silence: the 15 seconds run from the latest call for the table, not from the latest reload, so
+// that a table under steady polling is not read again. That is meant.
 #pragma once
 
 #include <cstddef>
@@ -34,8 +34,8 @@ struct ReloadingTable {
 // Seconds since the epoch, of the latest call for the table that got past its reload.
 using LastPass = int64_t;
 
-// The next row of a walk into `row`. Returns `put_index_data` with the row's index values, or null at the end and when a reload
-// failed; then the next call tries again.
+// The next row of a walk into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
+// a reload failed; then the next call tries again.
 netsnmp_variable_list* next_row(const ReloadingTable& table, LastPass& last_pass, uint32_t& position, uint32_t* row,
                                 netsnmp_variable_list* put_index_data);
 

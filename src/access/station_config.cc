@@ -40,11 +40,17 @@ void* dot11StationConfigTable_context_convert_function(void* loop_context, netsn
     return copy_of_row<Row>(loop_context);
 }
 
-void dot11StationConfigTable_data_free(void* row, netsnmp_iterator_info*) { free(row); }
+void dot11StationConfigTable_data_free(void* row, netsnmp_iterator_info*) {
+    free(row);
+}
 
-void* dot11StationConfigTable_create_data_context(netsnmp_variable_list*) { return nullptr; }
+void* dot11StationConfigTable_create_data_context(netsnmp_variable_list*) {
+    return nullptr;
+}
 
-int dot11StationConfigTable_commit_row(void**, int) { return 0; }
+int dot11StationConfigTable_commit_row(void**, int) {
+    return 0;
+}
 
 // clang-format off
 void* get_dot11StationID(void* row, size_t* length) { return counted_octets<&Row::dot11StationID, &Row::dot11StationIDLen>(row, length); }

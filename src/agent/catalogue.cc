@@ -2,7 +2,6 @@
 
 #include "access/station_config.h"
 #include "agent/tables.h"
-#include "checks/checks.h"
 
 namespace {
 
@@ -27,13 +26,13 @@ namespace {
     { number, type, Answered::never, true, #name, get_##name, check_##name, set_##name }
 
 // The routines of a table, in the order of struct Table.
-#define ROUTINES(table)                                                                                      \
-    table##_handler, table##_get_first_data_point, table##_get_next_data_point,                              \
-        table##_context_convert_function, table##_data_free, table##_create_data_context, table##_commit_row
+#define ROUTINES(table)                                                                                           \
+    table##_handler, table##_get_first_data_point, table##_get_next_data_point, table##_context_convert_function, \
+        table##_data_free, table##_create_data_context, table##_commit_row
 
 // The same for a table that never has rows.
-#define ROUTINES_WITHOUT_ROWS(table)                                                                        \
-    table##_handler, table##_get_first_data_point, table##_get_next_data_point, nullptr, nullptr,           \
+#define ROUTINES_WITHOUT_ROWS(table)                                                              \
+    table##_handler, table##_get_first_data_point, table##_get_next_data_point, nullptr, nullptr, \
         table##_create_data_context, table##_commit_row
 
 // clang-format off
@@ -68,5 +67,5 @@ constexpr Column station_config_columns[] = {
 }  // namespace
 
 const Table catalogue::dot11StationConfigTable = {
-    "dot11StationConfigTable", station_config_oid, station_config_columns, 1, MissingRow::refused, Undo::strict,
-    sizeof(StationConfigRow),  ROUTINES(dot11StationConfigTable)};
+    "dot11StationConfigTable", station_config_oid, station_config_columns,   1,
+    MissingRow::refused,       Undo::strict,       sizeof(StationConfigRow), ROUTINES(dot11StationConfigTable)};

@@ -20,11 +20,11 @@ void fail(const Phase& phase, netsnmp_request_info* request, int status) {
     netsnmp_set_request_error(phase.info, request, status);
 }
 
-// The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, in its 32-bit form.
+// The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, in its 32-bit
+// form.
 class RequestValue {
   public:
-    explicit RequestValue(const netsnmp_variable_list& varbind)
-        : value_(varbind.val.string), length_(varbind.val_len) {
+    explicit RequestValue(const netsnmp_variable_list& varbind) : value_(varbind.val.string), length_(varbind.val_len) {
         if (varbind.type != ASN_INTEGER || !varbind.val.integer) return;
         integer_ = static_cast<int32_t>(*varbind.val.integer);
         value_ = &integer_;
@@ -59,8 +59,8 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     return Next::request;
 }
 
-// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A table that makes none gets
-// a private row of zeroes: what is written there goes nowhere.
+// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A table that
+// makes none gets a private row of zeroes: what is written there goes nowhere.
 void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
     if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     if (find_commit_record(phase.keys.row)) return;
@@ -83,8 +83,7 @@ void check(const Phase& phase, netsnmp_request_info* request, const CommitRecord
     UndoRecord* undo = old_value ? make_undo_record(old_value, old_length) : nullptr;
     if (old_value && !undo) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     const RequestValue value(*request->requestvb);
-    const int status =
-        column->check(request->requestvb->type, value.value(), value.length(), old_value, old_length);
+    const int status = column->check(request->requestvb->type, value.value(), value.length(), old_value, old_length);
     if (status != SNMP_ERR_NOERROR) {
         fail(phase, request, status);
         ieee802dot11_free_undoInfo(undo);
@@ -102,15 +101,16 @@ Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord
     return Next::request;
 }
 
-// Once for each row, however many of its columns the request sets. Another table of the PDU may have emptied the stores: then there
-// is nothing left to do.
+// Once for each row, however many of its columns the request sets. Another table of the PDU may have emptied the
+// stores: then there is nothing left to do.
 void commit(const Phase& phase, CommitRecord* record) {
     if (!record || record->committed) return;
     phase.table.commit_row(&record->row, record->is_new);
     record->committed = 1;
 }
 
-// Writes the old value back; the status to report. Nothing saved, or the stores emptied by another table of the PDU, is a failure.
+// Writes the old value back; the status to report. Nothing saved, or the stores emptied by another table of the PDU, is
+// a failure.
 int written_back(const Phase& phase, const CommitRecord* record, const Column& column) {
     const UndoRecord* undo = find_undo_record(phase.keys.request);
     if (!record || !undo || !undo->value) return SNMP_ERR_UNDOFAILED;
@@ -157,12 +157,20 @@ Next handle_reserved_row(const Phase& phase, netsnmp_request_info* request) {
     if (!table_info) return Next::request;
     const Column* column = find_column(phase.table, table_info->colnum);
     switch (phase.info->mode) {
-        case MODE_SET_RESERVE2: check(phase, request, record, column); break;
-        case MODE_SET_ACTION: return write(phase, request, record, column);
-        case MODE_SET_COMMIT: commit(phase, record); break;
-        case MODE_SET_FREE: break;
-        case MODE_SET_UNDO: return undo(phase, request, record, column);
-        default: log_problem(phase.table, "unsupported mode");
+        case MODE_SET_RESERVE2:
+            check(phase, request, record, column);
+            break;
+        case MODE_SET_ACTION:
+            return write(phase, request, record, column);
+        case MODE_SET_COMMIT:
+            commit(phase, record);
+            break;
+        case MODE_SET_FREE:
+            break;
+        case MODE_SET_UNDO:
+            return undo(phase, request, record, column);
+        default:
+            log_problem(phase.table, "unsupported mode");
     }
     return Next::request;
 }
@@ -173,7 +181,9 @@ Next handle(const Phase& phase, netsnmp_request_info* request) {
     return found_row ? handle_found_row(phase, request) : handle_reserved_row(phase, request);
 }
 
-bool ends_set(int mode) { return mode == MODE_SET_COMMIT || mode == MODE_SET_FREE || mode == MODE_SET_UNDO; }
+bool ends_set(int mode) {
+    return mode == MODE_SET_COMMIT || mode == MODE_SET_FREE || mode == MODE_SET_UNDO;
+}
 
 }  // namespace
 
@@ -182,7 +192,8 @@ const Column* find_column(const Table& table, uint32_t number) {
     return position < table.columns.size() ? &table.columns[position] : nullptr;
 }
 
-// Both keys come from the first request of the list and serve for all of them, whatever rows and columns they name: meant.
+// Both keys come from the first request of the list and serve for all of them, whatever rows and columns they name:
+// meant.
 int handle_requests(const Table& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests) {
     Phase phase = {table, info, {}};
     if (!requests) return SNMP_ERR_NOERROR;

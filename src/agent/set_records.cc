@@ -13,7 +13,8 @@ struct OwnedRecord {
     OwnedRecord* next;
 };
 
-// An undo value is written back through any column's accessor, its own length notwithstanding: none takes more than this.
+// An undo value is written back through any column's accessor, its own length notwithstanding: none takes more than
+// this.
 constexpr size_t smallest_undo_value = 16;
 
 constexpr char pdu_data[] = "ieee802dot11";

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "access/column.h"
+#include "checks/checks.h"
 #include "util/net_snmp.h"
 
 // How a GET answers a column.
@@ -21,15 +22,15 @@ struct Column {
     bool write_ends_handler;  // ACTION and UNDO return at once, as a GET does
     const char* name;
     GetColumn* get;
-    CheckColumn* check;  // null for a column that is read-only
-    SetColumn* set;      // null for a column that is read-only
+    Check* check;    // null for a column that is read-only
+    SetColumn* set;  // null for a column that is read-only
 };
 
 // What a SET of a row that the table does not hold meets. Refused: 11 (noCreation). Made: a new row, or a private one.
 enum class MissingRow : uint8_t { refused, made };
 
-// What UNDO answers. Strict: 15 (undoFailed) when nothing was saved, otherwise the write accessor's own status. Plain: 15 for
-// every failure.
+// What UNDO answers. Strict: 15 (undoFailed) when nothing was saved, otherwise the write accessor's own status. Plain:
+// 15 for every failure.
 enum class Undo : uint8_t { none, strict, plain };
 
 struct Table {
@@ -56,5 +57,6 @@ const Column* find_column(const Table& table, uint32_t number);
 // Registers the table with the agent. Without memory it is left out, with a line in the agent's log.
 void register_table(const Table& table);
 
-// Answers one phase of a request for all its varbinds in this table. Always SNMP_ERR_NOERROR: errors are attached to varbinds.
+// Answers one phase of a request for all its varbinds in this table. Always SNMP_ERR_NOERROR: errors are attached to
+// varbinds.
 int handle_requests(const Table& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests);

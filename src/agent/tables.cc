@@ -8,4 +8,6 @@ int dot11StationConfigTable_handler(netsnmp_mib_handler*, netsnmp_handler_regist
 void initialize_table_dot11StationConfigTable(void) { register_table(catalogue::dot11StationConfigTable); }
 // clang-format on
 
-void init_ieee802dot11(void) { initialize_table_dot11StationConfigTable(); }
+void init_ieee802dot11(void) {
+    initialize_table_dot11StationConfigTable();
+}

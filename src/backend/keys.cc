@@ -6,14 +6,18 @@
 #include "store/write.h"
 #include "util/convert.h"
 
-int32_t number(char* text) { return AlphabeticToNumeric(text); }
+int32_t number(char* text) {
+    return AlphabeticToNumeric(text);
+}
 
 int32_t number_not_negative(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value < 0 ? 0 : value;
 }
 
-int32_t true_when_one(char* text) { return strcmp(text, "1") == 0 ? 1 : 2; }
+int32_t true_when_one(char* text) {
+    return strcmp(text, "1") == 0 ? 1 : 2;
+}
 
 int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
                   int32_t absent) {

@@ -23,7 +23,8 @@ struct InterfaceKey {
 };
 
 // The number under `key` in the answer `list`, or `absent`.
-int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert, int32_t absent);
+int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
+                  int32_t absent);
 
 template <class Row>
 void read_interface_key(Row& row, const char* interface, const InterfaceKey<Row>& key) {
@@ -33,26 +34,28 @@ void read_interface_key(Row& row, const char* interface, const InterfaceKey<Row>
 
 template <class Row, class Keys>
 void read_interface_keys(Row& row, const char* interface, const Keys& keys) {
-    for (const InterfaceKey<Row>& key : keys) read_interface_key(row, interface, key);
+    for (const InterfaceKey<Row>& key : keys)
+        read_interface_key(row, interface, key);
 }
 
 // The look-up in one answer: find_value, or find_value_or_last.
 using Find = bool (*)(const cfqlquery_node* list, const char* key, ScratchText& scratch);
 
-// Follows an interface's answer for "bss" to the name of the BSS's radio, which is left in `radio` for the caller to release.
-// False when either link is missing.
+// Follows an interface's answer for "bss" to the name of the BSS's radio, which is left in `radio` for the caller to
+// release. False when either link is missing.
 bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find = find_value);
 
 // As above, from the interface's name.
 bool find_radio_of_interface(const char* interface, ScratchText& bss, ScratchText& radio, Find find = find_value);
 
-// Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 when the interface has no BSS or
-// the BSS no radio, `without_memory` when there is none for a text.
+// Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 when the interface has
+// no BSS or the BSS no radio, `without_memory` when there is none for a text.
 int32_t write_radio_number(uint32_t interface_index, const char* key, uint32_t value, int32_t without_memory);
 
-// The six octets under `key` of the interface, into `octets`; when absent only the first is set, to 0. Text is taken without its
-// ':' separators; missing digits count as 0, surplus ones are ignored. False without memory for the working buffer, and then
-// nothing is changed.
+// The six octets under `key` of the interface, into `octets`; when absent only the first is set, to 0. Text is taken
+// without its
+// ':' separators; missing digits count as 0, surplus ones are ignored. False without memory for the working buffer, and
+// then nothing is changed.
 bool read_mac_address(const char* interface, const char* key, ScratchText& scratch, uint8_t* octets);
 
 // Copies a row out of a table's array; positions past its last record are refused. Returns 1, or 0 when refused.

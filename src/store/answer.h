@@ -5,8 +5,8 @@
 
 #include "cfqlquery.h"
 
-// A value taken out of an answer: a heap copy and its length in octets, without the terminator. Global, one for each key of a
-// backend; the copy lives from the lookup to the conversion that releases it.
+// A value taken out of an answer: a heap copy and its length in octets, without the terminator. Global, one for each
+// key of a backend; the copy lives from the lookup to the conversion that releases it.
 struct ScratchText {
     char* text;
     uint32_t length;
@@ -26,13 +26,13 @@ class Answer {
     cfqlquery_node* list_;
 };
 
-// Whether the answer's first node is `key` with a value that is not empty; then `scratch` holds a copy of it, which the caller
-// releases with `release`. Later nodes are never looked at. A null answer leaves `scratch` as it is; any other answer first sets
-// the length to 0. Without memory for the copy the key counts as not found.
+// Whether the answer's first node is `key` with a value that is not empty; then `scratch` holds a copy of it, which the
+// caller releases with `release`. Later nodes are never looked at. A null answer leaves `scratch` as it is; any other
+// answer first sets the length to 0. Without memory for the copy the key counts as not found.
 bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch);
 
-// As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as found,
-// as long as the text has not been released.
+// As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as
+// found, as long as the text has not been released.
 bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch);
 
 // Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False without memory.

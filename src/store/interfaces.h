@@ -12,18 +12,18 @@ constexpr size_t iface_tag_size = 128;
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Names of the interfaces found by the latest entries routine of any table, NUL-terminated, from slot 0. Row i of a table belongs
-// to slot i. Valid only between a table's own entries routine and the end of its fill: every table writes the same slots. One slot
-// more than a table serves: the 129th name is stored before the enumeration is refused.
+// Names of the interfaces found by the latest entries routine of any table, NUL-terminated, from slot 0. Row i of a
+// table belongs to slot i. Valid only between a table's own entries routine and the end of its fill: every table writes
+// the same slots. One slot more than a table serves: the 129th name is stored before the enumeration is refused.
 extern char iface_tags[max_interfaces + 1][iface_tag_size];
 
-// Appends to iface_tags, at slot `*counter` and up, the values of all "name" nodes that have at most 5 characters and are
-// interfaces of the running system, in the order of the list, while the counter is below 129. `table` is not used. Returns the
-// null pointer at which the list ends.
+// Appends to iface_tags, at slot `*counter` and up, the values of all "name" nodes that have at most 5 characters and
+// are interfaces of the running system, in the order of the list, while the counter is below 129. `table` is not used.
+// Returns the null pointer at which the list ends.
 const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* table, int32_t* counter);
 }
 #pragma GCC visibility pop
 
-// Enumerates the wireless interfaces ("interface" objects with "type" = "service-set") into iface_tags and counts them. Returns 1
-// for 1 to 128 of them, otherwise 0.
+// Enumerates the wireless interfaces ("interface" objects with "type" = "service-set") into iface_tags and counts them.
+// Returns 1 for 1 to 128 of them, otherwise 0.
 int enumerate_interfaces(int32_t& counter);

@@ -9,14 +9,14 @@
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status: the sense is
-// turned round. Without memory for the two copies nothing is written and the result is 0 as well.
+// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status:
+// the sense is turned round. Without memory for the two copies nothing is written and the result is 0 as well.
 int32_t setTableData(const char* table, const char* object, const char* key, const char* value);
 }
 #pragma GCC visibility pop
 
-// The name of the interface with a given index, in a heap buffer that is released at the end of the scope. Empty when the system
-// has no such interface; the store then refuses the write. `text()` is null without memory.
+// The name of the interface with a given index, in a heap buffer that is released at the end of the scope. Empty when
+// the system has no such interface; the store then refuses the write. `text()` is null without memory.
 class InterfaceName {
   public:
     explicit InterfaceName(uint32_t index);

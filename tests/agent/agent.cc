@@ -26,13 +26,15 @@ using Oid = std::vector<oid>;
 Oid parsed(const std::string& text) {
     std::istringstream in(text.starts_with(".") ? text.substr(1) : subtree + text);
     Oid subids;
-    for (std::string part; std::getline(in, part, '.');) subids.push_back(std::stoul(part));
+    for (std::string part; std::getline(in, part, '.');)
+        subids.push_back(std::stoul(part));
     return subids;
 }
 
 std::string dotted(const oid* subids, size_t length) {
     std::string text;
-    for (size_t i = 0; i < length; ++i) text += (i ? "." : "") + std::to_string(subids[i]);
+    for (size_t i = 0; i < length; ++i)
+        text += (i ? "." : "") + std::to_string(subids[i]);
     return text.starts_with(subtree) ? text.substr(strlen(subtree)) : "." + text;
 }
 
@@ -78,21 +80,31 @@ netsnmp_session* open_session() {
 
 const char* exception_name(u_char type) {
     switch (type) {
-        case SNMP_NOSUCHOBJECT: return "noSuchObject";
-        case SNMP_NOSUCHINSTANCE: return "noSuchInstance";
-        case SNMP_ENDOFMIBVIEW: return "endOfMibView";
-        case ASN_NULL: return "NULL";
-        default: return nullptr;
+        case SNMP_NOSUCHOBJECT:
+            return "noSuchObject";
+        case SNMP_NOSUCHINSTANCE:
+            return "noSuchInstance";
+        case SNMP_ENDOFMIBVIEW:
+            return "endOfMibView";
+        case ASN_NULL:
+            return "NULL";
+        default:
+            return nullptr;
     }
 }
 
 const char* number_name(u_char type) {
     switch (type) {
-        case ASN_INTEGER: return "INTEGER ";
-        case ASN_GAUGE: return "Gauge32 ";
-        case ASN_COUNTER: return "Counter32 ";
-        case ASN_TIMETICKS: return "TimeTicks ";
-        default: return nullptr;
+        case ASN_INTEGER:
+            return "INTEGER ";
+        case ASN_GAUGE:
+            return "Gauge32 ";
+        case ASN_COUNTER:
+            return "Counter32 ";
+        case ASN_TIMETICKS:
+            return "TimeTicks ";
+        default:
+            return nullptr;
     }
 }
 
@@ -101,7 +113,8 @@ const char* number_name(u_char type) {
 std::string shown_octets(const std::string& octets) {
     std::ostringstream out;
     out << "STRING" << std::hex << std::setfill('0');
-    for (const char octet : octets) out << ' ' << std::setw(2) << static_cast<int>(static_cast<u_char>(octet));
+    for (const char octet : octets)
+        out << ' ' << std::setw(2) << static_cast<int>(static_cast<u_char>(octet));
     return out.str();
 }
 
@@ -109,22 +122,26 @@ std::string shown(const netsnmp_variable_list& varbind) {
     if (const char* name = exception_name(varbind.type)) return name;
     if (const char* name = number_name(varbind.type)) {
         const long number = *varbind.val.integer;
-        return name + (varbind.type == ASN_INTEGER ? std::to_string(number)
-                                                   : std::to_string(static_cast<uint32_t>(number)));
+        return name +
+               (varbind.type == ASN_INTEGER ? std::to_string(number) : std::to_string(static_cast<uint32_t>(number)));
     }
     if (varbind.type == ASN_OCTET_STR)
         return shown_octets({reinterpret_cast<const char*>(varbind.val.string), varbind.val_len});
     return "type " + std::to_string(varbind.type);
 }
 
-void PrintTo(const Varbind& varbind, std::ostream* out) { *out << varbind.oid << " = " << varbind.value; }
+void PrintTo(const Varbind& varbind, std::ostream* out) {
+    *out << varbind.oid << " = " << varbind.value;
+}
 
 Value Value::integer(int64_t number) {
     const long value = static_cast<long>(number);
     return {ASN_INTEGER, {reinterpret_cast<const char*>(&value), sizeof value}};
 }
 
-void run(const std::string& command) { ASSERT_EQ(system(command.c_str()), 0) << command; }
+void run(const std::string& command) {
+    ASSERT_EQ(system(command.c_str()), 0) << command;
+}
 
 void add_interface(const std::string& name, unsigned index) {
     const std::string number = std::to_string(index);
@@ -132,7 +149,9 @@ void add_interface(const std::string& name, unsigned index) {
         std::to_string(index + 100'000));
 }
 
-void remove_interface(const std::string& name) { run("ip link delete " + name); }
+void remove_interface(const std::string& name) {
+    run("ip link delete " + name);
+}
 
 Agent::Agent(const std::string& configuration, const std::string& lines) {
     folder_ = (std::filesystem::temp_directory_path() / "agent-XXXXXX").string();
@@ -164,7 +183,9 @@ std::string Agent::exported() const {
     return read_file(folder_ + "/exported.toml");
 }
 
-std::string Agent::log() const { return read_file(folder_ + "/snmpd.log"); }
+std::string Agent::log() const {
+    return read_file(folder_ + "/snmpd.log");
+}
 
 void Agent::write_configuration(const std::string& lines) const {
     std::ofstream(folder_ + "/snmpd.conf") << "agentAddress udp:" << address << "\n"
@@ -178,8 +199,8 @@ void Agent::start() {
     const std::string control_path = folder_ + "/control";
     const int file = open(control_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (ftruncate(file, sizeof *control_) != 0) ADD_FAILURE() << control_path;
-    control_ = static_cast<agent_control*>(
-        mmap(nullptr, sizeof *control_, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+    control_ =
+        static_cast<agent_control*>(mmap(nullptr, sizeof *control_, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
     close(file);
     pid_ = fork();
     if (pid_ == 0) {
@@ -204,7 +225,9 @@ void Agent::start() {
     ASSERT_NE(session_, nullptr);
 }
 
-bool Agent::is_up() const { return log().find("NET-SNMP version") != std::string::npos; }
+bool Agent::is_up() const {
+    return log().find("NET-SNMP version") != std::string::npos;
+}
 
 void Agent::stop() {
     if (pid_ <= 0) return;
@@ -247,9 +270,13 @@ netsnmp_pdu* request(int command, const std::vector<std::string>& oids) {
 
 }  // namespace
 
-Response Agent::get(const std::vector<std::string>& oids) { return send(request(SNMP_MSG_GET, oids)); }
+Response Agent::get(const std::vector<std::string>& oids) {
+    return send(request(SNMP_MSG_GET, oids));
+}
 
-Response Agent::get_next(const std::vector<std::string>& oids) { return send(request(SNMP_MSG_GETNEXT, oids)); }
+Response Agent::get_next(const std::vector<std::string>& oids) {
+    return send(request(SNMP_MSG_GETNEXT, oids));
+}
 
 Response Agent::get_bulk(const std::vector<std::string>& oids, long repetitions) {
     netsnmp_pdu* pdu = request(SNMP_MSG_GETBULK, oids);

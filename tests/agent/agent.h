@@ -1,8 +1,8 @@
 // A stock snmpd with the built module, in a network namespace of the test's own, and an SNMP client to ask it.
 //
-// The test program enters its namespace before the first test (main.cc). An Agent has a folder of its own with the store, which the
-// project's tool fills, its configuration and its log. It is stopped at the end of its life; the test fails when it ended in any
-// other way than by being asked, or when its log tells of a module that was not loaded.
+// The test program enters its namespace before the first test (main.cc). An Agent has a folder of its own with the
+// store, which the project's tool fills, its configuration and its log. It is stopped at the end of its life; the test
+// fails when it ended in any other way than by being asked, or when its log tells of a module that was not loaded.
 #pragma once
 
 #include <sys/types.h>
@@ -14,8 +14,8 @@
 #include "control.h"
 #include "util/net_snmp.h"
 
-// A value of a varbind, written as a test's table shows it: "INTEGER 100", "Gauge32 1", "Counter32 7", "STRING 00 1a 2b",
-// "noSuchInstance", "noSuchObject", "endOfMibView", "NULL".
+// A value of a varbind, written as a test's table shows it: "INTEGER 100", "Gauge32 1", "Counter32 7", "STRING 00 1a
+// 2b", "noSuchInstance", "noSuchObject", "endOfMibView", "NULL".
 std::string shown(const netsnmp_variable_list& varbind);
 std::string shown_octets(const std::string& octets);  // "STRING 61 62" for "ab"
 
@@ -45,7 +45,8 @@ struct Response {
 
 class Agent {
   public:
-    // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's configuration.
+    // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's
+    // configuration.
     explicit Agent(const std::string& configuration, const std::string& lines = "");
     ~Agent();
     Agent(const Agent&) = delete;

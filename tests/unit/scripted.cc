@@ -12,20 +12,28 @@ namespace {
 
 ScriptedDevice* device;
 
-const char* copy(const std::optional<std::string>& text) { return text ? strdup(text->c_str()) : nullptr; }
+const char* copy(const std::optional<std::string>& text) {
+    return text ? strdup(text->c_str()) : nullptr;
+}
 
-std::string shown(const char* text) { return text ? text : "-"; }
+std::string shown(const char* text) {
+    return text ? text : "-";
+}
 
 }  // namespace
 
-ScriptedDevice::ScriptedDevice() { device = this; }
+ScriptedDevice::ScriptedDevice() {
+    device = this;
+}
 
 ScriptedDevice::~ScriptedDevice() {
     EXPECT_TRUE(live_.empty()) << live_.size() << " answers of the store were not handed back";
     device = nullptr;
 }
 
-void ScriptedDevice::add(const std::string& table, const std::string& object) { objects_.push_back({table, object}); }
+void ScriptedDevice::add(const std::string& table, const std::string& object) {
+    objects_.push_back({table, object});
+}
 
 void ScriptedDevice::add_interface(const std::string& name, unsigned index) {
     interfaces[name] = index;
@@ -46,7 +54,9 @@ void ScriptedDevice::answer(const std::string& table, const std::string& object,
     answers_[{table, object, key}] = std::move(nodes);
 }
 
-void ScriptedDevice::answer_grid(const std::string& table, std::vector<Pair> nodes) { grids_[table] = std::move(nodes); }
+void ScriptedDevice::answer_grid(const std::string& table, std::vector<Pair> nodes) {
+    grids_[table] = std::move(nodes);
+}
 
 void ScriptedDevice::clear_store() {
     objects_.clear();
@@ -142,7 +152,9 @@ int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_
     return device->write(table, object, pair);
 }
 
-void cfqlquery_destroy_pv(cfqlquery_node* list) { device->destroy(list); }
+void cfqlquery_destroy_pv(cfqlquery_node* list) {
+    device->destroy(list);
+}
 
 unsigned __wrap_if_nametoindex(const char* name) {
     const auto found = device->interfaces.find(name);

@@ -1,7 +1,7 @@
-// A scripted device for tests of the backends: the configuration store, the system's interfaces, the clock, memory and the driver's
-// files are what the test says. One device lives at a time; it makes the linked module's calls to cfqlquery_*, if_nametoindex,
-// if_indextoname, gettimeofday, calloc and fopen end in it, and fails the test when an answer of the store is not handed back
-// exactly once.
+// A scripted device for tests of the backends: the configuration store, the system's interfaces, the clock, memory and
+// the driver's files are what the test says. One device lives at a time; it makes the linked module's calls to
+// cfqlquery_*, if_nametoindex, if_indextoname, gettimeofday, calloc and fopen end in it, and fails the test when an
+// answer of the store is not handed back exactly once.
 #pragma once
 
 #include <cstdint>
@@ -16,12 +16,14 @@
 
 class ScriptedDevice {
   public:
-    using Pair = std::pair<std::optional<std::string>, std::optional<std::string>>;  // tag and value; nullopt is a null pointer
+    using Pair =
+        std::pair<std::optional<std::string>, std::optional<std::string>>;  // tag and value; nullopt is a null pointer
 
     ScriptedDevice();
     ~ScriptedDevice();
 
-    // -- the store -------------------------------------------------------------------------------------------------------
+    // -- the store
+    // -------------------------------------------------------------------------------------------------------
 
     // An object with a name, listed by get_grid in the order of the calls. "" names the object of "system".
     void add(const std::string& table, const std::string& object);
@@ -35,12 +37,13 @@ class ScriptedDevice {
     void clear_store();
 
     int32_t set_status = 1;  // what set_pv answers
-    // Every call, in order: "grid interface type=service-set", "get interface wlan0 mac", "set bss wlan0 dtim-period=3". A null
-    // object is written "-".
+    // Every call, in order: "grid interface type=service-set", "get interface wlan0 mac", "set bss wlan0
+    // dtim-period=3". A null object is written "-".
     std::vector<std::string> calls;
     std::vector<std::string> calls_of(const std::string& kind) const;  // those that begin with it, without it
 
-    // -- the system ------------------------------------------------------------------------------------------------------
+    // -- the system
+    // ------------------------------------------------------------------------------------------------------
 
     std::map<std::string, unsigned> interfaces;  // name and index
     int64_t now = 1'000'000'000;                 // seconds since the epoch
@@ -51,14 +54,16 @@ class ScriptedDevice {
     // A wireless interface: in the system and in the store's grid.
     void add_interface(const std::string& name, unsigned index);
 
-    // -- memory ----------------------------------------------------------------------------------------------------------
+    // -- memory
+    // ----------------------------------------------------------------------------------------------------------
 
     // The n-th calloc from now fails (1 is the next one); 0: none does.
     void fail_allocation(int n);
     // Whether the allocation told to fail has been asked for.
     bool allocation_failed() const { return allocation_failed_; }
 
-    // -- called by the linked routines -----------------------------------------------------------------------------------
+    // -- called by the linked routines
+    // -----------------------------------------------------------------------------------
 
     cfqlquery_node* grid(const char* table, const cfqlquery_node* filter);
     cfqlquery_node* get(const char* table, const char* object, const char* key);

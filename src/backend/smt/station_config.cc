@@ -33,7 +33,9 @@ struct EventKeys {
     MacKey station;
 };
 
-int32_t false_when_plain_text(char* text) { return strcmp(text, "plain-text") == 0 ? 2 : 1; }
+int32_t false_when_plain_text(char* text) {
+    return strcmp(text, "plain-text") == 0 ? 2 : 1;
+}
 
 // clang-format off
 constexpr MacKey station_id =
@@ -74,7 +76,8 @@ void read_ssid(Row& row, const char* interface) {
     release(sta_info.ssid);
 }
 
-// A stored rate, in 100 kbit/s, to units of 500 kbit/s. The result passes as a character through GetHexValue, which turns 48 to 57
+// A stored rate, in 100 kbit/s, to units of 500 kbit/s. The result passes as a character through GetHexValue, which
+// turns 48 to 57
 // ('0' to '9') and the codes of the letters a to f into digits: meant, and kept.
 uint8_t rate_octet(const char* text) {
     const auto doubled = static_cast<int32_t>(static_cast<uint32_t>(AlphabeticToNumeric(text)) * 2);
@@ -109,7 +112,9 @@ void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11DTIMPeriod = converted(answer.list(), "dtim-period", sta_info.dtim_period, number, 1);
 }
 
-int32_t true_when_up(char* text) { return strcmp(text, "up") == 0 ? 1 : 2; }
+int32_t true_when_up(char* text) {
+    return strcmp(text, "up") == 0 ? 1 : 2;
+}
 
 void read_multi_domain(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11MultiDomainCapabilityImplemented = 2;
@@ -137,7 +142,8 @@ void set_constants(Row& row) {
     row.dot11DesiredBSSType = 1;       // infrastructure
 }
 
-// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag is not looked at.
+// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag is not
+// looked at.
 void read_country(Row& row) {
     const Answer answer("system", nullptr, "country");
     memcpy(row.dot11CountryString, "???", 3);
@@ -171,9 +177,13 @@ constexpr int32_t without_memory = -1;
 
 }  // namespace
 
-int GetStationConfigEntries(void) { return enumerate_interfaces(counter); }
+int GetStationConfigEntries(void) {
+    return enumerate_interfaces(counter);
+}
 
-uint32_t GetStationConfigTableIndexCount(void) { return static_cast<uint32_t>(counter); }
+uint32_t GetStationConfigTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
 
 int GetStationConfigTableData(void) {
     for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i)
@@ -181,7 +191,9 @@ int GetStationConfigTableData(void) {
     return 1;
 }
 
-int GetStationConfigEntryByIndex(uint32_t row, void* destination) { return copy_row(sinfo, row, destination); }
+int GetStationConfigEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(sinfo, row, destination);
+}
 
 int32_t SetDesiredSSID(const uint32_t* index, const char* ssid, uint32_t) {
     const InterfaceName name(*index);
@@ -220,7 +232,8 @@ int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t coun
     return result;
 }
 
-// The two time-out writers are crossed: each writes the other's key, while the rows read every key into its own column. Meant.
+// The two time-out writers are crossed: each writes the other's key, while the rows read every key into its own column.
+// Meant.
 int32_t SetAuthenticationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
     return write_interface_number(*index, association_time_out.key, *value, without_memory);
 }
