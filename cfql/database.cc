@@ -117,7 +117,7 @@ void bind(sqlite3_stmt* statement, int index, Text text) {
 
 Text column(sqlite3_stmt* statement, int index) {
     const void* octets = sqlite3_column_blob(statement, index);
-    if (octets == nullptr) return {"", 0};
+    if (octets == nullptr) return "";
     return {static_cast<const char*>(octets), static_cast<std::size_t>(sqlite3_column_bytes(statement, index))};
 }
 

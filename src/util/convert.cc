@@ -189,6 +189,6 @@ char* ConvertToMacAddrFromString(char* text, int32_t length) {
         *end++ = ':';
         *end++ = text[i];
     }
-    *end = '\0';
-    return strcpy(text, rewritten);
+    *end++ = '\0';
+    return static_cast<char*>(memcpy(text, rewritten, static_cast<size_t>(end - rewritten)));
 }
