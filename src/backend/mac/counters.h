@@ -1,0 +1,52 @@
+// dot11CountersTable: one row for each wireless interface, with the counters that the platform keeps in the store.
+#pragma once
+
+#include <cstddef>
+
+#include "store/answer.h"
+#include "store/interfaces.h"
+
+// Counters are never negative.
+struct CountersRow {
+    uint32_t ifIndex;
+    int32_t dot11TransmittedFragmentCount;
+    int32_t dot11MulticastTransmittedFrameCount;
+    int32_t dot11FailedCount;
+    int32_t dot11RetryCount;
+    int32_t dot11MultipleRetryCount;
+    int32_t dot11FrameDuplicateCount;
+    int32_t dot11RTSSuccessCount;
+    int32_t dot11RTSFailureCount;
+    int32_t dot11ACKFailureCount;
+    int32_t dot11ReceivedFragmentCount;
+    int32_t dot11MulticastReceivedFrameCount;
+    int32_t dot11FCSErrorCount;
+    int32_t dot11TransmittedFrameCount;
+    int32_t dot11WEPUndecryptableCount;
+};
+
+static_assert(sizeof(CountersRow) == 60);
+static_assert(offsetof(CountersRow, dot11TransmittedFragmentCount) == 4);
+static_assert(offsetof(CountersRow, dot11RetryCount) == 16);
+static_assert(offsetof(CountersRow, dot11MultipleRetryCount) == 20);
+static_assert(offsetof(CountersRow, dot11ReceivedFragmentCount) == 40);
+static_assert(offsetof(CountersRow, dot11WEPUndecryptableCount) == 56);
+
+struct CountersScratch {
+    ScratchText transmitted_fragment, multicast_transmitted_frame, failed, retry, multiple_retry, frame_duplicate,
+        rts_success, rts_failure, ack_failure, received_fragment, multicast_received_frame, fcs_error,
+        transmitted_frame, wep_undecryptable;
+};
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+extern CountersRow cinfo[max_interfaces];
+extern CountersScratch cnt_info;
+
+int GetCountersEntries(void);               // enumerates the interfaces; 1 = there are rows, 0 = there are none
+uint32_t GetCountersTableIndexCount(void);  // rows found by the latest enumeration
+int GetCountersTableData(void);             // fills the rows; 1
+int GetCountersEntryByIndex(uint32_t row, void* destination);  // copies one CountersRow; see copy_row
+}
+#pragma GCC visibility pop

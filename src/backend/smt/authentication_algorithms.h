@@ -1,0 +1,42 @@
+// dot11AuthenticationAlgorithmsTable: two rows for each wireless interface, open system and shared key (IEEE 802.11).
+#pragma once
+
+#include <cstddef>
+
+#include "store/answer.h"
+#include "store/interfaces.h"
+
+struct AuthenticationAlgorithmsRow {
+    uint32_t ifIndex;
+    uint32_t dot11AuthenticationAlgorithmsIndex;  // 1 or 2
+    int32_t dot11AuthenticationAlgorithm;         // 1 open system, 2 shared key
+    int32_t dot11AuthenticationAlgorithmsEnable;  // TruthValue (RFC 2579)
+};
+
+static_assert(sizeof(AuthenticationAlgorithmsRow) == 16);
+static_assert(offsetof(AuthenticationAlgorithmsRow, dot11AuthenticationAlgorithmsIndex) == 4);
+static_assert(offsetof(AuthenticationAlgorithmsRow, dot11AuthenticationAlgorithm) == 8);
+static_assert(offsetof(AuthenticationAlgorithmsRow, dot11AuthenticationAlgorithmsEnable) == 12);
+
+struct AuthenticationAlgorithmsScratch {
+    ScratchText algorithm, bss;
+};
+
+constexpr uint32_t algorithms_per_interface = 2;
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+extern AuthenticationAlgorithmsRow ainfo[algorithms_per_interface * max_interfaces];
+extern AuthenticationAlgorithmsScratch auth_info;
+
+int GetAuthAlgorithmEntries(void);  // enumerates the interfaces; 1 = there are rows, 0 = there are none
+uint32_t GetAuthenticationAlgorithmTableIndexCount(void);           // interfaces, half the number of rows
+int GetAuthAlgorithmTableData(void);                                // fills the rows; 1
+int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination);  // one AuthenticationAlgorithmsRow; see copy_row
+
+// Writes the TruthValue of the algorithm that the row's two index values name into the store, for other callers than
+// SNMP. Returns setTableData's result, -1 without memory, 0 when the interface has no BSS. The length is not used.
+int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t length);
+}
+#pragma GCC visibility pop

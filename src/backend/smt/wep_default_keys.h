@@ -1,0 +1,55 @@
+// dot11WEPDefaultKeysTable: four rows for each wireless interface, one for each default key. Keys are secrets: they are
+// copied between the store and the agent and nowhere else, and the copies on the way are wiped.
+#pragma once
+
+#include <cstddef>
+
+#include "store/answer.h"
+#include "store/interfaces.h"
+
+struct WEPDefaultKeysRow {
+    uint32_t ifIndex;
+    uint32_t dot11WEPDefaultKeyIndex;     // 1 to 4
+    uint8_t dot11WEPDefaultKeyValue[64];  // the stored text as it is: 5, 10, 13, 26 or up to 58 characters
+    uint32_t dot11WEPDefaultKeyValueLen;
+};
+
+static_assert(sizeof(WEPDefaultKeysRow) == 76);
+static_assert(offsetof(WEPDefaultKeysRow, dot11WEPDefaultKeyIndex) == 4);
+static_assert(offsetof(WEPDefaultKeysRow, dot11WEPDefaultKeyValue) == 8);
+static_assert(offsetof(WEPDefaultKeysRow, dot11WEPDefaultKeyValueLen) == 72);
+
+struct WEPDefaultKeysScratch {
+    ScratchText key;
+};
+
+// What setDefaultKeys writes: NUL-terminated texts, which stay the caller's.
+struct WEPDefaultKeyWrite {
+    const char* interface;
+    const char* key;  // "wep-key-1" to "wep-key-4"
+    const char* value;
+};
+
+constexpr uint32_t keys_per_interface = 4;
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+extern WEPDefaultKeysRow winfo[keys_per_interface * max_interfaces];
+extern WEPDefaultKeysScratch wep_info;
+
+int GetDefaultWEPKeysEntries(void);               // enumerates the interfaces; 1 = there are rows, 0 = there are none
+uint32_t GetWEPDefaultKeysTableIndexCount(void);  // interfaces, a quarter of the number of rows
+int GetDefaultWEPKeysTableData(void);             // fills the rows; 1, or -1 when memory ran out on the way
+int GetDefaultWEPKeysEntryByIndex(uint32_t row, void* destination);  // copies one WEPDefaultKeysRow; see copy_row
+
+// Writers into the store, for other callers than SNMP.
+
+// Writes the key that the row's two index values name; any key index but 1 to 4 writes under the empty key. `value` has
+// `length` octets, or fewer when a NUL ends it. Returns setDefaultKeys' result, -1 without memory.
+int32_t SetWEPDefaultKeysTableData(const WEPDefaultKeysRow* row, const char* value, uint32_t length);
+
+// 0 when setTableData's result is 0, otherwise 1.
+int32_t setDefaultKeys(const WEPDefaultKeyWrite* write);
+}
+#pragma GCC visibility pop
