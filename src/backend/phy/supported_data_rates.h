@@ -1,0 +1,68 @@
+// dot11SupportedDataRatesRxTable and dot11SupportedDataRatesTxTable: up to eight rates for each group of
+// "supported-rate" objects.
+//
+// The two tables read the same objects, each through a cache of its own. A group is a run of objects with the same
+// name, an interface's; names are not sorted, so a name that comes back after another makes a group again. There is no
+// array of rows: the iterator asks for one row after the other, and the cache is read again, emptied or kept inside
+// these calls.
+#pragma once
+
+#include <cstddef>
+
+#include "cfqlquery.h"
+#include "store/interfaces.h"
+
+struct SupportedDataRatesRxRow {
+    uint32_t ifIndex;
+    int32_t dot11SupportedDataRatesRxIndex;  // 1 to 8
+    int32_t dot11SupportedDataRatesRxValue;  // 500 kbit/s, 2 and up
+};
+
+struct SupportedDataRatesTxRow {
+    uint32_t ifIndex;
+    int32_t dot11SupportedDataRatesTxIndex;  // 1 to 8
+    int32_t dot11SupportedDataRatesTxValue;  // 500 kbit/s, 2 and up
+};
+
+static_assert(sizeof(SupportedDataRatesRxRow) == 12 && sizeof(SupportedDataRatesTxRow) == 12);
+static_assert(offsetof(SupportedDataRatesRxRow, dot11SupportedDataRatesRxIndex) == 4);
+static_assert(offsetof(SupportedDataRatesTxRow, dot11SupportedDataRatesTxIndex) == 4);
+static_assert(offsetof(SupportedDataRatesRxRow, dot11SupportedDataRatesRxValue) == 8);
+static_assert(offsetof(SupportedDataRatesTxRow, dot11SupportedDataRatesTxValue) == 8);
+
+using RateGroupName = char[iface_tag_size];
+using RateText = char[6];  // units of 100 kbit/s, decimal, terminated
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+extern uint32_t SUPPDATARATESRXLastLoad;    // seconds since the epoch; 0: the cache is read at the next call
+extern RateGroupName* rx_tag;               // one for each group; null: there is none
+extern RateText* suppRx_info;               // as many as the groups have rows; null: all count as empty
+extern int32_t rxval_index;                 // the text that the next rate goes to
+extern int32_t rx_row_index;                // rates stored by the current call
+extern SupportedDataRatesRxRow suppRxInfo;  // not used
+
+extern uint32_t SUPPDATARATESTXLastLoad;
+extern RateGroupName* tx_tag;
+extern RateText* suppTx_info;
+extern int32_t txval_index;
+extern int32_t a_index;
+extern SupportedDataRatesTxRow suppTxInfo;
+
+// One row of a walk into `record`, a SupportedDataRatesRxRow. `row` is the group's position, from 0; `*value_index` the
+// row's index in the group, 1 for a new group: it goes up by one with each row. Returns
+//    1  a row, and the group has more
+//    2  the group's last row: go on with the next group and *value_index 1
+//    0  no row: end of the table, or the store or memory failed
+//   -1  no row: the store has no "supported-rate" object
+int GetSuppDataRatesRxTableByIndex(uint32_t row, int32_t* value_index, void* record);
+int GetSuppDataRatesTxTableByIndex(uint32_t row, int32_t* value_index,
+                                   void* record);  // the same, a SupportedDataRatesTxRow
+
+// Stores the rate of an answer for "rate" in the next text, clipped at five characters. Only the first node is looked
+// at.
+void lcl_suppRx(const cfqlquery_node* list);
+void lcl_suppTx(const cfqlquery_node* list);
+}
+#pragma GCC visibility pop

@@ -1,0 +1,48 @@
+// dot11PhyTxPowerTable: one row for each wireless interface.
+#pragma once
+
+#include <cstddef>
+
+#include "store/answer.h"
+#include "store/interfaces.h"
+
+// Power levels are as the store has them: the configuration fixes their unit.
+struct TxPowerRow {
+    uint32_t ifIndex;
+    int32_t dot11NumberSupportedPowerLevels;
+    int32_t dot11TxPowerLevel1;
+    int32_t dot11TxPowerLevel2;
+    int32_t dot11TxPowerLevel3;
+    int32_t dot11TxPowerLevel4;
+    int32_t dot11TxPowerLevel5;
+    int32_t dot11TxPowerLevel6;
+    int32_t dot11TxPowerLevel7;
+    int32_t dot11TxPowerLevel8;
+    int32_t dot11CurrentTxPowerLevel;
+};
+
+static_assert(sizeof(TxPowerRow) == 44);
+static_assert(offsetof(TxPowerRow, dot11TxPowerLevel1) == 8);
+static_assert(offsetof(TxPowerRow, dot11TxPowerLevel8) == 36);
+static_assert(offsetof(TxPowerRow, dot11CurrentTxPowerLevel) == 40);
+
+struct TxPowerScratch {
+    ScratchText number_supported_levels, levels[8], current_level;
+};
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+extern TxPowerRow ptinfo[max_interfaces];
+extern TxPowerScratch phy_pow_info;
+
+int GetPhyTxPowerEntries(void);               // enumerates the interfaces; 1 = there are rows, 0 = there are none
+uint32_t GetPhyTxPowerTableIndexCount(void);  // rows found by the latest enumeration
+int GetPhyTxPowerTableData(void);             // fills the rows; always 1
+int GetPhyTxPowerEntryByIndex(uint32_t row, void* destination);  // copies one TxPowerRow; see copy_row
+
+// Writes the current power level of the interface whose index `index` points to, for other callers than SNMP. Any value
+// is written. Returns setTableData's result, 0 without memory. `length` is not used.
+int32_t SetCurrentPowerLevel(const uint32_t* index, const uint32_t* value, uint32_t length);
+}
+#pragma GCC visibility pop
