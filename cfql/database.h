@@ -217,8 +217,8 @@ class Database {
 
     sqlite3* connection_ = nullptr;
     sqlite3_stmt* queries_[query_count_] = {};
-    int code_ = SQLITE_OK;  // the extended result code of the last failure
-    char value_[value_limit];
+    int code_ = SQLITE_OK;          // the extended result code of the last failure
+    char value_[value_limit] = {};  // the answer of get_attribute()
 };
 
 }  // namespace cfql
