@@ -1,0 +1,56 @@
+#include "backend/phy/phy_operation.h"
+
+#include <net/if.h>
+
+#include "backend/keys.h"
+#include "store/write.h"
+#include "util/convert.h"
+
+PhyOperationRow poinfo[max_interfaces];
+PhyOperationScratch phy_oper_info;
+
+namespace {
+
+using Row = PhyOperationRow;
+
+int32_t counter;
+
+// The MIB's higher codes are served as 1 (dsss) too: meant, and kept.
+int32_t phy_type(char* text) {
+    const int32_t value = AlphabeticToNumeric(text);
+    return value >= 0 && value < 4 ? value : 1;
+}
+
+// clang-format off
+constexpr InterfaceKey<Row> keys[] = {
+    {"dot11-current-reg-domain", &phy_oper_info.current_reg_domain, &Row::dot11CurrentRegDomain, number_not_negative, 0},
+    {"dot11-temp-type", &phy_oper_info.temp_type, &Row::dot11TempType, number_not_negative, 1},
+    {"dot11-phy-type", &phy_oper_info.phy_type, &Row::dot11PHYType, phy_type, 1},
+};
+// clang-format on
+
+}  // namespace
+
+int GetPhyOperationsEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetPhyOperationTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetPhyOperationsTableData(void) {
+    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i) {
+        poinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
+        read_interface_keys(poinfo[i], iface_tags[i], keys);
+    }
+    return 1;
+}
+
+int GetPhyOperationsEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(poinfo, row, destination);
+}
+
+int32_t SetCurrentRegDomain(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-current-reg-domain", *value, 0);
+}

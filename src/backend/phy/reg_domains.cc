@@ -1,0 +1,43 @@
+#include "backend/phy/reg_domains.h"
+
+#include <net/if.h>
+
+#include "backend/keys.h"
+
+RegDomainsRow rdinfo[max_interfaces];
+RegDomainsScratch reg_info;
+
+namespace {
+
+using Row = RegDomainsRow;
+
+int32_t counter;
+
+constexpr InterfaceKey<Row> current_reg_domain = {"dot11-current-reg-domain", &reg_info.current_reg_domain,
+                                                  &Row::dot11RegDomainsSupportValue, number_not_negative, 16};
+
+void fill_row(Row& row, const char* interface) {
+    row.ifIndex = if_nametoindex(interface);
+    row.dot11RegDomainsSupportIndex = 1;
+    read_interface_key(row, interface, current_reg_domain);
+}
+
+}  // namespace
+
+int GetRegDomainSupportedEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetRegDomainsSupportedTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetRegDomainSupportedTableData(void) {
+    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i)
+        fill_row(rdinfo[i], iface_tags[i]);
+    return 1;
+}
+
+int GetRegDomainSupportedEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(rdinfo, row, destination);
+}

@@ -1,0 +1,64 @@
+#include "backend/phy/tx_power.h"
+
+#include <net/if.h>
+
+#include "backend/keys.h"
+#include "store/write.h"
+#include "util/convert.h"
+
+TxPowerRow ptinfo[max_interfaces];
+TxPowerScratch phy_pow_info;
+
+namespace {
+
+using Row = TxPowerRow;
+
+int32_t counter;
+
+// Level 1 alone turns a negative number into the default instead of 0: meant, and kept.
+int32_t level_1(char* text) {
+    const int32_t value = AlphabeticToNumeric(text);
+    return value < 0 ? 100 : value;
+}
+
+// All levels are read from one key, each with a query of its own: meant, and kept.
+// clang-format off
+constexpr InterfaceKey<Row> keys[] = {
+    {"num_supported_pow_level", &phy_pow_info.number_supported_levels, &Row::dot11NumberSupportedPowerLevels, number_not_negative, 1},
+    {"tx-power", &phy_pow_info.levels[0], &Row::dot11TxPowerLevel1, level_1, 100},
+    {"tx-power", &phy_pow_info.levels[1], &Row::dot11TxPowerLevel2, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[2], &Row::dot11TxPowerLevel3, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[3], &Row::dot11TxPowerLevel4, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[4], &Row::dot11TxPowerLevel5, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[5], &Row::dot11TxPowerLevel6, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[6], &Row::dot11TxPowerLevel7, number_not_negative, 100},
+    {"tx-power", &phy_pow_info.levels[7], &Row::dot11TxPowerLevel8, number_not_negative, 100},
+    {"curr_tx_power_level", &phy_pow_info.current_level, &Row::dot11CurrentTxPowerLevel, number_not_negative, 1},
+};
+// clang-format on
+
+}  // namespace
+
+int GetPhyTxPowerEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetPhyTxPowerTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetPhyTxPowerTableData(void) {
+    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i) {
+        ptinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
+        read_interface_keys(ptinfo[i], iface_tags[i], keys);
+    }
+    return 1;
+}
+
+int GetPhyTxPowerEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(ptinfo, row, destination);
+}
+
+int32_t SetCurrentPowerLevel(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "curr_tx_power_level", *value, 0);
+}
