@@ -1,5 +1,6 @@
 #include "backend/keys.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -19,19 +20,51 @@ int32_t true_when_one(char* text) {
     return strcmp(text, "1") == 0 ? 1 : 2;
 }
 
-int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
-                  int32_t absent) {
-    if (!find_value(list, key, scratch)) return absent;
+int32_t take_number(ScratchText& scratch, Conversion convert) {
     const int32_t value = convert(scratch.text);
     release(scratch);
     return value;
 }
 
-bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find) {
-    if (!find(bss_answer, "bss", bss)) return false;
+uint32_t take_octets(ScratchText& scratch, uint8_t* field, uint32_t size) {
+    const uint32_t length = std::min(scratch.length, size);
+    memcpy(field, scratch.text, length);
+    release(scratch);
+    return length;
+}
+
+uint32_t take_text(ScratchText& scratch, char* field, uint32_t size) {
+    const uint32_t length = std::min(scratch.length, size - 1);
+    memcpy(field, scratch.text, length);
+    field[length] = '\0';
+    release(scratch);
+    return length;
+}
+
+int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
+                  int32_t absent) {
+    return find_value(list, key, scratch) ? take_number(scratch, convert) : absent;
+}
+
+bool find_bss(const char* interface, ScratchText& bss) {
+    const Answer answer("interface", interface, "bss");
+    return find_value(answer.list(), "bss", bss);
+}
+
+bool find_radio_of_bss(ScratchText& bss, ScratchText& radio, Find find) {
     const Answer answer("bss", bss.text, "radio");
     release(bss);
     return find(answer.list(), "radio", radio);
+}
+
+bool find_value_of_radio(ScratchText& radio, const char* key, ScratchText& value) {
+    const Answer answer("radio", radio.text, key);
+    release(radio);
+    return find_value(answer.list(), key, value);
+}
+
+bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find) {
+    return find(bss_answer, "bss", bss) && find_radio_of_bss(bss, radio, find);
 }
 
 bool find_radio_of_interface(const char* interface, ScratchText& bss, ScratchText& radio, Find find) {

@@ -22,6 +22,14 @@ struct InterfaceKey {
     int32_t absent;
 };
 
+// Converts a value that was found, and releases it.
+int32_t take_number(ScratchText& scratch, Conversion convert);
+
+// Copies a value that was found into a field of `size` octets, and releases it. Returns how many octets of it the field
+// holds: a longer text is clipped. `take_text` ends the field with a terminator, `take_octets` adds none.
+uint32_t take_octets(ScratchText& scratch, uint8_t* field, uint32_t size);
+uint32_t take_text(ScratchText& scratch, char* field, uint32_t size);
+
 // The number under `key` in the answer `list`, or `absent`.
 int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
                   int32_t absent);
@@ -41,6 +49,15 @@ void read_interface_keys(Row& row, const char* interface, const Keys& keys) {
 // The look-up in one answer: find_value, or find_value_or_last.
 using Find = bool (*)(const cfqlquery_node* list, const char* key, ScratchText& scratch);
 
+// Asks for the name of an interface's BSS, which is left in `bss` for the caller to release.
+bool find_bss(const char* interface, ScratchText& bss);
+
+// Asks for the name of a BSS's radio, which is left in `radio` for the caller to release. Releases `bss`.
+bool find_radio_of_bss(ScratchText& bss, ScratchText& radio, Find find = find_value);
+
+// Asks for a value of a radio, which is left in `value` for the caller to release. Releases `radio`.
+bool find_value_of_radio(ScratchText& radio, const char* key, ScratchText& value);
+
 // Follows an interface's answer for "bss" to the name of the BSS's radio, which is left in `radio` for the caller to
 // release. False when either link is missing.
 bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find = find_value);
@@ -48,14 +65,33 @@ bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText&
 // As above, from the interface's name.
 bool find_radio_of_interface(const char* interface, ScratchText& bss, ScratchText& radio, Find find = find_value);
 
+// A text of the radio behind an interface, and the field that it fills, with its length.
+template <class Row, uint32_t size>
+struct RadioText {
+    const char* key;
+    ScratchText* scratch;
+    char (Row::*text)[size];
+    uint32_t Row::*length;
+};
+
+// When the text or a link to it is missing, the row gets an empty text and the length 1, so that one octet 0 is served.
+template <class Row, uint32_t size>
+void read_radio_text(Row& row, const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio,
+                     const RadioText<Row, size>& key, Find find = find_value) {
+    char* text = row.*key.text;
+    text[0] = '\0';
+    row.*key.length = 1;
+    if (find_radio(bss_answer, bss, radio, find) && find_value_of_radio(radio, key.key, *key.scratch))
+        row.*key.length = take_text(*key.scratch, text, size);
+}
+
 // Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 when the interface has
 // no BSS or the BSS no radio, `without_memory` when there is none for a text.
 int32_t write_radio_number(uint32_t interface_index, const char* key, uint32_t value, int32_t without_memory);
 
 // The six octets under `key` of the interface, into `octets`; when absent only the first is set, to 0. Text is taken
-// without its
-// ':' separators; missing digits count as 0, surplus ones are ignored. False without memory for the working buffer, and
-// then nothing is changed.
+// without its ':' separators; missing digits count as 0, surplus ones are ignored. False without memory for the working
+// buffer, and then nothing is changed.
 bool read_mac_address(const char* interface, const char* key, ScratchText& scratch, uint8_t* octets);
 
 // Copies a row out of a table's array; positions past its last record are refused. Returns 1, or 0 when refused.

@@ -29,7 +29,14 @@ bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratc
     return find_value_or_last(list, key, scratch);
 }
 
+bool find_value_of_any(const cfqlquery_node* list, std::span<const char* const> keys, ScratchText& scratch) {
+    for (const char* key : keys)
+        if (find_value(list, key, scratch)) return true;
+    return false;
+}
+
 void release(ScratchText& scratch) {
+    if (scratch.text) explicit_bzero(scratch.text, scratch.length);
     free(scratch.text);
     scratch.text = nullptr;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "cfqlquery.h"
 
@@ -31,6 +32,9 @@ class Answer {
 // answer first sets the length to 0. Without memory for the copy the key counts as not found.
 bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch);
 
+// As find_value, for an answer that may be any of `keys`.
+bool find_value_of_any(const cfqlquery_node* list, std::span<const char* const> keys, ScratchText& scratch);
+
 // As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as
 // found, as long as the text has not been released.
 bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch);
@@ -38,5 +42,6 @@ bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText
 // Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False without memory.
 bool copy_value(const cfqlquery_node& node, ScratchText& scratch);
 
-// Frees the copy and clears the pointer, so that no text is used or freed twice. The length stays.
+// Overwrites and frees the copy, which may be a secret, and clears the pointer, so that no text is used or freed twice.
+// The length stays.
 void release(ScratchText& scratch);

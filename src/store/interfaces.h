@@ -1,6 +1,7 @@
 // The wireless interfaces that the configuration store lists and the running system has.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -27,3 +28,8 @@ const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* ta
 // Enumerates the wireless interfaces ("interface" objects with "type" = "service-set") into iface_tags and counts them.
 // Returns 1 for 1 to 128 of them, otherwise 0.
 int enumerate_interfaces(int32_t& counter);
+
+// How many names a fill may take: a refused enumeration leaves a count of 129.
+constexpr uint32_t names_to_fill(int32_t counter) {
+    return std::min(static_cast<uint32_t>(counter), max_interfaces);
+}

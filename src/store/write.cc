@@ -18,6 +18,7 @@ int32_t setTableData(const char* table, const char* object, const char* key, con
         result = cfqlquery_set_pv(table, object, &pair, 0) == 1 ? 0 : 1;
     }
     free(name);
+    if (text) explicit_bzero(text, value_size);  // it may be a secret
     free(text);
     return result;
 }

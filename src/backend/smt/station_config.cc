@@ -69,16 +69,14 @@ bool read_mac(Row& row, const char* interface, const MacKey& key) {
 
 void read_ssid(Row& row, const char* interface) {
     const Answer answer("interface", interface, "ssid");
-    const bool found = find_value(answer.list(), "ssid", sta_info.ssid);
-    const char* ssid = found ? sta_info.ssid.text : "0";
-    row.dot11DesiredSSIDLen = found ? std::min<uint32_t>(sta_info.ssid.length, sizeof row.dot11DesiredSSID) : 1;
-    memcpy(row.dot11DesiredSSID, ssid, row.dot11DesiredSSIDLen);
-    release(sta_info.ssid);
+    row.dot11DesiredSSID[0] = '0';
+    row.dot11DesiredSSIDLen = 1;
+    if (!find_value(answer.list(), "ssid", sta_info.ssid)) return;
+    row.dot11DesiredSSIDLen = take_octets(sta_info.ssid, row.dot11DesiredSSID, sizeof row.dot11DesiredSSID);
 }
 
 // A stored rate, in 100 kbit/s, to units of 500 kbit/s. The result passes as a character through GetHexValue, which
-// turns 48 to 57
-// ('0' to '9') and the codes of the letters a to f into digits: meant, and kept.
+// turns 48 to 57 ('0' to '9') and the codes of the letters a to f into digits: meant, and kept.
 uint8_t rate_octet(const char* text) {
     const auto doubled = static_cast<int32_t>(static_cast<uint32_t>(AlphabeticToNumeric(text)) * 2);
     return static_cast<uint8_t>(GetHexValue(static_cast<uint8_t>(doubled / 10)));
@@ -98,10 +96,9 @@ void read_rates(Row& row, const char* interface) {
 
 void read_beacon_period(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11BeaconPeriod = 1;
-    if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
-    const Answer answer("radio", sta_info.radio.text, "beacon-interval");
-    release(sta_info.radio);
-    row.dot11BeaconPeriod = converted(answer.list(), "beacon-interval", sta_info.beacon_interval, number, 1);
+    if (find_radio(bss_answer, sta_info.bss, sta_info.radio) &&
+        find_value_of_radio(sta_info.radio, "beacon-interval", sta_info.beacon_interval))
+        row.dot11BeaconPeriod = take_number(sta_info.beacon_interval, number);
 }
 
 void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
@@ -120,10 +117,9 @@ void read_multi_domain(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11MultiDomainCapabilityImplemented = 2;
     row.dot11MultiDomainCapabilityEnabled = -1;
     if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
-    const Answer answer("radio", sta_info.radio.text, "dot11d");
-    release(sta_info.radio);
-    row.dot11MultiDomainCapabilityEnabled = converted(answer.list(), "dot11d", sta_info.dot11d, true_when_up, -1);
-    if (row.dot11MultiDomainCapabilityEnabled != -1) row.dot11MultiDomainCapabilityImplemented = 1;
+    if (!find_value_of_radio(sta_info.radio, "dot11d", sta_info.dot11d)) return;
+    row.dot11MultiDomainCapabilityImplemented = 1;
+    row.dot11MultiDomainCapabilityEnabled = take_number(sta_info.dot11d, true_when_up);
 }
 
 // One answer for "bss" serves three columns; each follows the links afresh.
@@ -186,7 +182,7 @@ uint32_t GetStationConfigTableIndexCount(void) {
 }
 
 int GetStationConfigTableData(void) {
-    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i)
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
         if (!fill_row(sinfo[i], iface_tags[i])) return -1;
     return 1;
 }
@@ -209,9 +205,8 @@ int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t) 
 int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
     const InterfaceName name(*index);
     if (!name.text()) return without_memory;
-    const Answer bss_answer("interface", name.text(), "bss");
     ScratchText bss = {};
-    if (!find_value(bss_answer.list(), "bss", bss)) return 0;
+    if (!find_bss(name.text(), bss)) return 0;
     release(bss);
     return write_number("bss", name.text(), "dtim-period", *value, without_memory);
 }
