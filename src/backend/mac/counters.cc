@@ -1,0 +1,60 @@
+#include "backend/mac/counters.h"
+
+#include <net/if.h>
+
+#include "backend/keys.h"
+
+CountersRow cinfo[max_interfaces];
+CountersScratch cnt_info;
+
+namespace {
+
+using Row = CountersRow;
+
+int32_t counter;
+
+// In the order in which they are read, which is not that of the columns.
+// clang-format off
+constexpr InterfaceKey<Row> counts[] = {
+    {"transmitted-fragment-count", &cnt_info.transmitted_fragment, &Row::dot11TransmittedFragmentCount, number_not_negative, 0},
+    {"multicast-transmitted-frame-count", &cnt_info.multicast_transmitted_frame, &Row::dot11MulticastTransmittedFrameCount, number_not_negative, 0},
+    {"failed-count", &cnt_info.failed, &Row::dot11FailedCount, number_not_negative, 0},
+    {"multiple-retry-count", &cnt_info.multiple_retry, &Row::dot11MultipleRetryCount, number_not_negative, 0},
+    {"retry-count", &cnt_info.retry, &Row::dot11RetryCount, number_not_negative, 0},
+    {"frame-duplicate-count", &cnt_info.frame_duplicate, &Row::dot11FrameDuplicateCount, number_not_negative, 0},
+    {"rts-success-count", &cnt_info.rts_success, &Row::dot11RTSSuccessCount, number_not_negative, 0},
+    {"rts-failure-count", &cnt_info.rts_failure, &Row::dot11RTSFailureCount, number_not_negative, 0},
+    {"ack-failure-count", &cnt_info.ack_failure, &Row::dot11ACKFailureCount, number_not_negative, 0},
+    {"multicast-received-frame-count", &cnt_info.multicast_received_frame, &Row::dot11MulticastReceivedFrameCount, number_not_negative, 0},
+    {"fcs-error-count", &cnt_info.fcs_error, &Row::dot11FCSErrorCount, number_not_negative, 0},
+    {"received-fragment-count", &cnt_info.received_fragment, &Row::dot11ReceivedFragmentCount, number_not_negative, 0},
+    {"transmitted-frame-count", &cnt_info.transmitted_frame, &Row::dot11TransmittedFrameCount, number_not_negative, 0},
+    {"wep-undecryptable-count", &cnt_info.wep_undecryptable, &Row::dot11WEPUndecryptableCount, number_not_negative, 0},
+};
+// clang-format on
+
+void fill_row(Row& row, const char* interface) {
+    row.ifIndex = if_nametoindex(interface);
+    read_interface_keys(row, interface, counts);
+    read_interface_key(row, interface, counts[0]);  // once more, to refresh it at the end of the row: meant
+}
+
+}  // namespace
+
+int GetCountersEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetCountersTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetCountersTableData(void) {
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+        fill_row(cinfo[i], iface_tags[i]);
+    return 1;
+}
+
+int GetCountersEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(cinfo, row, destination);
+}

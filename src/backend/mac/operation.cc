@@ -1,0 +1,129 @@
+#include "backend/mac/operation.h"
+
+#include <net/if.h>
+
+#include "backend/keys.h"
+#include "store/write.h"
+
+OperationRow opinfo[max_interfaces];
+OperationScratch oper_info;
+
+namespace {
+
+using Row = OperationRow;
+
+int32_t counter;
+
+// clang-format off
+constexpr InterfaceKey<Row> retry_limits[] = {
+    {"dot11-short-retry-limit", &oper_info.short_retry_limit, &Row::dot11ShortRetryLimit, number_not_negative, 7},
+    {"dot11-long-retry-limit", &oper_info.long_retry_limit, &Row::dot11LongRetryLimit, number_not_negative, 4},
+};
+
+constexpr InterfaceKey<Row> lifetimes[] = {
+    {"dot11-max-transmit-msdu-lifetime", &oper_info.max_transmit_msdu_lifetime, &Row::dot11MaxTransmitMSDULifetime, number_not_negative, 512},
+    {"dot11-max-receive-lifetime", &oper_info.max_receive_lifetime, &Row::dot11MaxReceiveLifetime, number_not_negative, 512},
+};
+
+constexpr RadioText<Row, sizeof Row::dot11ManufacturerID> identifiers[] = {
+    {"manufacturer-id", &oper_info.manufacturer_id, &Row::dot11ManufacturerID, &Row::dot11ManufacturerIDLen},
+    {"manufacturer-product-name", &oper_info.manufacturer_product_name, &Row::dot11ProductID, &Row::dot11ProductIDLen},
+};
+// clang-format on
+
+constexpr const char* rts_threshold = "rts-threshold";
+constexpr const char* fragmentation_threshold = "fragmentation-threshold";
+
+// The names of this table's BSS and radio are looked up with find_value_or_last: their scratch lengths are never set
+// back. A name is released as soon as it has been used, so nothing of an earlier row is found again.
+bool find_threshold(const char* key, ScratchText& scratch) {
+    return find_radio_of_bss(oper_info.bss, oper_info.radio, find_value_or_last) &&
+           find_value_of_radio(oper_info.radio, key, scratch);
+}
+
+bool find_bss_or_last(const char* interface) {
+    const Answer answer("interface", interface, "bss");
+    return find_value_or_last(answer.list(), "bss", oper_info.bss);
+}
+
+// Without a BSS the row keeps its earlier threshold, and no default is taken: meant.
+void read_rts_threshold(Row& row, const char* interface) {
+    if (!find_bss_or_last(interface)) return;
+    row.dot11RTSThreshold = 2347;
+    if (find_threshold(rts_threshold, oper_info.rts_threshold))
+        row.dot11RTSThreshold = take_number(oper_info.rts_threshold, number_not_negative);
+}
+
+// The default goes into the RTS threshold, and the fragmentation threshold keeps its earlier value: meant.
+void read_fragmentation_threshold(Row& row, const char* interface) {
+    if (find_bss_or_last(interface) && find_threshold(fragmentation_threshold, oper_info.fragmentation_threshold))
+        row.dot11FragmentationThreshold = take_number(oper_info.fragmentation_threshold, number_not_negative);
+    else
+        row.dot11RTSThreshold = 2346;
+}
+
+// One answer for "bss" serves both.
+void read_identifiers(Row& row, const char* interface) {
+    const Answer bss_answer("interface", interface, "bss");
+    for (const auto& identifier : identifiers)
+        read_radio_text(row, bss_answer.list(), oper_info.bss, oper_info.radio, identifier, find_value_or_last);
+}
+
+// False when memory ran out; what was read until then stays.
+bool fill_row(Row& row, const char* interface) {
+    row.ifIndex = if_nametoindex(interface);
+    if (!read_mac_address(interface, "mac", oper_info.mac, row.dot11MACAddress)) return false;
+    row.dot11MACAddressLen = 6;
+    read_rts_threshold(row, interface);
+    read_interface_keys(row, interface, retry_limits);
+    read_fragmentation_threshold(row, interface);
+    read_interface_keys(row, interface, lifetimes);
+    read_identifiers(row, interface);
+    return true;
+}
+
+constexpr int32_t without_memory = 0;
+
+}  // namespace
+
+int GetOperationsEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetOperationTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetOperationsTableData(void) {
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+        if (!fill_row(opinfo[i], iface_tags[i])) return -1;
+    return 1;
+}
+
+int GetOperationsEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(opinfo, row, destination);
+}
+
+int32_t SetRTSThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_radio_number(*index, rts_threshold, *value, without_memory);
+}
+
+int32_t SetShortRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-short-retry-limit", *value, without_memory);
+}
+
+int32_t SetLongRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-long-retry-limit", *value, without_memory);
+}
+
+int32_t SetFragmentationThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_radio_number(*index, fragmentation_threshold, *value, without_memory);
+}
+
+int32_t SetMaxTransmitMSDULifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-max-transmit-msdu-lifetime", *value, without_memory);
+}
+
+int32_t SetMaxReceiveLifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
+    return write_interface_number(*index, "dot11-max-receive-lifetime", *value, without_memory);
+}

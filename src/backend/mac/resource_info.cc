@@ -1,0 +1,62 @@
+#include "backend/mac/resource_info.h"
+
+#include <net/if.h>
+
+#include <cstring>
+
+#include "backend/keys.h"
+
+ResourceInfoRow rinfo[max_interfaces];
+ResourceInfoScratch res_info;
+
+namespace {
+
+using Row = ResourceInfoRow;
+
+int32_t counter;
+
+// clang-format off
+constexpr RadioText<Row, sizeof Row::dot11manufacturerName> names[] = {
+    {"manufacturer-name", &res_info.name, &Row::dot11manufacturerName, &Row::dot11manufacturerNameLen},
+    {"manufacturer-product-name", &res_info.product_name, &Row::dot11manufacturerProductName, &Row::dot11manufacturerProductNameLen},
+    {"manufacturer-product-version", &res_info.product_version, &Row::dot11manufacturerProductVersion, &Row::dot11manufacturerProductVersionLen},
+};
+// clang-format on
+
+void read_oui(Row& row, const cfqlquery_node* bss_answer) {
+    memcpy(row.dot11manufacturerOUI, "XYZ", 3);
+    row.dot11manufacturerOUILen = 3;
+    if (find_radio(bss_answer, res_info.bss, res_info.radio) &&
+        find_value_of_radio(res_info.radio, "manufacturer-oui", res_info.oui))
+        row.dot11manufacturerOUILen =
+            take_octets(res_info.oui, row.dot11manufacturerOUI, sizeof row.dot11manufacturerOUI);
+}
+
+// One answer for "bss" serves all four; each follows the links afresh.
+void fill_row(Row& row, const char* interface) {
+    row.ifIndex = if_nametoindex(interface);
+    const Answer bss_answer("interface", interface, "bss");
+    read_oui(row, bss_answer.list());
+    for (const auto& name : names)
+        read_radio_text(row, bss_answer.list(), res_info.bss, res_info.radio, name);
+}
+
+}  // namespace
+
+int GetResourceInfoEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetResourceInfoTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetResourceInfoTableData(void) {
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+        fill_row(rinfo[i], iface_tags[i]);
+    return 1;
+}
+
+int GetResourceInfoEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(rinfo, row, destination);
+}

@@ -1,0 +1,83 @@
+#include "backend/smt/authentication_algorithms.h"
+
+#include <net/if.h>
+
+#include <cstring>
+
+#include "backend/keys.h"
+#include "store/write.h"
+
+AuthenticationAlgorithmsRow ainfo[algorithms_per_interface * max_interfaces];
+AuthenticationAlgorithmsScratch auth_info;
+
+namespace {
+
+using Row = AuthenticationAlgorithmsRow;
+
+constexpr uint32_t open_system = 1;
+
+// Keys of a BSS, in the order of the algorithms.
+constexpr const char* keys[algorithms_per_interface] = {"open-system-authentication", "shared-key-authentication"};
+
+const char* key_of(uint32_t algorithm) {
+    return keys[algorithm == open_system ? 0 : 1];
+}
+
+int32_t counter;
+
+int32_t true_when_on(char* text) {
+    return strcmp(text, "on") == 0 ? 1 : 2;
+}
+
+// An answer with the other algorithm's key is taken for this one's.
+int32_t read_enable(const char* interface, uint32_t algorithm) {
+    if (!find_bss(interface, auth_info.bss)) return 2;
+    const Answer answer("bss", auth_info.bss.text, key_of(algorithm));
+    release(auth_info.bss);
+    if (!find_value_of_any(answer.list(), keys, auth_info.algorithm)) return 2;
+    return take_number(auth_info.algorithm, true_when_on);
+}
+
+void fill_row(Row& row, const char* interface, uint32_t algorithm) {
+    row.ifIndex = if_nametoindex(interface);
+    row.dot11AuthenticationAlgorithmsIndex = algorithm;
+    row.dot11AuthenticationAlgorithm = algorithm == open_system ? 1 : 2;
+    row.dot11AuthenticationAlgorithmsEnable = read_enable(interface, algorithm);
+}
+
+constexpr int32_t without_memory = -1;
+
+}  // namespace
+
+int GetAuthAlgorithmEntries(void) {
+    return enumerate_interfaces(counter);
+}
+
+uint32_t GetAuthenticationAlgorithmTableIndexCount(void) {
+    return static_cast<uint32_t>(counter);
+}
+
+int GetAuthAlgorithmTableData(void) {
+    Row* row = ainfo;
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+        for (uint32_t algorithm = 1; algorithm <= algorithms_per_interface; ++algorithm)
+            fill_row(*row++, iface_tags[i], algorithm);
+    return 1;
+}
+
+int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination) {
+    return copy_row(ainfo, row, destination);
+}
+
+// Writes the TruthValue as a number, "1" or "2", where reading knows only "on" as true: what is written here reads back
+// as false. Meant.
+int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t) {
+    const InterfaceName name(row->ifIndex);
+    if (!name.text()) return without_memory;
+    ScratchText bss = {};
+    if (!find_bss(name.text(), bss)) return 0;
+    const char* key = key_of(row->dot11AuthenticationAlgorithmsIndex);
+    const int32_t result = write_number("bss", bss.text, key, *value, without_memory);
+    release(bss);
+    return result;
+}
