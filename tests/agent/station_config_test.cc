@@ -1,0 +1,288 @@
+// dot11StationConfigTable, as an SNMP manager meets it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "agent.h"
+
+namespace {
+
+// wlan0 has every key, wlan1 none, wlan2 a BSS without a radio. The name of the fourth interface is too long to be served, the
+// fifth one is not in the system, the sixth is no service set.
+constexpr char configuration[] = R"(
+[[interface]]
+name = "wlan0"
+type = "service-set"
+mac = "00:1a:2b:3c:4d:5e"
+dot11-cf-pollable = "1"
+dot11-authentication-response-time-out = "60"
+dot11-privacy-option-implemented = "1"
+security = "wpa2"
+ssid = "Lobby"
+bss = "b0"
+dot11-association-response-time-out = "70"
+dot11-disassociate-reason = "8"
+dot11-disassociate-station = "00:11:22:33:44:55"
+dot11-deauthenticate-reason = "3"
+dot11-deauthenticate-station = "66:77:88:99:AA:BB"
+dot11-authenticate-fail-status = "13"
+dot11-authenticate-fail-station = "cc:dd:ee:ff:00:01"
+
+[[interface]]
+name = "wlan1"
+type = "service-set"
+
+[[interface]]
+name = "wlan2"
+type = "service-set"
+security = "plain-text"
+bss = "b2"
+
+[[interface]]
+name = "wlan10"
+type = "service-set"
+
+[[interface]]
+name = "wlan9"
+type = "service-set"
+
+[[interface]]
+name = "eth0"
+type = "wired"
+
+[[bss]]
+name = "b0"
+radio = "r0"
+dtim-period = "2"
+
+[[bss]]
+name = "b2"
+dtim-period = "5"
+
+[[radio]]
+name = "r0"
+beacon-interval = "100"
+dot11d = "up"
+
+[[supported-rate]]
+name = "wlan0"
+rate = "540"
+
+[[system]]
+country = "CH"
+)";
+
+class StationConfig : public testing::Test {
+  protected:
+    StationConfig() {
+        add_interface("wlan0", 11);
+        add_interface("wlan1", 12);
+        add_interface("wlan2", 13);
+        add_interface("wlan10", 14);
+        add_interface("eth0", 15);
+    }
+};
+
+constexpr char absent_mac[] = "STRING 00 00 00 00 00 00";
+
+struct ColumnFact {
+    int column;
+    const char* name;
+    const char* full;        // of wlan0
+    const char* empty;       // of wlan1
+    const char* half_linked; // of wlan2, where it differs from wlan1
+};
+
+// Column 11 is never answered, nor is any column behind it in the same request.
+constexpr ColumnFact columns[] = {
+    {1, "dot11StationID", "STRING 00 1a 2b 3c 4d 5e", absent_mac, nullptr},
+    {2, "dot11MediumOccupancyLimit", "INTEGER 100", "INTEGER 100", nullptr},
+    {3, "dot11CFPollable", "INTEGER 1", "INTEGER 2", nullptr},
+    {4, "dot11CFPPeriod", "INTEGER 0", "INTEGER 0", nullptr},
+    {5, "dot11CFPMaxDuration", "INTEGER 0", "INTEGER 0", nullptr},
+    {6, "dot11AuthenticationResponseTimeOut", "Gauge32 60", "Gauge32 1", nullptr},
+    {7, "dot11PrivacyOptionImplemented", "INTEGER 1", "INTEGER 2", "INTEGER 2"},
+    {8, "dot11PowerManagementMode", "INTEGER 1", "INTEGER 1", nullptr},
+    {9, "dot11DesiredSSID", "STRING 4c 6f 62 62 79", "STRING 30", nullptr},
+    {10, "dot11DesiredBSSType", "INTEGER 1", "INTEGER 1", nullptr},
+    {12, "dot11BeaconPeriod", "INTEGER 100", "INTEGER 1", nullptr},
+    {13, "dot11DTIMPeriod", "INTEGER 2", "INTEGER 1", "INTEGER 5"},
+    {14, "dot11AssociationResponseTimeOut", "Gauge32 70", "Gauge32 1", nullptr},
+    {15, "dot11DisassociateReason", "INTEGER 8", "INTEGER 0", nullptr},
+    {16, "dot11DisassociateStation", "STRING 00 11 22 33 44 55", absent_mac, nullptr},
+    {17, "dot11DeauthenticateReason", "INTEGER 3", "INTEGER 0", nullptr},
+    {18, "dot11DeauthenticateStation", "STRING 66 77 88 99 aa bb", absent_mac, nullptr},
+    {19, "dot11AuthenticateFailStatus", "INTEGER 13", "INTEGER 0", nullptr},
+    {20, "dot11AuthenticateFailStation", "STRING cc dd ee ff 00 01", absent_mac, nullptr},
+    {21, "dot11MultiDomainCapabilityImplemented", "INTEGER 1", "INTEGER 2", nullptr},
+    {22, "dot11MultiDomainCapabilityEnabled", "INTEGER 1", "INTEGER -1", nullptr},
+    {23, "dot11CountryString", "STRING 43 48 20", "STRING 43 48 20", nullptr},
+};
+
+std::string cell(int column, int index) { return "1.1.1." + std::to_string(column) + "." + std::to_string(index); }
+
+TEST_F(StationConfig, EveryColumnAnswersAGetWithItsTypeAndValue) {
+    Agent agent(configuration);
+    for (const ColumnFact& fact : columns) {
+        const char* half_linked = fact.half_linked ? fact.half_linked : fact.empty;
+        const Response response = agent.get({cell(fact.column, 11), cell(fact.column, 12), cell(fact.column, 13)});
+        EXPECT_EQ(response.status, SNMP_ERR_NOERROR) << fact.name;
+        EXPECT_THAT(response.varbinds,
+                    testing::ElementsAre(Varbind{cell(fact.column, 11), fact.full},
+                                         Varbind{cell(fact.column, 12), fact.empty},
+                                         Varbind{cell(fact.column, 13), half_linked}))
+            << fact.name;
+    }
+}
+
+TEST_F(StationConfig, AnswersNothingForWhatItDoesNotServe) {
+    Agent agent(configuration);
+    const char* const missing[] = {"1.1.1.12.14", "1.1.1.12.15", "1.1.1.12.1", "1.1.1.12.99", "1.1.1.12.11.1"};
+    for (const char* oid : missing) EXPECT_EQ(agent.get({oid}).varbinds[0].value, "noSuchInstance") << oid;
+    EXPECT_EQ(agent.get({"1.1.1.24.11"}).varbinds[0].value, "noSuchObject");
+}
+
+// The rate set ends the handler, and the agent answers what it left without a value.
+TEST_F(StationConfig, TheRateSetLeavesItselfAndWhatFollowsWithoutAValue) {
+    Agent agent(configuration);
+    EXPECT_THAT(agent.get({cell(10, 11), cell(11, 11), cell(12, 11)}).varbinds,
+                testing::ElementsAre(Varbind{cell(10, 11), "INTEGER 1"}, Varbind{cell(11, 11), "noSuchInstance"},
+                                     Varbind{cell(12, 11), "noSuchInstance"}));
+}
+
+TEST_F(StationConfig, AWalkGoesColumnByColumnInTheOrderOfTheIndexes) {
+    Agent agent(configuration);
+    std::vector<Varbind> expected;
+    for (const ColumnFact& fact : columns) {
+        expected.push_back({cell(fact.column, 11), fact.full});
+        expected.push_back({cell(fact.column, 12), fact.empty});
+        expected.push_back({cell(fact.column, 13), fact.half_linked ? fact.half_linked : fact.empty});
+    }
+    EXPECT_EQ(agent.walk("1.1"), expected);
+}
+
+constexpr int no_error = SNMP_ERR_NOERROR, wrong_type = 7, wrong_value = 10, no_creation = 11, inconsistent_value = 12,
+              not_writable = 17;
+
+struct WriteFact {
+    int column;
+    Value value;
+    int status;
+};
+
+std::vector<WriteFact> write_facts() {
+    const auto integer = Value::integer;
+    const auto octets = [](size_t count) { return Value::string(std::string(count, 'x')); };
+    return {
+        // Accepted values of writable columns are refused where they would be stored.
+        {1, octets(6), not_writable},
+        {1, octets(5), wrong_value},
+        {1, octets(7), wrong_value},
+        {1, integer(1), wrong_type},
+        {2, integer(0), not_writable},
+        {2, integer(1000), not_writable},
+        {2, integer(-1), wrong_value},
+        {2, integer(1001), wrong_value},
+        {2, octets(4), wrong_type},
+        {3, integer(1), not_writable},
+        {4, integer(255), not_writable},
+        {4, integer(256), wrong_value},
+        {5, integer(65535), not_writable},
+        {5, integer(65536), wrong_value},
+        {6, integer(1), not_writable},
+        {6, integer(0), wrong_value},
+        {6, integer(2147483647), not_writable},
+        {6, Value::of_type(ASN_GAUGE, Value::integer(5).octets), wrong_type},
+        {7, integer(1), not_writable},
+        {8, integer(1), not_writable},
+        {8, integer(2), not_writable},
+        {8, integer(0), inconsistent_value},
+        {8, integer(3), inconsistent_value},
+        {8, integer(-1), inconsistent_value},
+        {9, octets(0), not_writable},
+        {9, octets(32), not_writable},
+        {9, octets(33), wrong_value},
+        {9, integer(1), wrong_type},
+        {10, integer(3), not_writable},
+        {10, integer(4), inconsistent_value},
+        // The rate set passes its check and is dropped.
+        {11, octets(1), no_error},
+        {11, octets(126), no_error},
+        {11, octets(0), wrong_value},
+        {11, octets(127), wrong_value},
+        {11, integer(1), wrong_type},
+        {12, integer(1), not_writable},
+        {12, integer(65535), not_writable},
+        {12, integer(0), wrong_value},
+        {12, integer(65536), wrong_value},
+        {13, integer(255), not_writable},
+        {13, integer(256), wrong_value},
+        {14, integer(1), not_writable},
+        {14, integer(0), wrong_value},
+        {15, integer(1), not_writable},
+        {16, octets(6), not_writable},
+        {17, integer(1), not_writable},
+        {18, octets(6), not_writable},
+        {19, integer(1), not_writable},
+        {20, octets(6), not_writable},
+        {21, integer(1), not_writable},
+        {22, integer(1), not_writable},
+        {23, octets(3), not_writable},
+        {24, integer(1), not_writable},
+    };
+}
+
+TEST_F(StationConfig, ASetChangesNothingAndSaysWhy) {
+    Agent agent(configuration);
+    const std::string before = agent.exported();
+    for (const WriteFact& fact : write_facts()) {
+        const Response response = agent.set({{cell(fact.column, 11), fact.value}});
+        EXPECT_EQ(response.status, fact.status) << "column " << fact.column << ", type " << int{fact.value.type} << ", "
+                                                << shown_octets(fact.value.octets);
+        EXPECT_EQ(response.index, fact.status == no_error ? 0 : 1);
+    }
+    EXPECT_EQ(agent.exported(), before);
+    EXPECT_EQ(agent.control().sets, 0U);
+    EXPECT_EQ(agent.get({cell(12, 11)}).varbinds[0].value, "INTEGER 100");
+}
+
+TEST_F(StationConfig, ASetOfAMissingRowIsNoCreation) {
+    Agent agent(configuration);
+    for (const ColumnFact& fact : columns)
+        EXPECT_EQ(agent.set({{cell(fact.column, 99), Value::integer(1)}}).status, no_creation) << fact.name;
+}
+
+TEST_F(StationConfig, ReadsTheStoreAgainAfterMoreThan15SecondsWithoutARequest) {
+    struct {
+        int64_t seconds_later;
+        bool reads;
+    } const requests[] = {
+        {0, true},     // the first request
+        {10, false},   //
+        {10, false},   // each request begins the 15 seconds anew
+        {15, false},   //
+        {16, true},    //
+        {15, false},   //
+        {-1000, false},  // a clock set back
+        {16, true},
+    };
+    Agent agent(configuration);
+    agent.control().now = 1'000'000'000;
+    for (const auto& request : requests) {
+        agent.control().now = agent.control().now + request.seconds_later;
+        const uint32_t before = agent.control().grids;
+        agent.get({cell(12, 11)});
+        EXPECT_EQ(agent.control().grids > before, request.reads) << "at " << agent.control().now;
+    }
+}
+
+TEST_F(StationConfig, ServesWhatIsWrittenIntoTheStoreAfterTheNextReading) {
+    Agent agent(configuration);
+    agent.control().now = 1'000'000'000;
+    EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Lobby"));
+    agent.configure("set interface wlan0 ssid Garden");
+    EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Lobby"));
+    agent.control().now = 1'000'000'016;
+    EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Garden"));
+}
+
+}  // namespace
