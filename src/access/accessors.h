@@ -56,6 +56,13 @@ void* counted_octets(void* row, size_t* length) {
     return octets;
 }
 
+// The same where they stand in the row.
+template <auto member, auto length_member>
+void* counted_octets_in_place(void* row, size_t* length) {
+    *length = std::min<size_t>(field<length_member>(row), sizeof(FieldOf<member>));
+    return field<member>(row);
+}
+
 // A fixed number of octets, copied. The buffer ends on 32 bits, the rest zeroes.
 template <auto member, size_t count>
 void* fixed_octets(void* row, size_t* length) {
@@ -72,6 +79,23 @@ void* constant_word(size_t* length) {
     static uint32_t value = constant;
     *length = sizeof value;
     return &value;
+}
+
+// The characters of a text, without its terminator.
+template <size_t size>
+struct Text {
+    char octets[size - 1];
+    constexpr Text(const char (&text)[size]) { std::copy_n(text, size - 1, octets); }  // NOLINT: a literal is a Text
+};
+
+// The same octets for every row, copied.
+template <Text text>
+void* constant_octets(size_t* length) {
+    static uint8_t octets[128];
+    static_assert(sizeof text.octets <= sizeof octets);
+    memcpy(octets, text.octets, sizeof text.octets);
+    *length = sizeof text.octets;
+    return octets;
 }
 
 // Stores an integer into the row, and so nowhere else.

@@ -6,5 +6,21 @@
 namespace catalogue {
 
 extern const Table dot11StationConfigTable;
+extern const Table dot11AuthenticationAlgorithmsTable;
+extern const Table dot11WEPDefaultKeysTable;
+extern const Table dot11WEPKeyMappingsTable;
+extern const Table dot11PrivacyTable;
+extern const Table dot11OperationTable;
+extern const Table dot11CountersTable;
+extern const Table dot11GroupAddressesTable;
+extern const Table dot11ResourceInfoTable;
+extern const Table dot11PhyOperationTable;
+extern const Table dot11PhyTxPowerTable;
+extern const Table dot11PhyDSSSTable;
+extern const Table dot11RegDomainsSupportedTable;
+extern const Table dot11SupportedDataRatesTxTable;
+extern const Table dot11SupportedDataRatesRxTable;
+extern const Table dot11PhyHRDSSSTable;
+extern const Table dot11PhyERPTable;
 
 }  // namespace catalogue

@@ -1,0 +1,28 @@
+// dot11SupportedDataRatesTxTable (1.2.840.10036.4.9) and dot11SupportedDataRatesRxTable (1.2.840.10036.4.10): their
+// walks and their columns.
+#pragma once
+
+#include "access/column.h"
+#include "backend/phy/supported_data_rates.h"
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+Netsnmp_First_Data_Point dot11SupportedDataRatesTxTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11SupportedDataRatesTxTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11SupportedDataRatesTxTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11SupportedDataRatesTxTable_data_free;
+CreateRow dot11SupportedDataRatesTxTable_create_data_context;
+CommitRow dot11SupportedDataRatesTxTable_commit_row;
+
+Netsnmp_First_Data_Point dot11SupportedDataRatesRxTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11SupportedDataRatesRxTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11SupportedDataRatesRxTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11SupportedDataRatesRxTable_data_free;
+CreateRow dot11SupportedDataRatesRxTable_create_data_context;
+CommitRow dot11SupportedDataRatesRxTable_commit_row;
+
+GetColumn get_dot11SupportedDataRatesTxValue;
+GetColumn get_dot11SupportedDataRatesRxValue;
+}
+#pragma GCC visibility pop
