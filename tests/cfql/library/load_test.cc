@@ -1,0 +1,148 @@
+// Many objects, many writes, one state.
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include "fixture.h"
+#include "snapshot.h"
+
+// Stands in for the C library's: counts the overwritten blocks that held `secret`.
+static const char* secret = nullptr;
+static int wiped = 0;
+
+extern "C" void explicit_bzero(void* memory, size_t size) {
+    // Volatile: the compiler holds that this function only writes, and that nobody looks at the result.
+    void* volatile block = memory;
+    if (secret != nullptr && memmem(block, size, secret, strlen(secret)) != nullptr) ++wiped;
+    static void* (*volatile fill)(void*, int, size_t) = memset;
+    fill(block, 0, size);
+}
+
+namespace {
+
+using namespace store_test;
+
+constexpr int many = 100000;
+
+// MANY objects with one value of SIZE octets, in one transaction.
+void fill(const std::string& path, std::size_t size) {
+    cfql::Database store;
+    const std::string padding(size, 'p');
+    std::int64_t id = 0;
+    require(store.create(path.c_str()));
+    require(store.open(path.c_str(), cfql::Access::write));
+    require(store.begin_write());
+    for (int i = 0; i < many; ++i) {
+        const std::string name = "o" + std::to_string(i);
+        require(store.insert_object("interface", name, id));
+        require(store.set_attribute(id, "interface", name, "k", std::to_string(i) + padding));
+    }
+    require(store.set("interface", "o77", "mark", "yes"));
+    require(store.commit());
+}
+
+class ManyObjects : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(ManyObjects, AreAllThereInOrder) {
+    const Place place;
+    fill(place.path(), GetParam());
+    const Pairs rows = grid("interface");
+    ASSERT_EQ(rows.size(), std::size_t{many});
+    for (int i = 0; i < many; ++i)
+        ASSERT_EQ(rows[static_cast<std::size_t>(i)].second, "o" + std::to_string(i));
+    for (int i = 0; i < many; i += 97) {
+        const std::string name = "o" + std::to_string(i);
+        ASSERT_EQ(get("interface", name.c_str(), "k"), std::to_string(i) + std::string(GetParam(), 'p'));
+    }
+    EXPECT_EQ(get("interface", "o100000", "k"), std::nullopt);
+    const cfqlquery_node filter = {"mark", "yes", nullptr, 0};
+    EXPECT_EQ(grid("interface", &filter), (Pairs{{"name", "o77"}, {"mark", "yes"}}));
+    EXPECT_EQ(set("interface", "o77", "mark", "no"), 1);
+    EXPECT_EQ(grid("interface", &filter), Pairs());
+    EXPECT_EQ(get("interface", "o77", "mark"), "no");
+}
+
+// In a snapshot, and in a store beyond its bound.
+INSTANTIATE_TEST_SUITE_P(Sizes, ManyObjects, testing::Values(0, 200));
+
+TEST(Bound, TheSizesAboveAreOnBothSidesOfIt) {
+    const std::pair<std::size_t, bool> facts[] = {{0, true}, {200, false}};
+    for (const auto& [size, expected] : facts) {
+        const Place place;
+        fill(place.path(), size);
+        cfql::Database store;
+        cfql::Snapshot snapshot;
+        bool fits = false;
+        require(store.open(place.path().c_str(), cfql::Access::read));
+        EXPECT_EQ(snapshot.load(store, fits), cfql::Status::ok);
+        EXPECT_EQ(fits, expected) << size;
+    }
+}
+
+TEST(Writer, AtFullSpeedDoesNotDisturbAReader) {
+    const Place place;
+    make(place.path(), {{"interface", "wlan0", "n", "0"}});
+    constexpr int writes = 1000;
+    const auto begin = std::chrono::steady_clock::now();
+    const pid_t child = start([] {
+        for (int i = 1; i <= writes; ++i) {
+            if (set("interface", "wlan0", "n", std::to_string(i).c_str()) != 1) return 1;
+        }
+        return 0;
+    });
+    int last = 0;
+    int states = 0;
+    EXPECT_TRUE(eventually([&] {
+        EXPECT_EQ(grid("interface").size(), 1U);
+        const int now = std::stoi(get("interface", "wlan0", "n").value_or("-1"));
+        EXPECT_GE(now, last);
+        states += now != last ? 1 : 0;
+        last = now;
+        return last == writes || testing::Test::HasFailure();
+    }));
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    EXPECT_EQ(finish(child), 0);
+    EXPECT_EQ(last, writes);
+    RecordProperty("writes-per-second", static_cast<int>(writes / took.count()));
+    RecordProperty("states-seen", states);
+}
+
+TEST(Writer, ChangesStateBetweenTheReadsOfATableAtNoTime) {
+    const Place place;
+    make(place.path(), {{"pair", "o", "a", "0"}, {"pair", "o", "b", "0"}});
+    const pid_t child = start([&place] {
+        for (int i = 1; i <= 300; ++i) {
+            const std::string text = std::to_string(i);
+            put(place.path(), {{"pair", "o", "a", text}, {"pair", "o", "b", text}});
+        }
+        return 0;
+    });
+    EXPECT_TRUE(eventually([] {
+        const auto before = std::chrono::steady_clock::now();
+        grid("pair");
+        const auto a = get("pair", "o", "a");
+        const auto b = get("pair", "o", "b");
+        // The state holds for 50 ms; a longer interruption proves nothing.
+        if (std::chrono::steady_clock::now() - before < std::chrono::milliseconds(30)) {
+            EXPECT_EQ(a, b);
+        }
+        return a == "300" || testing::Test::HasFailure();
+    }));
+    EXPECT_EQ(finish(child), 0);
+}
+
+TEST(Wiping, OverwritesAnswersAndReplacedContents) {
+    const Place place;
+    make(place.path(), {{"interface", "wlan0", "wep-key-1", "5ecre7-5ecre7"}});
+    cfqlquery_node* const answer = cfqlquery_get_pv("interface", "wlan0", "wep-key-1");
+    ASSERT_NE(answer, nullptr);
+    secret = "5ecre7-5ecre7";
+    cfqlquery_destroy_pv(answer);
+    EXPECT_EQ(wiped, 1) << "the answer";
+    EXPECT_EQ(set("interface", "wlan0", "wep-key-1", "other"), 1);
+    wiped = 0;
+    EXPECT_EQ(get("interface", "wlan0", "wep-key-1"), "other");
+    EXPECT_EQ(wiped, 1) << "the replaced contents";
+    secret = nullptr;
+}
+
+}  // namespace
