@@ -1,0 +1,31 @@
+// How the tool ends: its exit statuses and the exception that carries one of them to main().
+#ifndef CFQL_TOOL_FAILURE_H
+#define CFQL_TOOL_FAILURE_H
+
+#include <stdexcept>
+#include <string>
+
+namespace cfql::tool {
+
+enum class Exit {
+    done = 0,
+    no = 1,      // the answer is no: not found, faults found, warnings found
+    usage = 2,   // the command line
+    store = 3,   // the store is absent, damaged, busy or not ours to read or write
+    input = 4,   // a text that came in: an import file, a value that is too long
+    output = 5,  // standard output could not be written
+};
+
+// One line: what, where, and how to mend it. No values: they may be secret.
+class Failure : public std::runtime_error {
+  public:
+    Failure(Exit exit, const std::string& message) : std::runtime_error(message), exit_(exit) {}
+    Exit exit() const { return exit_; }
+
+  private:
+    Exit exit_;
+};
+
+}  // namespace cfql::tool
+
+#endif

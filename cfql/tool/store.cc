@@ -1,0 +1,118 @@
+#include "store.h"
+
+#include "failure.h"
+#include "text.h"
+
+namespace cfql::tool {
+
+namespace {
+
+const char* remedy(Status status) {
+    switch (status) {
+        case Status::absent:
+            return "make one with \"cfql init\", or name another with --store";
+        case Status::not_a_store:
+            return "name another file with --store";
+        case Status::wrong_version:
+            return "use the cfql that belongs to it";
+        case Status::damaged:
+            return "see \"cfql check\"; save what is left with \"cfql export\", then make a new store and import that";
+        case Status::denied:
+            return "become root or a member of the group \"cfql\"";
+        case Status::read_only:
+            return "become root, and see that the file system is mounted for writing";
+        case Status::busy:
+            return "try again; \"fuser\" tells which process holds it";
+        case Status::full:
+            return "make room on the file system; nothing has changed";
+        case Status::io_error:
+            return "see the kernel's log (dmesg)";
+        case Status::no_memory:
+            return "try again when memory is free";
+        default:
+            return "see \"cfql --help\"";
+    }
+}
+
+std::string damage_of(const Row& row) {
+    if (!row.object_sound) return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong";
+    return described(row.table, row.object) + ": key " + quoted(row.key) + ": checksum is wrong";
+}
+
+class Collector {
+  public:
+    void add(const Row& row) {
+        if (!row.object_sound) {
+            if (row.id != unsound_) reading_.damage.push_back(damage_of(row));
+            unsound_ = row.id;
+            return;
+        }
+        if (row.id != current_) {
+            reading_.contents.push_back({std::string(row.table), std::string(row.object), {}});
+            current_ = row.id;
+        }
+        if (!row.has_attribute) return;
+        if (!row.attribute_sound) {
+            reading_.damage.push_back(damage_of(row));
+            return;
+        }
+        reading_.contents.back().attributes.emplace(row.key, row.value);
+    }
+
+    Reading take() { return std::move(reading_); }
+
+  private:
+    Reading reading_;
+    std::int64_t current_ = -1;
+    std::int64_t unsound_ = -1;
+};
+
+}  // namespace
+
+void fail(const std::string& path, Status status, std::string_view detail) {
+    std::string message = path + ": " + describe(status);
+    if (!detail.empty()) message += " (" + std::string(detail) + ')';
+    throw Failure(Exit::store, message + "; " + remedy(status));
+}
+
+std::string described(std::string_view table, std::string_view object, std::size_t nth) {
+    std::string text = printable(table);
+    if (!object.empty()) text += ' ' + quoted(object);
+    if (nth > 1) text += " number " + std::to_string(nth);
+    return text;
+}
+
+Store::Store(std::string path, Access access) : path_(std::move(path)) { require(database_.open(path_.c_str(), access)); }
+
+void Store::require(Status status) const {
+    if (status == Status::ok) return;
+    const bool engine_failed = status == Status::io_error || status == Status::damaged;
+    fail(path_, status, engine_failed ? database_.detail() : "");
+}
+
+Reading Store::read(std::string_view table) {
+    Collector collector;
+    Cursor cursor;
+    Row row;
+    require(database_.list(cursor, table));
+    Status status = Status::ok;
+    while ((status = cursor.next(row)) == Status::ok) collector.add(row);
+    if (status != Status::end) require(status);
+    return collector.take();
+}
+
+std::vector<std::int64_t> Store::find(const std::string& table, const std::string& object) {
+    std::vector<std::int64_t> ids;
+    Cursor cursor;
+    Row row;
+    require(database_.list(cursor, table));
+    Status status = Status::ok;
+    while ((status = cursor.next(row)) == Status::ok) {
+        const bool named = row.object_sound && row.table == table && row.object == object;
+        if (named && (ids.empty() || ids.back() != row.id)) ids.push_back(row.id);
+    }
+    if (status != Status::end) require(status);
+    return ids;
+}
+
+}  // namespace cfql::tool

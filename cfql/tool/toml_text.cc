@@ -1,0 +1,176 @@
+#include "toml_text.h"
+
+// Some of the parser's assertions are wrong: "[[" at the end of a line meets one and is then refused in good order. Without
+// assertions they must not become assumptions either, which is what NDEBUG makes of them.
+#undef NDEBUG
+#define TOML_ASSERT(expression) static_cast<void>(0)
+#define TOML_HEADER_ONLY 1
+#define TOML_ENABLE_FORMATTERS 0
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "cfql/database.h"
+#include "failure.h"
+#include "text.h"
+
+namespace cfql::tool {
+
+namespace {
+
+constexpr std::string_view hex_prefix = "hex:";
+
+std::string basic_string(std::string_view text) {
+    std::string quoted_text = "\"";
+    for (const char octet : text) {
+        if (octet == '"' || octet == '\\') {
+            quoted_text += {'\\', octet};
+        } else if (octet == '\n') {
+            quoted_text += "\\n";
+        } else if (octet == '\t') {
+            quoted_text += "\\t";
+        } else if ((octet >= 0 && octet < 0x20) || octet == 0x7f) {
+            quoted_text += "\\u00" + to_hex({&octet, 1});
+        } else {
+            quoted_text += octet;
+        }
+    }
+    return quoted_text + '"';
+}
+
+std::string value_text(std::string_view value) {
+    return is_utf8(value) ? basic_string(value) : "{ hex = \"" + to_hex(value) + "\" }";
+}
+
+bool is_bare(char octet) {
+    return (octet >= 'a' && octet <= 'z') || (octet >= 'A' && octet <= 'Z') || (octet >= '0' && octet <= '9') ||
+           octet == '-' || octet == '_';
+}
+
+std::string key_text(std::string_view key) {
+    if (!is_utf8(key) || key.starts_with(hex_prefix)) return basic_string(std::string(hex_prefix) + to_hex(key));
+    return std::ranges::all_of(key, is_bare) ? std::string(key) : basic_string(key);
+}
+
+std::string line(std::string_view key, std::string_view value) { return key_text(key) + " = " + value_text(value) + '\n'; }
+
+class Reader {
+  public:
+    explicit Reader(std::string_view source) : source_(source) {}
+
+    Contents read(std::string_view text) const {
+        const toml::table root = parse(text);
+        Contents contents;
+        for (const Block& block : blocks(root)) contents.push_back(object(block));
+        return contents;
+    }
+
+  private:
+    struct Block {
+        const toml::key* header;
+        const toml::table* table;
+    };
+
+    [[noreturn]] void fail(const toml::source_region& where, const std::string& what) const {
+        throw Failure(Exit::input, std::string(source_) + ':' + std::to_string(where.begin.line) + ':' +
+                                       std::to_string(where.begin.column) + ": " + what);
+    }
+
+    toml::table parse(std::string_view text) const {
+        try {
+            return toml::parse(text, source_);
+        } catch (const toml::parse_error& error) {
+            fail(error.source(), std::string(error.description()));
+        }
+    }
+
+    // The parser keeps arrays by name; the order of the blocks in the text is what counts here.
+    std::vector<Block> blocks(const toml::table& root) const {
+        std::vector<Block> found;
+        for (const auto& [key, node] : root) {
+            const toml::array* array = node.as_array();
+            if (array == nullptr) fail(key.source(), misplaced(key.str(), node));
+            for (const toml::node& element : *array) {
+                if (!element.is_table()) fail(element.source(), "expected a block such as [[" + std::string(key.str()) + "]]");
+                found.push_back({&key, element.as_table()});
+            }
+        }
+        std::ranges::stable_sort(found, {}, [](const Block& block) {
+            const toml::source_position& begin = block.table->source().begin;
+            return std::pair(begin.line, begin.column);
+        });
+        return found;
+    }
+
+    static std::string misplaced(std::string_view key, const toml::node& node) {
+        if (node.is_table()) return "a block is headed by two brackets: write [[" + std::string(key) + "]]";
+        return quoted(key) + " belongs to no object: put it below a heading such as [[interface]]";
+    }
+
+    Object object(const Block& block) const {
+        Object made;
+        made.table = octets(*block.header);
+        allow(block.header->source(), refusal_of_table(made.table));
+        if (const toml::node* name = block.table->get(name_key)) made.name = value(name_key, *name);
+        if (const char* refusal = refusal_of_object(made.table, made.name)) {
+            const bool nameless = !block.table->contains(name_key);
+            fail(block.table->source(), nameless ? "this block has no name: add a line such as name = \"wlan0\"" : refusal);
+        }
+        for (const auto& [key, node] : *block.table) {
+            if (key != name_key) add(made, key, node);
+        }
+        return made;
+    }
+
+    void add(Object& made, const toml::key& key, const toml::node& node) const {
+        const std::string name = octets(key);
+        allow(key.source(), refusal_of_key(name));
+        const std::string text = value(name, node);
+        allow(node.source(), refusal_of_value(text));
+        if (!made.attributes.emplace(name, text).second) fail(key.source(), quoted(name) + " is given twice in this block");
+    }
+
+    void allow(const toml::source_region& where, const char* refusal) const {
+        if (refusal != nullptr) fail(where, refusal);
+    }
+
+    std::string octets(const toml::key& key) const {
+        const std::string_view text = key.str();
+        if (!text.starts_with(hex_prefix)) return std::string(text);
+        return hex(key.source(), text.substr(hex_prefix.size()));
+    }
+
+    std::string value(std::string_view key, const toml::node& node) const {
+        if (const toml::value<std::string>* text = node.as_string()) return text->get();
+        const toml::table* table = node.as_table();
+        if (table != nullptr && table->size() == 1) {
+            const toml::node* digits = table->get("hex");
+            if (digits != nullptr && digits->is_string()) return hex(digits->source(), digits->as_string()->get());
+        }
+        fail(node.source(), "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }");
+    }
+
+    std::string hex(const toml::source_region& where, std::string_view digits) const {
+        if (std::optional<std::string> decoded = from_hex(digits)) return *decoded;
+        fail(where, "expected pairs of hexadecimal digits");
+    }
+
+    std::string_view source_;
+};
+
+}  // namespace
+
+std::string to_toml(const Contents& contents) {
+    std::string text = "# Contents of a configuration store. To read them back: cfql import --replace FILE\n";
+    for (const Object& object : contents) {
+        text += "\n[[" + key_text(object.table) + "]]\n";
+        if (!object.name.empty()) text += line(name_key, object.name);
+        for (const auto& [key, value] : object.attributes) text += line(key, value);
+    }
+    return text;
+}
+
+Contents from_toml(std::string_view text, std::string_view source) { return Reader(source).read(text); }
+
+}  // namespace cfql::tool
