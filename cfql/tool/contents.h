@@ -2,8 +2,10 @@
 #ifndef CFQL_TOOL_CONTENTS_H
 #define CFQL_TOOL_CONTENTS_H
 
+#include <compare>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace cfql::tool {
@@ -19,6 +21,18 @@ struct Object {
 };
 
 using Contents = std::vector<Object>;  // in order of insertion; names may repeat
+
+// What tells an object from all others: among those of its name it is the NTH inserted, counted from 1.
+struct Place {
+    std::string table;
+    std::string name;
+    std::size_t nth;
+
+    auto operator<=>(const Place&) const = default;
+};
+
+// The place of every object, in the order of CONTENTS.
+std::vector<Place> places(const Contents& contents);
 
 }  // namespace cfql::tool
 

@@ -1,6 +1,10 @@
 #include "store.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "failure.h"
+#include "output.h"
 #include "text.h"
 
 namespace cfql::tool {
@@ -11,12 +15,14 @@ const char* remedy(Status status) {
     switch (status) {
         case Status::absent:
             return "make one with \"cfql init\", or name another with --store";
+        case Status::exists:
+            return "it is left as it is; \"cfql import --replace FILE\" replaces its contents";
         case Status::not_a_store:
             return "name another file with --store";
         case Status::wrong_version:
             return "use the cfql that belongs to it";
         case Status::damaged:
-            return "see \"cfql check\"; save what is left with \"cfql export\", then make a new store and import that";
+            return "move the file away, make a new one with \"cfql init\", and import your last export";
         case Status::denied:
             return "become root or a member of the group \"cfql\"";
         case Status::read_only:
@@ -35,8 +41,10 @@ const char* remedy(Status status) {
 }
 
 std::string damage_of(const Row& row) {
-    if (!row.object_sound) return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong";
-    return described(row.table, row.object) + ": key " + quoted(row.key) + ": checksum is wrong";
+    if (!row.object_sound)
+        return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong";
+    return described({std::string(row.table), std::string(row.object), 1}) + ": key " + quoted(row.key) +
+           ": checksum is wrong";
 }
 
 class Collector {
@@ -49,6 +57,7 @@ class Collector {
         }
         if (row.id != current_) {
             reading_.contents.push_back({std::string(row.table), std::string(row.object), {}});
+            reading_.ids.push_back(row.id);
             current_ = row.id;
         }
         if (!row.has_attribute) return;
@@ -75,14 +84,21 @@ void fail(const std::string& path, Status status, std::string_view detail) {
     throw Failure(Exit::store, message + "; " + remedy(status));
 }
 
-std::string described(std::string_view table, std::string_view object, std::size_t nth) {
-    std::string text = printable(table);
-    if (!object.empty()) text += ' ' + quoted(object);
-    if (nth > 1) text += " number " + std::to_string(nth);
+void complain_of_damage(const Store& store, const Reading& reading) {
+    for (const std::string& line : reading.damage)
+        complain(store.path() + ": " + line + "; left out");
+}
+
+std::string described(const Place& place) {
+    std::string text = printable(place.table);
+    if (!place.name.empty()) text += ' ' + quoted(place.name);
+    if (place.nth > 1) text += " number " + std::to_string(place.nth);
     return text;
 }
 
-Store::Store(std::string path, Access access) : path_(std::move(path)) { require(database_.open(path_.c_str(), access)); }
+Store::Store(std::string path, Access access) : path_(std::move(path)) {
+    require(database_.open(path_.c_str(), access));
+}
 
 void Store::require(Status status) const {
     if (status == Status::ok) return;
@@ -96,23 +112,25 @@ Reading Store::read(std::string_view table) {
     Row row;
     require(database_.list(cursor, table));
     Status status = Status::ok;
-    while ((status = cursor.next(row)) == Status::ok) collector.add(row);
+    while ((status = cursor.next(row)) == Status::ok)
+        collector.add(row);
     if (status != Status::end) require(status);
     return collector.take();
 }
 
-std::vector<std::int64_t> Store::find(const std::string& table, const std::string& object) {
-    std::vector<std::int64_t> ids;
-    Cursor cursor;
-    Row row;
-    require(database_.list(cursor, table));
-    Status status = Status::ok;
-    while ((status = cursor.next(row)) == Status::ok) {
-        const bool named = row.object_sound && row.table == table && row.object == object;
-        if (named && (ids.empty() || ids.back() != row.id)) ids.push_back(row.id);
+std::optional<std::int64_t> Store::find(const std::string& table, const std::string& object, std::size_t nth) {
+    if (nth == 1) {
+        std::int64_t id = 0;
+        const Status status = database_.find_object(table, object, id);
+        if (status == Status::not_found) return std::nullopt;
+        require(status);
+        return id;
     }
-    if (status != Status::end) require(status);
-    return ids;
+    const Reading reading = read(table);
+    const std::vector<Place> found = places(reading.contents);
+    const auto place = std::ranges::find(found, Place{table, object, nth});
+    if (place == found.end()) return std::nullopt;
+    return reading.ids[static_cast<std::size_t>(place - found.begin())];
 }
 
 }  // namespace cfql::tool

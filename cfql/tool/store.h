@@ -3,18 +3,21 @@
 #define CFQL_TOOL_STORE_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "cfql/database.h"
 #include "contents.h"
+#include "database.h"
 
 namespace cfql::tool {
 
 struct Reading {
     Contents contents;
-    std::vector<std::string> damage;  // one line for each object or value that is left out because its checksum is wrong
+    std::vector<std::int64_t> ids;  // of the objects, in the same order
+    std::vector<std::string>
+        damage;  // one line for each object or value that is left out because its checksum is wrong
 };
 
 class Store {
@@ -27,8 +30,8 @@ class Store {
     // Everything, or one table, in one consistent state.
     Reading read(std::string_view table = {});
 
-    // Ids of the objects of that name in order of insertion; none when there are none.
-    std::vector<std::int64_t> find(const std::string& table, const std::string& object);
+    // The id of the NTH object of that name, counted from 1 in order of insertion.
+    std::optional<std::int64_t> find(const std::string& table, const std::string& object, std::size_t nth);
 
     Database& database() { return database_; }
     const std::string& path() const { return path_; }
@@ -38,11 +41,14 @@ class Store {
     Database database_;
 };
 
+// One line on standard error for each object or value that READING leaves out.
+void complain_of_damage(const Store& store, const Reading& reading);
+
 // The failure of an operation on the store at PATH. DETAIL: the engine's own words, or empty.
 [[noreturn]] void fail(const std::string& path, Status status, std::string_view detail);
 
-// "interface "wlan0"", and "system" alone for an object without name. NTH counts from 1; the first is not numbered.
-std::string described(std::string_view table, std::string_view object, std::size_t nth = 1);
+// `interface "wlan0"`, or the table alone for an object without name; the second and later ones of a name are numbered.
+std::string described(const Place& place);
 
 }  // namespace cfql::tool
 

@@ -10,7 +10,9 @@ namespace {
 
 constexpr std::string_view hex_digits = "0123456789abcdef";
 
-std::uint8_t octet_at(std::string_view text, std::size_t position) { return static_cast<std::uint8_t>(text[position]); }
+std::uint8_t octet_at(std::string_view text, std::size_t position) {
+    return static_cast<std::uint8_t>(text[position]);
+}
 
 struct Sequence {
     std::uint8_t lead_first, lead_last;
@@ -31,7 +33,9 @@ constexpr std::array<Sequence, 9> sequences = {{
     {0xf4, 0xf4, 0x80, 0x8f, 4},
 }};
 
-bool within(std::uint8_t octet, std::uint8_t first, std::uint8_t last) { return octet >= first && octet <= last; }
+bool within(std::uint8_t octet, std::uint8_t first, std::uint8_t last) {
+    return octet >= first && octet <= last;
+}
 
 // Length of the UTF-8 sequence that TEXT begins with; 0 when it begins with none.
 std::size_t sequence_length(std::string_view text) {
@@ -60,10 +64,9 @@ std::string escaped_octet(char octet) {
     }
 }
 
-// Control characters: C0 and DEL in one octet, C1 (U+0080 to U+009F) in two.
 bool is_control(std::string_view sequence) {
     const std::uint8_t first = octet_at(sequence, 0);
-    return first < 0x20 || first == 0x7f || (first == 0xc2 && octet_at(sequence, 1) < 0xa0);
+    return first < 0x20 || first == 0x7f || is_c1_control(sequence);
 }
 
 std::optional<unsigned> digit_value(char digit) {
@@ -74,6 +77,10 @@ std::optional<unsigned> digit_value(char digit) {
 }
 
 }  // namespace
+
+bool is_c1_control(std::string_view text) {
+    return text.size() >= 2 && octet_at(text, 0) == 0xc2 && within(octet_at(text, 1), 0x80, 0x9f);
+}
 
 bool is_utf8(std::string_view octets) {
     while (!octets.empty()) {
@@ -113,7 +120,8 @@ std::string printable(std::string_view octets) {
         if (sequence == "\\") {
             line += "\\\\";
         } else if (sequence_length(sequence) == 0 || is_control(sequence)) {
-            for (const char octet : sequence) line += escaped_octet(octet);
+            for (const char octet : sequence)
+                line += escaped_octet(octet);
         } else {
             line += sequence;
         }
@@ -122,12 +130,16 @@ std::string printable(std::string_view octets) {
     return line;
 }
 
-std::string quoted(std::string_view octets) { return '"' + printable(octets) + '"'; }
+std::string quoted(std::string_view octets) {
+    return '"' + printable(octets) + '"';
+}
 
 std::string counted(std::size_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 
-bool is_secret(std::string_view key) { return key.starts_with("wep-key-") && key != "wep-key-mapping-length"; }
+bool is_secret(std::string_view key) {
+    return key.starts_with("wep-key-") && key != "wep-key-mapping-length";
+}
 
 }  // namespace cfql::tool

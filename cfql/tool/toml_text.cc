@@ -1,7 +1,7 @@
 #include "toml_text.h"
 
-// Some of the parser's assertions are wrong: "[[" at the end of a line meets one and is then refused in good order. Without
-// assertions they must not become assumptions either, which is what NDEBUG makes of them.
+// Some of the parser's assertions are wrong: "[[" at the end of a line meets one and is then refused in good order.
+// Without assertions they must not become assumptions either, which is what NDEBUG makes of them.
 #undef NDEBUG
 #define TOML_ASSERT(expression) static_cast<void>(0)
 #define TOML_HEADER_ONLY 1
@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "cfql/database.h"
+#include "database.h"
 #include "failure.h"
 #include "text.h"
 
@@ -19,24 +19,28 @@ namespace cfql::tool {
 
 namespace {
 
-constexpr std::string_view hex_prefix = "hex:";
+constexpr std::string_view hex_prefix = "hex:";  // before a table or key by its octets
 
+// Control characters are escaped, those in two octets (U+0080 to U+009F), too: an export may be shown on a terminal.
 std::string basic_string(std::string_view text) {
-    std::string quoted_text = "\"";
-    for (const char octet : text) {
+    std::string line = "\"";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char octet = text[i];
         if (octet == '"' || octet == '\\') {
-            quoted_text += {'\\', octet};
+            line += {'\\', octet};
         } else if (octet == '\n') {
-            quoted_text += "\\n";
+            line += "\\n";
         } else if (octet == '\t') {
-            quoted_text += "\\t";
+            line += "\\t";
         } else if ((octet >= 0 && octet < 0x20) || octet == 0x7f) {
-            quoted_text += "\\u00" + to_hex({&octet, 1});
+            line += "\\u00" + to_hex({&octet, 1});
+        } else if (is_c1_control(text.substr(i))) {
+            line += "\\u00" + to_hex(text.substr(++i, 1));
         } else {
-            quoted_text += octet;
+            line += octet;
         }
     }
-    return quoted_text + '"';
+    return line + '"';
 }
 
 std::string value_text(std::string_view value) {
@@ -53,7 +57,9 @@ std::string key_text(std::string_view key) {
     return std::ranges::all_of(key, is_bare) ? std::string(key) : basic_string(key);
 }
 
-std::string line(std::string_view key, std::string_view value) { return key_text(key) + " = " + value_text(value) + '\n'; }
+std::string line(std::string_view key, std::string_view value) {
+    return key_text(key) + " = " + value_text(value) + '\n';
+}
 
 class Reader {
   public:
@@ -62,7 +68,8 @@ class Reader {
     Contents read(std::string_view text) const {
         const toml::table root = parse(text);
         Contents contents;
-        for (const Block& block : blocks(root)) contents.push_back(object(block));
+        for (const Block& block : blocks(root))
+            contents.push_back(object(block));
         return contents;
     }
 
@@ -92,7 +99,8 @@ class Reader {
             const toml::array* array = node.as_array();
             if (array == nullptr) fail(key.source(), misplaced(key.str(), node));
             for (const toml::node& element : *array) {
-                if (!element.is_table()) fail(element.source(), "expected a block such as [[" + std::string(key.str()) + "]]");
+                if (!element.is_table())
+                    fail(element.source(), "expected a block such as [[" + std::string(key.str()) + "]]");
                 found.push_back({&key, element.as_table()});
             }
         }
@@ -115,7 +123,8 @@ class Reader {
         if (const toml::node* name = block.table->get(name_key)) made.name = value(name_key, *name);
         if (const char* refusal = refusal_of_object(made.table, made.name)) {
             const bool nameless = !block.table->contains(name_key);
-            fail(block.table->source(), nameless ? "this block has no name: add a line such as name = \"wlan0\"" : refusal);
+            fail(block.table->source(),
+                 nameless ? "this block has no name: add a line such as name = \"wlan0\"" : refusal);
         }
         for (const auto& [key, node] : *block.table) {
             if (key != name_key) add(made, key, node);
@@ -128,7 +137,8 @@ class Reader {
         allow(key.source(), refusal_of_key(name));
         const std::string text = value(name, node);
         allow(node.source(), refusal_of_value(text));
-        if (!made.attributes.emplace(name, text).second) fail(key.source(), quoted(name) + " is given twice in this block");
+        if (!made.attributes.emplace(name, text).second)
+            fail(key.source(), quoted(name) + " is given twice in this block");
     }
 
     void allow(const toml::source_region& where, const char* refusal) const {
@@ -148,7 +158,8 @@ class Reader {
             const toml::node* digits = table->get("hex");
             if (digits != nullptr && digits->is_string()) return hex(digits->source(), digits->as_string()->get());
         }
-        fail(node.source(), "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }");
+        fail(node.source(),
+             "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }");
     }
 
     std::string hex(const toml::source_region& where, std::string_view digits) const {
@@ -166,11 +177,14 @@ std::string to_toml(const Contents& contents) {
     for (const Object& object : contents) {
         text += "\n[[" + key_text(object.table) + "]]\n";
         if (!object.name.empty()) text += line(name_key, object.name);
-        for (const auto& [key, value] : object.attributes) text += line(key, value);
+        for (const auto& [key, value] : object.attributes)
+            text += line(key, value);
     }
     return text;
 }
 
-Contents from_toml(std::string_view text, std::string_view source) { return Reader(source).read(text); }
+Contents from_toml(std::string_view text, std::string_view source) {
+    return Reader(source).read(text);
+}
 
 }  // namespace cfql::tool

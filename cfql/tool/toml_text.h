@@ -18,8 +18,8 @@ namespace cfql::tool {
 // Keys come in octet order, so that equal contents give equal texts and a change of one value is a change of one line.
 std::string to_toml(const Contents& contents);
 
-// SOURCE names the text in messages. Throws Failure (Exit::input) with line and column at the first thing that is not TOML or
-// that a store cannot hold.
+// SOURCE names the text in messages. Throws Failure (Exit::input) with line and column at the first thing that is not
+// TOML or that a store cannot hold.
 Contents from_toml(std::string_view text, std::string_view source);
 
 }  // namespace cfql::tool

@@ -1,0 +1,123 @@
+#include "commands.h"
+
+#include "input.h"
+#include "output.h"
+#include "store.h"
+#include "text.h"
+
+namespace cfql::tool {
+
+namespace {
+
+void allow(const char* refusal) {
+    if (refusal != nullptr) throw Failure(Exit::input, std::string(refusal) + "; nothing has changed");
+}
+
+Place place_of(const Request& request) {
+    return {request.table, request.object, request.nth};
+}
+
+Failure missing(const Store& store, const Place& place) {
+    return {Exit::no, store.path() + ": there is no " + described(place) + "; see \"cfql list\""};
+}
+
+// The object that the request names; throws when there is none.
+std::int64_t object_id(Store& store, const Request& request) {
+    const auto id = store.find(request.table, request.object, request.nth);
+    if (!id) throw missing(store, place_of(request));
+    return *id;
+}
+
+// The same for set, which adds the object when it is the next of its name.
+std::int64_t object_id_to_set(Store& store, const Request& request) {
+    const auto there = store.find(request.table, request.object, request.nth);
+    if (there) return *there;
+    const Place before = {request.table, request.object, request.nth - 1};
+    if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, before);
+    std::int64_t id = 0;
+    store.require(store.database().insert_object(request.table, request.object, id));
+    return id;
+}
+
+// Of an attribute that get or unset looked for.
+void require_attribute(const Store& store, const Request& request, Status status) {
+    const std::string what = store.path() + ": " + described(place_of(request)) + ": key " + quoted(request.key);
+    if (status == Status::not_found) throw Failure(Exit::no, what + " is not set; see \"cfql list\"");
+    if (status == Status::damaged) throw Failure(Exit::store, what + ": checksum is wrong; set it again");
+    store.require(status);
+}
+
+}  // namespace
+
+Exit get(const Request& request) {
+    Store store(request.store, Access::read);
+    store.require(store.database().begin_read());
+    Text value;
+    const std::int64_t id = object_id(store, request);
+    require_attribute(store, request,
+                      store.database().get_attribute(id, request.table, request.object, request.key, value));
+    print_line(on_terminal() ? shown(request.key, value, request.reveal) : std::string(value));
+    return Exit::done;
+}
+
+Exit set(const Request& request) {
+    const std::string value = request.value == "-" ? value_from_input() : request.value;
+    allow(refusal_of_table(request.table));
+    allow(refusal_of_object(request.table, request.object));
+    allow(refusal_of_key(request.key));
+    allow(refusal_of_value(value));
+    Store store(request.store, Access::write);
+    Database& database = store.database();
+    store.require(database.begin_write());
+    const std::int64_t id = object_id_to_set(store, request);
+    store.require(database.set_attribute(id, request.table, request.object, request.key, value));
+    store.require(database.commit());
+    return Exit::done;
+}
+
+Exit unset(const Request& request) {
+    Store store(request.store, Access::write);
+    Database& database = store.database();
+    store.require(database.begin_write());
+    const std::int64_t id = object_id(store, request);
+    if (request.key.empty()) {
+        store.require(database.delete_object(id));
+    } else {
+        require_attribute(store, request, database.unset_attribute(id, request.key));
+    }
+    store.require(database.commit());
+    return Exit::done;
+}
+
+Exit list(const Request& request) {
+    Store store(request.store, Access::read);
+    const Reading reading = store.read(request.table);
+    const std::vector<Place> found = places(reading.contents);
+    bool any = request.table.empty();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        if (!request.object.empty() && found[i].name != request.object) continue;
+        any = true;
+        const Attributes& attributes = reading.contents[i].attributes;
+        if (attributes.empty()) print_line(row(found[i], "", "", true));
+        for (const auto& [key, value] : attributes)
+            print_line(row(found[i], key, value, request.reveal));
+    }
+    complain_of_damage(store, reading);
+    if (!any) throw missing(store, {request.table, request.object, 1});
+    return reading.damage.empty() ? Exit::done : Exit::store;
+}
+
+Exit check(const Request& request) {
+    Store store(request.store, Access::read);
+    std::size_t faults = 0;
+    store.require(store.database().check(
+        [](void* count, const char* line) {
+            ++*static_cast<std::size_t*>(count);
+            print_line(line);
+        },
+        &faults));
+    print_line(store.path() + ": " + (faults == 0 ? "no faults" : counted(faults, "fault")));
+    return faults == 0 ? Exit::done : Exit::no;
+}
+
+}  // namespace cfql::tool

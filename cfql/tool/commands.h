@@ -1,0 +1,36 @@
+// The tool's commands. Each writes to standard output, answers an exit status, and throws Failure.
+#ifndef CFQL_TOOL_COMMANDS_H
+#define CFQL_TOOL_COMMANDS_H
+
+#include <string>
+
+#include "failure.h"
+
+namespace cfql::tool {
+
+// What the command line asks for; each command reads the members that it documents in its help.
+struct Request {
+    std::string store;
+    std::string table, object, key, value;
+    std::string file;
+    std::size_t nth = 1;
+    bool reveal = false;
+    bool replace = false;
+    bool offline = false;
+    bool defaults = false;
+};
+
+Exit init(const Request& request);
+Exit get(const Request& request);
+Exit set(const Request& request);
+Exit unset(const Request& request);
+Exit list(const Request& request);
+Exit import_contents(const Request& request);
+Exit export_contents(const Request& request);
+Exit check(const Request& request);
+Exit lint(const Request& request);
+Exit watch(const Request& request);
+
+}  // namespace cfql::tool
+
+#endif

@@ -1,0 +1,54 @@
+#include "input.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "database.h"
+#include "failure.h"
+
+namespace cfql::tool {
+
+namespace {
+
+constexpr std::size_t longest_file = std::size_t{64} << 20;
+
+// What is left of STREAM, but no more than one octet over LIMIT.
+std::string rest_of(std::FILE* stream, std::size_t limit, const std::string& source) {
+    std::string text;
+    char block[4096];
+    errno = 0;
+    while (text.size() <= limit) {
+        const std::size_t count = std::fread(block, 1, sizeof block, stream);
+        if (count == 0) break;
+        text.append(block, count);
+    }
+    if (std::ferror(stream) != 0)
+        throw Failure(Exit::input, source + ": " + std::strerror(errno) + "; nothing has changed");
+    return text;
+}
+
+std::string bounded(std::FILE* stream, const std::string& source) {
+    std::string text = rest_of(stream, longest_file, source);
+    if (text.size() <= longest_file) return text;
+    throw Failure(Exit::input, source + ": longer than 64 MiB; import it in several pieces");
+}
+
+}  // namespace
+
+std::string value_from_input() {
+    std::string value = rest_of(stdin, value_limit + 1, "standard input");
+    if (value.ends_with('\n')) value.pop_back();
+    return value;
+}
+
+std::string text_of(const std::string& file) {
+    if (file == "-") return bounded(stdin, "standard input");
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "re"), std::fclose);
+    if (!stream)
+        throw Failure(Exit::input, file + ": " + std::strerror(errno) + "; name a file that can be read, or \"-\"");
+    return bounded(stream.get(), file);
+}
+
+}  // namespace cfql::tool

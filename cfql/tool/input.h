@@ -1,0 +1,17 @@
+// Texts that come from standard input and from files.
+#ifndef CFQL_TOOL_INPUT_H
+#define CFQL_TOOL_INPUT_H
+
+#include <string>
+
+namespace cfql::tool {
+
+// All of standard input without one trailing newline. Stops reading when it is longer than any value may be.
+std::string value_from_input();
+
+// All of FILE, or of standard input when FILE is "-". Throws Failure (Exit::input).
+std::string text_of(const std::string& file);
+
+}  // namespace cfql::tool
+
+#endif

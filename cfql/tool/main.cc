@@ -1,0 +1,217 @@
+// cfql: the command line. Every command is one entry of the table below.
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cstdio>
+#include <exception>
+#include <vector>
+
+#include "commands.h"
+#include "database.h"
+#include "output.h"
+#include "text.h"
+
+namespace cfql::tool {
+
+namespace {
+
+constexpr const char* version = "cfql " CFQL_VERSION;
+
+constexpr const char* footer =
+    "Exit status: 0 done; 1 the answer is no (not found, faults, warnings); 2 wrong command line;\n"
+    "3 the store is absent, damaged, busy or not yours; 4 wrong input; 5 output not written.\n"
+    "More: man cfql";
+
+// The words after the command, before it is known which of them names the object.
+struct Words {
+    std::string text[4];
+    CLI::Option* option[4] = {};
+
+    std::size_t count() const {
+        std::size_t given = 0;
+        while (given < std::size(option) && option[given] != nullptr && option[given]->count() > 0)
+            ++given;
+        return given;
+    }
+};
+
+[[noreturn]] void misused(const CLI::App& command, const std::string& what) {
+    const std::string name = command.get_parent() == nullptr ? "" : command.get_name() + ' ';
+    throw Failure(Exit::usage, what + "; see \"cfql " + name + "--help\"");
+}
+
+// What is left over is most likely a value such as -x.
+std::string dash_hint(const CLI::ParseError& error) {
+    const bool left_over = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
+    return left_over ? "; -- goes before values that begin with a dash" : "";
+}
+
+// The object of the table "system" has no name: OBJECT is left out. WANTED counts the words of the command, OBJECT
+// included.
+void address(const CLI::App& command, const Words& words, std::size_t least, std::size_t wanted, Request& request) {
+    std::array<std::string*, 4> targets = {&request.table, &request.object, &request.key, &request.value};
+    const bool nameless = words.text[0] == singleton_table;
+    const std::size_t given = words.count() + (nameless ? 1 : 0);
+    if (given < least || given > wanted) {
+        misused(command, std::string("wrong number of arguments") +
+                             (nameless ? ": the object of the table \"system\" has no name, leave OBJECT out" : ""));
+    }
+    *targets[0] = words.text[0];
+    for (std::size_t i = 1; i < words.count(); ++i)
+        *targets[i + (nameless ? 1 : 0)] = words.text[i];
+}
+
+void add_words(CLI::App& command, Words& words, const std::vector<std::pair<std::string, std::string>>& names) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        words.option[i] = command.add_option(names[i].first, words.text[i], names[i].second)->type_name("");
+    }
+}
+
+void add_nth(CLI::App& command, Request& request) {
+    command.add_option("--nth", request.nth, "The NTH object of that name, in order of insertion (default 1)")
+        ->check(CLI::PositiveNumber)
+        ->type_name("N");
+}
+
+void add_reveal(CLI::App& command, Request& request) {
+    command.add_flag("--reveal", request.reveal, "Show secrets on a terminal, too");
+}
+
+struct Command {
+    const char* name;
+    const char* description;
+    void (*declare)(CLI::App& command, Words& words, Request& request);
+    void (*complete)(const CLI::App& command, const Words& words, Request& request);
+    Exit (*run)(const Request& request);
+};
+
+const std::pair<std::string, std::string> table_word = {"TABLE", "interface, bss, radio, supported-rate, system"};
+const std::pair<std::string, std::string> object_word = {"OBJECT", "Its name; left out for the table system"};
+const std::pair<std::string, std::string> key_word = {"KEY", "The key of the value"};
+
+void declare_nothing(CLI::App&, Words&, Request&) {}
+void complete_nothing(const CLI::App&, const Words&, Request&) {}
+
+const Command commands[] = {
+    {"init", "Make an empty store, and its directory when there is none", declare_nothing, complete_nothing, init},
+    {"get", "Print one value",
+     [](CLI::App& command, Words& words, Request& request) {
+         add_words(command, words, {table_word, object_word, key_word});
+         add_nth(command, request);
+         add_reveal(command, request);
+     },
+     [](const CLI::App& command, const Words& words, Request& request) { address(command, words, 3, 3, request); },
+     get},
+    {"set", "Store one value; makes the object when there is none",
+     [](CLI::App& command, Words& words, Request& request) {
+         add_words(command, words,
+                   {table_word,
+                    object_word,
+                    key_word,
+                    {"VALUE",
+                     "The value; - takes it from standard input without its last newline. Put -- before a value "
+                     "that begins with a dash"}});
+         add_nth(command, request);
+     },
+     [](const CLI::App& command, const Words& words, Request& request) { address(command, words, 4, 4, request); },
+     set},
+    {"unset", "Remove one value, or an object with all of its values",
+     [](CLI::App& command, Words& words, Request& request) {
+         add_words(command, words,
+                   {table_word, object_word, {"KEY", "The key of the value; without it, the whole object goes"}});
+         add_nth(command, request);
+     },
+     [](const CLI::App& command, const Words& words, Request& request) { address(command, words, 2, 3, request); },
+     unset},
+    {"list", "Print everything, or one table, or one object: table, object, key, value, separated by tabs",
+     [](CLI::App& command, Words& words, Request& request) {
+         add_words(command, words, {table_word, object_word});
+         add_reveal(command, request);
+     },
+     [](const CLI::App&, const Words& words, Request& request) {
+         request.table = words.text[0];
+         request.object = words.text[1];
+     },
+     list},
+    {"import", "Take in objects from TOML text: all of them, or none when there is an error",
+     [](CLI::App& command, Words&, Request& request) {
+         command.add_option("FILE", request.file, "The text; - for standard input")->required()->type_name("");
+         command.add_flag(
+             "--replace", request.replace,
+             "Replace the whole contents. Without it, the objects of the text are updated or added, and all "
+             "else stays");
+     },
+     complete_nothing, import_contents},
+    {"export", "Print the contents as TOML text that import reads back",
+     [](CLI::App& command, Words&, Request& request) { add_reveal(command, request); }, complete_nothing,
+     export_contents},
+    {"check", "Examine the file: structure, indexes, checksums", declare_nothing, complete_nothing, check},
+    {"lint", "Tell what the agent will do with the contents",
+     [](CLI::App& command, Words&, Request& request) {
+         command.add_flag("--offline", request.offline, "Take it that the system has every interface");
+         command.add_flag("--defaults", request.defaults, "Name every value that is served by default");
+     },
+     complete_nothing, lint},
+    {"watch", "Print changes as they come: set or unset, then as list does",
+     [](CLI::App& command, Words&, Request& request) { add_reveal(command, request); }, complete_nothing, watch},
+};
+
+// What every command has.
+void add_common(CLI::App& app, Request& request) {
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", version, "Print the version");
+    app.add_option("--store", request.store,
+                   "The store's file (default: the variable CFQL_STORE, or /var/lib/cfql/store.db)")
+        ->type_name("PATH");
+    app.footer(footer);
+}
+
+int run(int argc, char** argv) {
+    Request request;
+    request.store = store_path();
+    CLI::App app("The access point's configuration store", "cfql");
+    add_common(app, request);
+    app.require_subcommand(0, 1);
+    std::array<Words, std::size(commands)> words;
+    for (std::size_t i = 0; i < std::size(commands); ++i) {
+        CLI::App* command = app.add_subcommand(commands[i].name, commands[i].description);
+        add_common(*command, request);
+        commands[i].declare(*command, words[i], request);
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& success) {  // help or version
+        app.exit(success);
+        flush_output();
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        const std::vector<CLI::App*> used = app.get_subcommands();
+        misused(used.empty() ? app : *used.front(), error.what() + dash_hint(error));
+    }
+    if (app.get_subcommands().empty()) misused(app, "a command is missing");
+    const CLI::App* used = app.get_subcommands().front();
+    std::size_t which = 0;
+    while (used->get_name() != commands[which].name)
+        ++which;
+    commands[which].complete(*used, words[which], request);
+    const Exit exit = commands[which].run(request);
+    flush_output();
+    return static_cast<int>(exit);
+}
+
+}  // namespace
+
+}  // namespace cfql::tool
+
+int main(int argc, char** argv) {
+    using namespace cfql::tool;
+    try {
+        return run(argc, argv);
+    } catch (const Failure& failure) {
+        std::fflush(stdout);
+        complain(failure.what());
+        return static_cast<int>(failure.exit());
+    } catch (const std::exception& error) {  // out of memory
+        complain(error.what());
+        return static_cast<int>(Exit::store);
+    }
+}

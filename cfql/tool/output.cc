@@ -1,0 +1,51 @@
+#include "output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "failure.h"
+#include "text.h"
+
+namespace cfql::tool {
+
+void print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void print_line(std::string_view text) {
+    print(text);
+    print("\n");
+}
+
+void flush_output() {
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    const std::string reason = errno != 0 ? std::strerror(errno) : "an earlier write failed";
+    throw Failure(Exit::output, "standard output: " + reason + "; what was printed is not complete");
+}
+
+void complain(std::string_view message) {
+    const std::string line = "cfql: " + std::string(message) + '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+bool on_terminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+std::string shown(std::string_view key, std::string_view value, bool reveal) {
+    if (is_secret(key) && !reveal && on_terminal()) return std::string(mask);
+    return printable(value);
+}
+
+std::string row(const Place& place, std::string_view key, std::string_view value, bool reveal) {
+    std::string line = printable(place.table) + '\t' + printable(place.name);
+    if (!key.empty() || place.nth > 1) line += '\t' + printable(key) + '\t' + shown(key, value, reveal);
+    if (place.nth > 1) line += '\t' + std::to_string(place.nth);
+    return line;
+}
+
+}  // namespace cfql::tool

@@ -1,0 +1,125 @@
+// The command watch: prints the difference between the store's states as they come.
+#include <chrono>
+#include <map>
+#include <thread>
+
+#include "commands.h"
+#include "output.h"
+#include "store.h"
+
+namespace cfql::tool {
+
+namespace {
+
+constexpr std::chrono::milliseconds interval{100};
+
+using ByPlace = std::map<Place, const Object*>;
+
+ByPlace by_place(const Contents& contents) {
+    ByPlace found;
+    const std::vector<Place> all = places(contents);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        found.emplace(all[i], &contents[i]);
+    return found;
+}
+
+class Differences {
+  public:
+    explicit Differences(bool reveal) : reveal_(reveal) {}
+
+    void print(const Contents& before, const Contents& after) const {
+        const ByPlace old_objects = by_place(before);
+        const ByPlace new_objects = by_place(after);
+        for (const auto& [place, object] : old_objects) {
+            if (!new_objects.contains(place)) print_line("unset\t" + row(place, "", "", true));
+        }
+        for (const auto& [place, object] : new_objects) {
+            const auto old_object = old_objects.find(place);
+            if (old_object == old_objects.end()) {
+                print_new(place, object->attributes);
+            } else {
+                print_change(place, old_object->second->attributes, object->attributes);
+            }
+        }
+        if (old_objects.size() == new_objects.size() && places(before) != places(after)) print_line("order");
+    }
+
+  private:
+    void print_set(const Place& place, const Attributes::value_type& attribute) const {
+        print_line("set\t" + row(place, attribute.first, attribute.second, reveal_));
+    }
+
+    void print_new(const Place& place, const Attributes& attributes) const {
+        if (attributes.empty()) print_line("set\t" + row(place, "", "", true));
+        for (const auto& attribute : attributes)
+            print_set(place, attribute);
+    }
+
+    void print_change(const Place& place, const Attributes& before, const Attributes& after) const {
+        for (const auto& [key, value] : before) {
+            if (!after.contains(key)) print_line("unset\t" + row(place, key, "", true));
+        }
+        for (const auto& attribute : after) {
+            const auto old_value = before.find(attribute.first);
+            if (old_value == before.end() || old_value->second != attribute.second) print_set(place, attribute);
+        }
+    }
+
+    bool reveal_;
+};
+
+// The store as watch sees it; follows the file when another takes its place.
+class Watched {
+  public:
+    explicit Watched(const std::string& path) : path_(path) { open(); }
+
+    // Whether there may be something new to read.
+    bool changed() {
+        if (store_->database().moved()) {
+            open();
+            return true;
+        }
+        const std::int64_t before = counter_;
+        return take_counter() && counter_ != before;
+    }
+
+    Reading read() { return store_->read(); }
+
+  private:
+    void open() {
+        store_ = std::make_unique<Store>(path_, Access::read);
+        take_counter();
+    }
+
+    // False when another process holds the store for the moment: the next look will tell.
+    bool take_counter() {
+        const Status status = store_->database().change_counter(counter_);
+        if (status == Status::busy) return false;
+        store_->require(status);
+        return true;
+    }
+
+    std::string path_;
+    std::unique_ptr<Store> store_;
+    std::int64_t counter_ = 0;
+};
+
+}  // namespace
+
+Exit watch(const Request& request) {
+    Watched store(request.store);
+    Reading last = store.read();
+    complain("watching " + request.store + "; end with Ctrl-C");
+    const Differences differences(request.reveal);
+    for (;;) {
+        if (store.changed()) {
+            Reading now = store.read();
+            differences.print(last.contents, now.contents);
+            flush_output();
+            last = std::move(now);
+        }
+        std::this_thread::sleep_for(interval);
+    }
+}
+
+}  // namespace cfql::tool
