@@ -1,6 +1,6 @@
 // A stock snmpd with the built module, in a network namespace of the test's own, and an SNMP client to ask it.
 //
-// The test program enters its namespace before the first test (main.cc). An Agent has a folder of its own with the
+// Each test has a namespace of its own (main.cc). An Agent has a folder of its own with the
 // store, which the project's tool fills, its configuration and its log. It is stopped at the end of its life; the test
 // fails when it ended in any other way than by being asked, or when its log tells of a module that was not loaded.
 #pragma once
@@ -58,7 +58,7 @@ class Agent {
     Response get_bulk(const std::vector<std::string>& oids, long repetitions);
     Response set(const std::vector<std::pair<std::string, Value>>& values);
     // All varbinds below an OID, by GETNEXT. Ends after `most` of them.
-    std::vector<Varbind> walk(const std::string& oid, size_t most = 100'000);
+    std::vector<Varbind> walk(const std::string& root, size_t most = 100'000);
 
     // Runs the store's tool on the agent's store: configure("set interface wlan0 ssid lobby").
     void configure(const std::string& arguments) const;

@@ -1,47 +1,58 @@
-/* Preloaded into the agent: moves its clock and counts the module's calls into the configuration store. */
-#define _GNU_SOURCE
+// Preloaded into the agent: moves its clock and counts the module's calls into the configuration store.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/mman.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "cfqlquery.h"
 #include "control.h"
 
-static struct agent_control* control;
+namespace {
 
-__attribute__((constructor)) static void map_control(void) {
+agent_control* control;
+
+__attribute__((constructor)) void map_control() {
     const char* path = getenv("AGENT_CONTROL");
     const int file = path ? open(path, O_RDWR | O_CLOEXEC) : -1;
     if (file < 0) return;
-    void* mapped = mmap(NULL, sizeof *control, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    if (mapped != MAP_FAILED) control = mapped;
+    void* mapped = mmap(nullptr, sizeof *control, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    if (mapped != MAP_FAILED) control = static_cast<agent_control*>(mapped);
     close(file);
 }
 
-#define NEXT(function) ((__typeof__(&function))dlsym(RTLD_NEXT, #function))
+// The function that this one stands before.
+template <class Function>
+Function* next(const char* name, Function*) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+#define NEXT(function) next(#function, &function)
 
-int gettimeofday(struct timeval* restrict now, void* restrict zone) {
+}  // namespace
+
+extern "C" {
+
+int gettimeofday(timeval* now, void* zone) noexcept {
     if (!control || control->now == 0) return NEXT(gettimeofday)(now, zone);
-    now->tv_sec = (time_t)control->now;
-    now->tv_usec = 0;
+    *now = {static_cast<time_t>(control->now), 0};
     return 0;
 }
 
 cfqlquery_node* cfqlquery_get_grid(const char* table, const char* object, const char* key, const cfqlquery_node* filter,
                                    int filter_count) {
-    if (control) ++control->grids;
+    if (control) control->grids = control->grids + 1;
     return NEXT(cfqlquery_get_grid)(table, object, key, filter, filter_count);
 }
 
 cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const char* key) {
-    if (control) ++control->gets;
+    if (control) control->gets = control->gets + 1;
     return NEXT(cfqlquery_get_pv)(table, object, key);
 }
 
 int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_node* pair, int flags) {
-    if (control) ++control->sets;
+    if (control) control->sets = control->sets + 1;
     return NEXT(cfqlquery_set_pv)(table, object, pair, flags);
+}
 }
