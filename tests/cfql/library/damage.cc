@@ -1,0 +1,259 @@
+// store-damage STEP: damages every STEP-th page of a store and of its log, and the files as wholes, in every way of the
+// table below, and lets a child read everything. Exit status 0: no child died, hung or saw a value that was never
+// committed.
+//
+// Each case runs twice: the child opens the damaged store, or it had the store open before the damage and is told to
+// look again after another process tried to write.
+#include <fcntl.h>
+#include <signal.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "fixture.h"
+
+namespace {
+
+using namespace store_test;
+namespace fs = std::filesystem;
+
+using Bytes = std::string;
+constexpr std::size_t page_size = 1024;
+constexpr int objects = 60;
+constexpr int keys = 6;
+
+std::string name_of(int object) {
+    return "wlan" + std::to_string(object);
+}
+std::string key_of(int key) {
+    return "key-" + std::to_string(key);
+}
+
+// A value says what it is of, so that a value in the wrong place is known.
+std::string value_of(int object, int key, int generation) {
+    std::string text = name_of(object) + "/" + key_of(key) + "/" + std::to_string(generation) + "/";
+    return text + std::string(static_cast<std::size_t>(object * 7 + key * 13) % 150, 'v');
+}
+
+// Generation 0 sets everything, later ones a part.
+void write_generation(const std::string& path, int generation) {
+    std::vector<Value> values;
+    for (int o = 0; o < objects; ++o) {
+        for (int k = 0; k < keys; ++k) {
+            if (generation == 0 || (o + k) % 3 == generation) {
+                values.push_back({"interface", name_of(o), key_of(k), value_of(o, k, generation)});
+            }
+        }
+    }
+    put(path, values);
+}
+
+// What a reader may see. 0, or the rule that is broken.
+int read_all() {
+    for (const auto& [tag, name] : grid("interface")) {
+        const int object = name.rfind("wlan", 0) == 0 ? atoi(name.c_str() + 4) : -1;
+        if (tag != "name" || object < 0 || object >= objects || name != name_of(object)) return 1;
+    }
+    for (int o = 0; o < objects; ++o) {
+        for (int k = 0; k < keys; ++k) {
+            const auto value = get("interface", name_of(o).c_str(), key_of(k).c_str());
+            if (!value || *value == value_of(o, k, 0) || *value == value_of(o, k, (o + k) % 3)) continue;
+            return 2;
+        }
+    }
+    return 0;
+}
+
+Bytes load(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(file), {});
+}
+
+// In place: the same file, as a failing medium or a stray program changes it.
+void save(const std::string& path, const Bytes& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+Bytes noise(std::size_t size, unsigned seed) {
+    Bytes bytes(size, '\0');
+    for (char& octet : bytes)
+        octet = static_cast<char>((seed = seed * 1103515245U + 12345U) >> 16);
+    return bytes;
+}
+
+// A file in pages behind a header of its own (the log's; the store has none), and the same file at an earlier time.
+struct Target {
+    Bytes now;
+    Bytes earlier;
+    std::size_t at;     // the page's place
+    std::size_t size;   // of a page, with what the log puts before it
+    std::size_t other;  // the place of another page
+};
+
+struct Damage {
+    const char* what;
+    void (*apply)(Target& t);
+};
+
+const Damage page_damages[] = {
+    {"truncated before the page", [](Target& t) { t.now.resize(t.at); }},
+    {"truncated within the page", [](Target& t) { t.now.resize(t.at + t.size / 2); }},
+    {"zeroes", [](Target& t) { t.now.replace(t.at, t.size, Bytes(t.size, '\0')); }},
+    {"ones", [](Target& t) { t.now.replace(t.at, t.size, Bytes(t.size, '\xff')); }},
+    {"garbage", [](Target& t) { t.now.replace(t.at, t.size, noise(t.size, 1)); }},
+    {"garbage in the second half",
+     [](Target& t) { t.now.replace(t.at + t.size / 2, t.size / 2, noise(t.size / 2, 2)); }},
+    {"garbage in the page's header", [](Target& t) { t.now.replace(t.at, 12, noise(12, 3)); }},
+    {"a wrong count and wrong offsets", [](Target& t) { t.now.replace(t.at + 2, 20, Bytes(20, '\x07')); }},
+    {"one bit",
+     [](Target& t) { t.now[t.at + t.size * 2 / 3] = static_cast<char>(t.now[t.at + t.size * 2 / 3] ^ 0x10); }},
+    {"swapped with another page",
+     [](Target& t) {
+         const Bytes page = t.now.substr(t.at, t.size);
+         const Bytes other = t.now.substr(t.other, t.size);
+         t.now.replace(t.at, t.size, other);
+         t.now.replace(t.other, t.size, page);
+     }},
+    {"the same as another page", [](Target& t) { t.now.replace(t.at, t.size, t.now.substr(t.other, t.size)); }},
+    {"stale",
+     [](Target& t) {
+         if (t.at + t.size <= t.earlier.size()) t.now.replace(t.at, t.size, t.earlier.substr(t.at, t.size));
+     }},
+};
+
+const Damage file_damages[] = {
+    {"empty", [](Target& t) { t.now.clear(); }},
+    {"a text", [](Target& t) { t.now = "ssid=office\n"; }},
+    {"garbage", [](Target& t) { t.now = noise(t.now.size(), 4); }},
+    {"garbage in the header", [](Target& t) { t.now.replace(0, 100, noise(100, 5)); }},
+    {"one octet short", [](Target& t) { t.now.pop_back(); }},
+    {"one octet longer", [](Target& t) { t.now += 'x'; }},
+    {"stale", [](Target& t) { t.now = t.earlier; }},
+};
+
+struct Images {
+    Bytes store, log;                  // as they are before the damage
+    Bytes earlier_store, earlier_log;  // as they were one generation before
+};
+
+class Damager {
+  public:
+    Damager(const Place& place, Images images, std::size_t step)
+        : path_(place.path()), images_(std::move(images)), step_(step) {}
+
+    int run() {
+        damage_file("store", images_.store, images_.earlier_store, "", 0, page_size);
+        damage_file("log", images_.log, images_.earlier_log, "-wal", 32, page_size + 24);
+        printf("%d damaged stores read, %d failures\n", cases_, failures_);
+        return failures_ == 0 ? 0 : 1;
+    }
+
+  private:
+    void damage_file(const char* file, const Bytes& now, const Bytes& earlier, const char* suffix, std::size_t header,
+                     std::size_t size) {
+        const std::size_t pages = (now.size() - header) / size;
+        for (std::size_t page = 0; page < pages; page += step_) {
+            const std::size_t other = header + (page + 1 + page % 3) % pages * size;
+            for (const Damage& damage : page_damages) {
+                one(file, suffix, damage, {now, earlier, header + page * size, size, other}, static_cast<int>(page));
+            }
+        }
+        for (const Damage& damage : file_damages)
+            one(file, suffix, damage, {now, earlier, 0, size, 0}, -1);
+    }
+
+    void one(const char* file, const char* suffix, const Damage& damage, Target target, int page) {
+        damage.apply(target);
+        for (const bool open_before : {false, true}) {
+            restore();
+            const int result = open_before ? read_across(suffix, target.now) : read_after(suffix, target.now);
+            ++cases_;
+            if (result == 0) continue;
+            ++failures_;
+            fprintf(stderr, "%s, page %d, %s, %s: %d\n", file, page, damage.what,
+                    open_before ? "open before" : "opened after", result);
+        }
+    }
+
+    // New files each time: no lock and no shared memory of the case before has a part in the next.
+    void restore() {
+        for (const char* suffix : {"", "-wal", "-shm"})
+            fs::remove(path_ + suffix);
+        save(path_, images_.store);
+        save(path_ + "-wal", images_.log);
+    }
+
+    int read_after(const char* suffix, const Bytes& damaged) {
+        save(path_ + suffix, damaged);
+        return in_child([] {
+            alarm(20);
+            return read_all();
+        });
+    }
+
+    int read_across(const char* suffix, const Bytes& damaged) {
+        int to_child[2];
+        int to_parent[2];
+        if (pipe(to_child) != 0 || pipe(to_parent) != 0) throw std::runtime_error("pipe");
+        const pid_t child = start([&] {
+            alarm(20);
+            char octet = 0;
+            if (read_all() != 0 || !get("interface", "wlan0", "key-0")) return 10;
+            if (write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 11;
+            return read_all();
+        });
+        char octet = 0;
+        close(to_parent[1]);
+        if (read(to_parent[0], &octet, 1) == 1) {
+            save(path_ + suffix, damaged);
+            // A write, if the store still allows one, makes the reader look at the pages again.
+            in_child([] { return set("other", "o", "k", "v"); });
+        }
+        if (write(to_child[1], "x", 1) != 1) perror("pipe");
+        for (const int end : {to_child[0], to_child[1], to_parent[0]})
+            close(end);
+        return finish(child);
+    }
+
+    std::string path_;
+    Images images_;
+    std::size_t step_;
+    int cases_ = 0;
+    int failures_ = 0;
+};
+
+// Two generations in the store, the third in the log alone: a reader that holds the store open keeps the log from being
+// written back.
+Images prepare(const Place& place) {
+    Images images;
+    make(place.path());
+    write_generation(place.path(), 0);
+    images.earlier_store = load(place.path());
+    write_generation(place.path(), 1);
+    images.store = load(place.path());
+    cfql::Database reader;
+    require(reader.open(place.path().c_str(), cfql::Access::read));
+    put(place.path(), {{"interface", name_of(0), key_of(0), value_of(0, 0, 0)}});
+    images.earlier_log = load(place.path() + "-wal");
+    write_generation(place.path(), 2);
+    images.log = load(place.path() + "-wal");
+    images.store = load(place.path());
+    reader.close();
+    return images;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const int step = count == 2 ? atoi(arguments[1]) : 0;
+    if (step <= 0) {
+        fprintf(stderr, "usage: store-damage STEP\n");
+        return 2;
+    }
+    const Place place;
+    Images images = prepare(place);
+    printf("%zu octets of store, %zu of log\n", images.store.size(), images.log.size());
+    return Damager(place, std::move(images), static_cast<std::size_t>(step)).run();
+}
