@@ -412,7 +412,7 @@ const Shortage shortages[] = {
     {1, {{"dot11DisassociateStation", no_address}}},
     {-1, {}},
     {1, {{"dot11DeauthenticateReason", "0"}}},
-    {1, {{"dot11DeauthenticateStation", "00 1b 1c 1d 1e 1f"}}},
+    {1, {{"dot11DeauthenticateStation", no_address}}},
     {-1, {}},
     {1, {{"dot11AuthenticateFailStatus", "0"}}},
     {1, {{"dot11AuthenticateFailStation", no_address}}},
