@@ -1,0 +1,105 @@
+// The privacy table's rows, on a scripted device.
+#include "backend/smt/privacy.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "rows.h"
+#include "scripted.h"
+
+namespace {
+
+using std::to_string;
+using testing::ElementsAre;
+
+class Privacy : public testing::Test {
+  protected:
+    Privacy() { device.add_interface("wlan0", 3); }
+
+    Fields filled() {
+        EXPECT_EQ(GetPrivacyEntries(), 1);
+        EXPECT_EQ(GetPrivacyTableData(), 1);
+        EXPECT_TRUE(all_released(priv_info));
+        const PrivacyRow& row = pinfo[0];
+        return {
+            {"ifIndex", to_string(row.ifIndex)},
+            {"dot11PrivacyInvoked", to_string(row.dot11PrivacyInvoked)},
+            {"dot11WEPDefaultKeyID", to_string(row.dot11WEPDefaultKeyID)},
+            {"dot11WEPKeyMappingLength", to_string(row.dot11WEPKeyMappingLength)},
+            {"dot11ExcludeUnencrypted", to_string(row.dot11ExcludeUnencrypted)},
+            {"dot11WEPICVErrorCount", to_string(row.dot11WEPICVErrorCount)},
+            {"dot11WEPExcludedCount", to_string(row.dot11WEPExcludedCount)},
+        };
+    }
+
+    void set(const std::string& key, const std::string& value) { device.set("interface", "wlan0", key, value); }
+
+    ScriptedDevice device;
+};
+
+const Fields defaults = {
+    {"ifIndex", "3"},
+    {"dot11PrivacyInvoked", "2"},
+    {"dot11WEPDefaultKeyID", "0"},
+    {"dot11WEPKeyMappingLength", "10"},
+    {"dot11ExcludeUnencrypted", "2"},
+    {"dot11WEPICVErrorCount", "0"},
+    {"dot11WEPExcludedCount", "0"},
+};
+
+TEST_F(Privacy, ReadsTheKeysInOrder) {
+    filled();
+    EXPECT_THAT(device.calls, ElementsAre("grid interface type=service-set",            //
+                                          "get interface wlan0 dot11-privacy-invoked",  //
+                                          "get interface wlan0 wep-default-key",        //
+                                          "get interface wlan0 wep-key-mapping-length"));
+}
+
+TEST_F(Privacy, HasADefaultForEveryMissingKey) {
+    memset(&pinfo[0], 0xee, sizeof pinfo[0]);
+    EXPECT_EQ(filled(), defaults);
+}
+
+TEST_F(Privacy, ServesEveryKeyUntilItVanishes) {
+    set("dot11-privacy-invoked", "1");
+    set("wep-default-key", "3");
+    set("wep-key-mapping-length", "26");
+    EXPECT_EQ(
+        differences(defaults, filled()),
+        (Fields{{"dot11PrivacyInvoked", "1"}, {"dot11WEPDefaultKeyID", "3"}, {"dot11WEPKeyMappingLength", "26"}}));
+    device.clear_store();
+    device.add_interface("wlan0", 3);
+    EXPECT_EQ(filled(), defaults);
+}
+
+TEST_F(Privacy, HasNoNegativeNumbers) {
+    expect_numbers(device,
+                   {
+                       {"interface", "wlan0", "dot11-privacy-invoked", "dot11PrivacyInvoked", "2"},
+                       {"interface", "wlan0", "wep-default-key", "dot11WEPDefaultKeyID", "0"},
+                       {"interface", "wlan0", "wep-key-mapping-length", "dot11WEPKeyMappingLength", "10"},
+                   },
+                   false, [this] { return filled(); });
+}
+
+TEST_F(Privacy, LosesOneFieldWithoutMemoryForIt) {
+    set("dot11-privacy-invoked", "1");
+    set("wep-default-key", "3");
+    set("wep-key-mapping-length", "26");
+    const Fields whole = filled();
+    // The first two allocations are the enumeration's.
+    const Fields lost[] = {
+        {}, {}, {{"dot11PrivacyInvoked", "2"}}, {{"dot11WEPDefaultKeyID", "0"}}, {{"dot11WEPKeyMappingLength", "10"}}};
+    for (size_t n = 0; n < std::size(lost); ++n) {
+        device.fail_allocation(static_cast<int>(n) + 1);
+        EXPECT_EQ(differences(whole, filled()), lost[n]) << "allocation " << n + 1;
+        EXPECT_TRUE(device.allocation_failed());
+    }
+    device.fail_allocation(static_cast<int>(std::size(lost)) + 1);
+    EXPECT_EQ(filled(), whole);
+    EXPECT_FALSE(device.allocation_failed());
+}
+
+}  // namespace
