@@ -55,9 +55,13 @@ void address(const CLI::App& command, const Words& words, std::size_t least, std
         misused(command, std::string("wrong number of arguments") +
                              (nameless ? ": the object of the table \"system\" has no name, leave OBJECT out" : ""));
     }
-    *targets[0] = words.text[0];
-    for (std::size_t i = 1; i < words.count(); ++i)
-        *targets[i + (nameless ? 1 : 0)] = words.text[i];
+    if (request.nth == 0) misused(command, "--nth counts from 1");
+    for (std::size_t i = 0; i < words.count(); ++i) {
+        std::string* target = targets[i > 0 && nameless ? i + 1 : i];
+        *target = words.text[i];
+        // An empty variable in a script must not turn "unset TABLE OBJECT KEY" into "unset TABLE OBJECT".
+        if (target->empty() && target != &request.value) misused(command, "an argument is empty");
+    }
 }
 
 void add_words(CLI::App& command, Words& words, const std::vector<std::pair<std::string, std::string>>& names) {
@@ -68,7 +72,6 @@ void add_words(CLI::App& command, Words& words, const std::vector<std::pair<std:
 
 void add_nth(CLI::App& command, Request& request) {
     command.add_option("--nth", request.nth, "The NTH object of that name, in order of insertion (default 1)")
-        ->check(CLI::PositiveNumber)
         ->type_name("N");
 }
 

@@ -1,0 +1,535 @@
+// Every command, every message and every exit status.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "database.h"
+#include "tool.h"
+
+namespace {
+
+constexpr const char* contents =
+    "[[system]]\ncountry = \"DE\"\n"
+    "[[interface]]\nname = \"wlan0\"\nssid = \"Guests\"\nwep-key-1 = \"FAKE1\"\nwep-key-mapping-length = \"10\"\n"
+    "[[interface]]\nname = \"wlan1\"\nssid = \"\"\n"
+    "[[supported-rate]]\nname = \"wlan0\"\nrate = \"540\"\n"
+    "[[supported-rate]]\nname = \"wlan0\"\nrate = \"240\"\n"
+    "[[bss]]\nname = \"bare\"\n";
+
+class Commands : public Tool {
+  protected:
+    void SetUp() override {
+        done({"init"});
+        done({"import", "-"}, {.input = contents});
+    }
+};
+
+struct Case {
+    Words words;
+    int status;
+    std::string out;
+    std::string err;  // STORE stands for the store's path
+    std::string input = {};
+};
+
+std::string replaced(std::string text, const std::string& store) {
+    for (std::size_t at = 0; (at = text.find("STORE", at)) != std::string::npos; at += store.size())
+        text.replace(at, 5, store);
+    return text;
+}
+
+TEST_F(Commands, AnswerAndExitStatus) {
+    const std::string long_name(256, 'n');
+    const std::string long_value(4097, 'v');
+    const Case cases[] = {
+        {{"get", "interface", "wlan0", "ssid"}, 0, "Guests\n", ""},
+        {{"get", "interface", "wlan1", "ssid"}, 0, "\n", ""},
+        {{"get", "interface", "wlan0", "wep-key-1"}, 0, "FAKE1\n", ""},
+        {{"get", "system", "country"}, 0, "DE\n", ""},
+        {{"get", "supported-rate", "wlan0", "rate"}, 0, "540\n", ""},
+        {{"get", "supported-rate", "wlan0", "rate", "--nth", "2"}, 0, "240\n", ""},
+        {{"get", "interface", "wlan0", "mac"},
+         1,
+         "",
+         "cfql: STORE: interface \"wlan0\": key \"mac\" is not set; see \"cfql list\"\n"},
+        {{"get", "interface", "wlan9", "ssid"},
+         1,
+         "",
+         "cfql: STORE: there is no interface \"wlan9\"; see \"cfql list\"\n"},
+        {{"get", "supported-rate", "wlan0", "rate", "--nth", "3"},
+         1,
+         "",
+         "cfql: STORE: there is no supported-rate \"wlan0\" number 3; see \"cfql list\"\n"},
+        {{"get", "interface", "wlan0"}, 2, "", "cfql: wrong number of arguments; see \"cfql get --help\"\n"},
+        {{"get", "system", "", "country"},
+         2,
+         "",
+         "cfql: wrong number of arguments: the object of the table \"system\" has no name, leave OBJECT out; see "
+         "\"cfql "
+         "get --help\"\n"},
+        {{"get", "interface", "", "ssid"}, 2, "", "cfql: an argument is empty; see \"cfql get --help\"\n"},
+
+        {{"set", "interface", "wlan0", "ssid", "new"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "new\n", ""},
+        {{"set", "interface", "wlan0", "ssid", ""}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "[a,b]"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "[a,b]\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "list"}, 0, "", ""},  // the name of a command
+        {{"get", "interface", "wlan0", "ssid"}, 0, "list\n", ""},
+        {{"set", "interface", "wlan0", "tx-power", "-3"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "tx-power"}, 0, "-3\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "--", "-x"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "-x\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "--", "--"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "--\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "-"}, 0, "", "", "from input\n\n"},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "from input\n\n", ""},
+        {{"set", "interface", "wlan0", "ssid", "-"}, 0, "", "", "no newline"},
+        {{"get", "interface", "wlan0", "ssid"}, 0, "no newline\n", ""},
+        {{"set", "radio", "new", "channel", "11"}, 0, "", ""},
+        {{"get", "radio", "new", "channel"}, 0, "11\n", ""},
+        {{"set", "system", "country", "FR"}, 0, "", ""},
+        {{"get", "system", "country"}, 0, "FR\n", ""},
+        {{"set", "supported-rate", "wlan0", "rate", "110", "--nth", "3"}, 0, "", ""},
+        {{"get", "supported-rate", "wlan0", "rate", "--nth", "3"}, 0, "110\n", ""},
+        {{"set", "supported-rate", "wlan0", "rate", "55", "--nth", "5"},
+         1,
+         "",
+         "cfql: STORE: there is no supported-rate \"wlan0\" number 4; see \"cfql list\"\n"},
+        {{"set", "interface", "wlan0", "ssid"}, 2, "", "cfql: wrong number of arguments; see \"cfql set --help\"\n"},
+        {{"set", "interface", "wlan0", "ssid", "-x"},
+         2,
+         "",
+         "cfql: The following argument was not expected: -x; -- goes before values that begin with a dash; see \"cfql "
+         "set --help\"\n"},
+        {{"set", "interface", "wlan0", "ssid", "x", "--nth", "0"},
+         2,
+         "",
+         "cfql: --nth counts from 1; see \"cfql set --help\"\n"},
+        {{"set", "interface", "wlan0", "name", "x"},
+         4,
+         "",
+         "cfql: \"name\" is the object's name, not a key; nothing has changed\n"},
+        {{"set", "interface", long_name, "ssid", "x"},
+         4,
+         "",
+         "cfql: the object's name is longer than 255 octets; nothing has changed\n"},
+        {{"set", long_name, "wlan0", "ssid", "x"},
+         4,
+         "",
+         "cfql: the table is longer than 255 octets; nothing has changed\n"},
+        {{"set", "interface", "wlan0", long_name, "x"},
+         4,
+         "",
+         "cfql: the key is longer than 255 octets; nothing has changed\n"},
+        {{"set", "interface", "wlan0", "ssid", long_value},
+         4,
+         "",
+         "cfql: the value is longer than 4096 octets; nothing has changed\n"},
+        {{"set", "interface", "wlan0", "ssid", "-"},
+         4,
+         "",
+         "cfql: the value is longer than 4096 octets; nothing has changed\n",
+         long_value},
+        {{"set", "interface", "wlan0", "ssid", "-"},
+         4,
+         "",
+         "cfql: the value contains a NUL; nothing has changed\n",
+         {"a\0b", 3}},
+
+        {{"unset", "interface", "wlan0", "ssid"}, 0, "", ""},
+        {{"get", "interface", "wlan0", "ssid"},
+         1,
+         "",
+         "cfql: STORE: interface \"wlan0\": key \"ssid\" is not set; see \"cfql list\"\n"},
+        {{"unset", "interface", "wlan0", "ssid"},
+         1,
+         "",
+         "cfql: STORE: interface \"wlan0\": key \"ssid\" is not set; see \"cfql list\"\n"},
+        {{"unset", "interface", "wlan0", ""}, 2, "", "cfql: an argument is empty; see \"cfql unset --help\"\n"},
+        {{"unset", "interface", "wlan0"}, 0, "", ""},
+        {{"unset", "interface", "wlan0"}, 1, "", "cfql: STORE: there is no interface \"wlan0\"; see \"cfql list\"\n"},
+        {{"unset", "supported-rate", "wlan0", "--nth", "2"}, 0, "", ""},
+        {{"unset", "radio", "new"}, 0, "", ""},
+        {{"list"},
+         0,
+         "system\t\tcountry\tFR\n"
+         "interface\twlan1\tssid\t\n"
+         "supported-rate\twlan0\trate\t540\n"
+         "bss\tbare\n"
+         "supported-rate\twlan0\trate\t110\t2\n",
+         ""},
+        {{"list", "supported-rate"}, 0, "supported-rate\twlan0\trate\t540\nsupported-rate\twlan0\trate\t110\t2\n", ""},
+        {{"list", "bss", "bare"}, 0, "bss\tbare\n", ""},
+        {{"list", "bss", "none"}, 1, "", "cfql: STORE: there is no bss \"none\"; see \"cfql list\"\n"},
+        {{"list", "none"}, 1, "", "cfql: STORE: there is no none; see \"cfql list\"\n"},
+        {{"unset", "system", "country"}, 0, "", ""},
+        {{"unset", "system"}, 0, "", ""},
+        {{"unset", "system"}, 1, "", "cfql: STORE: there is no system; see \"cfql list\"\n"},
+
+        {{"check"}, 0, "STORE: no faults\n", ""},
+        {{}, 2, "", "cfql: a command is missing; see \"cfql --help\"\n"},
+        {{"drop"},
+         2,
+         "",
+         "cfql: The following argument was not expected: drop; -- goes before values that begin with a dash; see "
+         "\"cfql "
+         "--help\"\n"},
+        {{"import"}, 2, "", "cfql: FILE is required; see \"cfql import --help\"\n"},
+        {{"import", "/nowhere"},
+         4,
+         "",
+         "cfql: /nowhere: No such file or directory; name a file that can be read, or \"-\"\n"},
+        {{"import", "/"}, 4, "", "cfql: /: Is a directory; nothing has changed\n"},
+        {{"init"},
+         3,
+         "",
+         "cfql: STORE: there is a store already; it is left as it is; \"cfql import --replace FILE\" replaces its "
+         "contents\n"},
+    };
+    for (const Case& expected : cases) {
+        std::string command = "cfql";
+        for (const std::string& word : expected.words)
+            command += ' ' + word.substr(0, 40);
+        SCOPED_TRACE(command);
+        const Outcome outcome = run(expected.words, {.input = expected.input});
+        EXPECT_EQ(outcome.status, expected.status);
+        EXPECT_EQ(outcome.out, replaced(expected.out, store));
+        EXPECT_EQ(outcome.err, replaced(expected.err, store));
+    }
+}
+
+TEST_F(Commands, HelpAndVersionEverywhere) {
+    const Words names = {"", "init", "get", "set", "unset", "list", "import", "export", "check", "lint", "watch"};
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name);
+        Words words;
+        if (!name.empty()) words.push_back(name);
+        words.emplace_back("--version");
+        EXPECT_EQ(done(words), "cfql " CFQL_VERSION "\n");
+        words.back() = "--help";
+        const std::string help = done(words);
+        EXPECT_NE(help.find("--store"), std::string::npos);
+        EXPECT_NE(help.find("Exit status: 0 done; 1 the answer is no"), std::string::npos);
+    }
+}
+
+TEST_F(Commands, ListEscapesWhatWouldBreakALine) {
+    done({"set", "interface", "wlan1", "ssid", "a\tb\nc\\d\x1b[2J\xff\xc2\x9b\xc3\xa9"});
+    EXPECT_EQ(done({"list", "interface", "wlan1"}),
+              "interface\twlan1\tssid\ta\\tb\\nc\\\\d\\x1b[2J\\xff\\xc2\\x9b\xc3\xa9\n");
+}
+
+TEST_F(Commands, SecretsAreMaskedOnATerminal) {
+    struct {
+        Words words;
+        std::string shown, hidden;
+    } const cases[] = {
+        {{"get", "interface", "wlan0", "wep-key-1"}, "********\n", "FAKE1"},
+        {{"list", "interface", "wlan0"}, "interface\twlan0\twep-key-1\t********\n", "FAKE1"},
+        {{"export"}, "wep-key-1 = \"********\"\n", "FAKE1"},
+        {{"get", "interface", "wlan0", "wep-key-1", "--reveal"}, "FAKE1\n", "********"},
+        {{"list", "interface", "wlan0", "--reveal"}, "interface\twlan0\twep-key-1\tFAKE1\n", "********"},
+        {{"export", "--reveal"}, "wep-key-1 = \"FAKE1\"\n", "********"},
+        {{"list", "interface", "wlan0"}, "wep-key-mapping-length\t10\n", "FAKE1"},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.words.front());
+        const Outcome outcome = run_on_terminal(expected.words);
+        EXPECT_EQ(outcome.status, 0);
+        std::string out = outcome.out;
+        // The terminal spells tabs as they are.
+        EXPECT_NE(out.find(expected.shown), std::string::npos) << out;
+        EXPECT_EQ(out.find(expected.hidden), std::string::npos) << out;
+    }
+}
+
+TEST_F(Commands, ATerminalIsNotSteered) {
+    done({"set", "interface", "wlan1", "ssid", "\x1b[2J"});
+    EXPECT_EQ(run_on_terminal({"get", "interface", "wlan1", "ssid"}).out, "\\x1b[2J\n");
+    EXPECT_EQ(done({"get", "interface", "wlan1", "ssid"}), "\x1b[2J\n");
+}
+
+TEST_F(Commands, OutputThatCannotBeWritten) {
+    for (const Words& words : {Words{"list"}, Words{"export"}, Words{"--help"}}) {
+        const Outcome outcome = run(words, {.output = "/dev/full"});
+        EXPECT_EQ(outcome.status, 5);
+        EXPECT_EQ(outcome.err, "cfql: standard output: No space left on device; what was printed is not complete\n");
+    }
+}
+
+// ---- stores that cannot be used
+
+TEST_F(Tool, MissingStore) {
+    const std::string message =
+        "cfql: " + store + ": there is no store; make one with \"cfql init\", or name another with --store\n";
+    const Words commands[] = {{"get", "system", "country"},
+                              {"set", "system", "country", "DE"},
+                              {"unset", "system"},
+                              {"list"},
+                              {"import", "-"},
+                              {"export"},
+                              {"check"},
+                              {"lint"},
+                              {"watch"}};
+    for (const Words& words : commands) {
+        SCOPED_TRACE(words.front());
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, message);
+    }
+    EXPECT_FALSE(std::filesystem::exists(store));
+}
+
+TEST_F(Tool, StoreOptionGoesBeforeTheVariable) {
+    const std::string other = directory + "/other.db";
+    done({"init", "--store", other});
+    EXPECT_TRUE(std::filesystem::exists(other));
+    EXPECT_FALSE(std::filesystem::exists(store));
+    done({"--store", other, "set", "system", "country", "DE"});
+    EXPECT_EQ(done({"get", "system", "country"}, {.path = other}), "DE\n");
+}
+
+TEST_F(Tool, NotAStore) {
+    write("store.db",
+          "This is a letter to a friend, long enough to be taken for a header of a file, if one looked badly.\n");
+    for (const Words& words : {Words{"list"}, Words{"check"}, Words{"init"}, Words{"set", "system", "country", "DE"}}) {
+        SCOPED_TRACE(words.front());
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_EQ(outcome.err,
+                  "cfql: " + store + ": the file is not a configuration store; name another file with --store\n");
+    }
+}
+
+TEST_F(Commands, ReadOnlyForOthers) {
+    if (getuid() != 0) GTEST_SKIP() << "only root can become another user";
+    constexpr unsigned nobody = 65534;
+    ASSERT_EQ(chmod(directory.c_str(), 0755), 0);
+    ASSERT_EQ(chmod(store.c_str(), 0644), 0);
+    for (const char* beside : {"-wal", "-shm"})
+        ASSERT_EQ(chmod((store + beside).c_str(), 0644), 0);
+    EXPECT_EQ(done({"get", "system", "country"}, {.user = nobody}), "DE\n");
+    const Outcome refused = run({"set", "system", "country", "FR"}, {.user = nobody});
+    EXPECT_EQ(refused.status, 3);
+    EXPECT_EQ(refused.err, "cfql: " + store +
+                               ": the store may not be written; become root, and see that the file system is mounted "
+                               "for writing\n");
+    ASSERT_EQ(chmod(store.c_str(), 0600), 0);
+    const Outcome denied = run({"get", "system", "country"}, {.user = nobody});
+    EXPECT_EQ(denied.status, 3);
+    EXPECT_EQ(denied.err,
+              "cfql: " + store + ": the store may not be opened; become root or a member of the group \"cfql\"\n");
+}
+
+TEST_F(Commands, AnotherWriterHoldsTheStore) {
+    cfql::Database writer;
+    ASSERT_EQ(writer.open(store.c_str(), cfql::Access::write), cfql::Status::ok);
+    ASSERT_EQ(writer.begin_write(), cfql::Status::ok);
+    const Outcome outcome = run({"set", "system", "country", "FR"});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.err, "cfql: " + store +
+                               ": another process holds the store locked; try again; \"fuser\" tells which process "
+                               "holds it\n");
+    EXPECT_EQ(done({"get", "system", "country"}), "DE\n");
+}
+
+// Changes one octet of every value "Guests" in the file, behind SQLite's back. Its structure stays sound.
+void spoil(const std::string& path, const std::string& text) {
+    std::string octets;
+    {
+        std::ifstream file(path, std::ios::binary);
+        octets.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    const std::size_t at = octets.find(text);
+    ASSERT_NE(at, std::string::npos);
+    octets[at] = 'X';
+    std::ofstream(path, std::ios::binary) << octets;
+}
+
+TEST_F(Commands, AValueWithAWrongChecksum) {
+    sqlite3* connection = nullptr;  // brings the log into the file
+    ASSERT_EQ(sqlite3_open(store.c_str(), &connection), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(connection, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(connection);
+    spoil(store, "Guests");
+
+    const Outcome got = run({"get", "interface", "wlan0", "ssid"});
+    EXPECT_EQ(got.status, 3);
+    EXPECT_EQ(got.out, "");
+    EXPECT_EQ(got.err, "cfql: " + store + ": interface \"wlan0\": key \"ssid\": checksum is wrong; set it again\n");
+
+    const std::string left_out =
+        "cfql: " + store + ": interface \"wlan0\": key \"ssid\": checksum is wrong; left out\n";
+    for (const Words& words : {Words{"list", "interface"}, Words{"export"}, Words{"lint", "--offline"}}) {
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_NE(outcome.out.find("wlan0"), std::string::npos);
+        EXPECT_EQ(outcome.err, left_out);
+    }
+    const Outcome checked = run({"check"});
+    EXPECT_EQ(checked.status, 1);
+    EXPECT_NE(checked.out.find("ssid"), std::string::npos) << checked.out;
+    EXPECT_TRUE(checked.out.ends_with(store + ": 1 fault\n")) << checked.out;
+
+    done({"set", "interface", "wlan0", "ssid", "Guests"});
+    EXPECT_EQ(done({"check"}), store + ": no faults\n");
+}
+
+TEST_F(Commands, ADamagedFile) {
+    std::filesystem::resize_file(store, std::filesystem::file_size(store) / 2);
+    std::filesystem::remove(store + "-wal");
+    std::filesystem::remove(store + "-shm");
+    for (const Words& words : {Words{"list"}, Words{"check"}, Words{"export"}}) {
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 3) << words.front();
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_TRUE(outcome.err.starts_with("cfql: " + store + ": ")) << outcome.err;
+    }
+}
+
+// ---- init
+
+mode_t mode_of(const std::string& path) {
+    struct stat entry = {};
+    EXPECT_EQ(stat(path.c_str(), &entry), 0) << path;
+    return entry.st_mode & 07777U;
+}
+
+TEST_F(Tool, InitMakesDirectoryAndFile) {
+    const std::string path = directory + "/deep/store.db";
+    const std::string said = done({"init", "--store", path});
+    EXPECT_TRUE(said.starts_with("made the directory " + directory + "/deep, mode 2750")) << said;
+    EXPECT_NE(said.find("made the store " + path + ", mode 0640"), std::string::npos) << said;
+    EXPECT_EQ(mode_of(directory + "/deep"), 02750U);
+    EXPECT_EQ(mode_of(path), 0640U);
+}
+
+TEST_F(Tool, InitSaysWhoseTheFilesAreWhenNotRoot) {
+    if (getuid() != 0) GTEST_SKIP() << "only root can become another user";
+    ASSERT_EQ(chmod(directory.c_str(), 0777), 0);
+    const std::string said = done({"init"}, {.user = 65534});
+    EXPECT_EQ(said, "made the store " + store +
+                        ", mode 0640\n"
+                        "not run as root: the files belong to you, and the group stays as it is\n");
+}
+
+TEST_F(Tool, InitRefuses) {
+    const Outcome no_parent = run({"init", "--store", directory + "/a/b/store.db"});
+    EXPECT_EQ(no_parent.status, 3);
+    EXPECT_EQ(no_parent.err,
+              "cfql: " + directory + "/a/b: No such file or directory; make the directory above it, or become root\n");
+}
+
+// ---- import and export
+
+TEST_F(Commands, ImportUpdatesByNameAndPosition) {
+    done({"import", "-"}, {.input = "[[supported-rate]]\nname = \"wlan0\"\nrate = \"1\"\n"
+                                    "[[interface]]\nname = \"wlan0\"\nmac = \"m\"\n"
+                                    "[[supported-rate]]\nname = \"wlan0\"\n"
+                                    "[[supported-rate]]\nname = \"wlan0\"\nrate = \"3\"\n"
+                                    "[[system]]\ncountry = \"US\"\n"});
+    EXPECT_EQ(done({"list"}),
+              "system\t\tcountry\tUS\n"
+              "interface\twlan0\tmac\tm\n"
+              "interface\twlan0\tssid\tGuests\n"
+              "interface\twlan0\twep-key-1\tFAKE1\n"
+              "interface\twlan0\twep-key-mapping-length\t10\n"
+              "interface\twlan1\tssid\t\n"
+              "supported-rate\twlan0\trate\t1\n"
+              "supported-rate\twlan0\trate\t240\t2\n"
+              "bss\tbare\n"
+              "supported-rate\twlan0\trate\t3\t3\n");
+}
+
+TEST_F(Commands, ImportReplaces) {
+    EXPECT_EQ(done({"import", "--replace", "-"}, {.input = "[[radio]]\nname = \"r\"\nchannel = \"1\"\n"}),
+              "imported 1 object with 1 value\n");
+    EXPECT_EQ(done({"list"}), "radio\tr\tchannel\t1\n");
+}
+
+TEST_F(Commands, AFailedImportChangesNothing) {
+    const std::string before = done({"export"});
+    std::string text = "[[interface]]\nname = \"wlan0\"\nssid = \"changed\"\n";
+    for (int i = 0; i < 500; ++i)
+        text += "[[bss]]\nname = \"b" + std::to_string(i) + "\"\nradio = \"r\"\n";
+    text += "[[bss]]\nname = \"last\"\nradio = 1\n";
+    const std::string file = write("text.toml", text);
+    for (const Words& words : {Words{"import", file}, Words{"import", "--replace", file}}) {
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 4);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "cfql: " + file +
+                                   ":1506:9: the value of \"radio\" is no text: put it in quotes, or write { hex = "
+                                   "\"c328\" }; nothing has been imported\n");
+        EXPECT_EQ(done({"export"}), before);
+    }
+}
+
+TEST_F(Commands, ExportIsReadBackAndStable) {
+    const std::string exported = done({"export"});
+    EXPECT_EQ(exported,
+              "# Contents of a configuration store. To read them back: cfql import --replace FILE\n"
+              "\n[[system]]\ncountry = \"DE\"\n"
+              "\n[[interface]]\nname = \"wlan0\"\nssid = \"Guests\"\nwep-key-1 = \"FAKE1\"\nwep-key-mapping-length = "
+              "\"10\"\n"
+              "\n[[interface]]\nname = \"wlan1\"\nssid = \"\"\n"
+              "\n[[supported-rate]]\nname = \"wlan0\"\nrate = \"540\"\n"
+              "\n[[supported-rate]]\nname = \"wlan0\"\nrate = \"240\"\n"
+              "\n[[bss]]\nname = \"bare\"\n");
+    const std::string other = directory + "/other.db";
+    done({"init", "--store", other});
+    done({"import", "--store", other, "-"}, {.input = exported});
+    EXPECT_EQ(done({"export", "--store", other}), exported);
+    done({"import", "--replace", "-"}, {.input = exported});
+    EXPECT_EQ(done({"export"}), exported);
+    done({"import", "-"}, {.input = exported});
+    EXPECT_EQ(done({"export"}), exported);
+}
+
+// ---- watch
+
+TEST_F(Commands, WatchPrintsChangesAsTheyCome) {
+    Background watch(store, {"watch"});
+    EXPECT_EQ(watch.wait_for("\n"), "cfql: watching " + store + "; end with Ctrl-C\n");
+    struct {
+        Words words;
+        std::string line;
+    } const steps[] = {
+        {{"set", "interface", "wlan0", "ssid", "new"}, "set\tinterface\twlan0\tssid\tnew\n"},
+        {{"set", "radio", "r", "channel", "6"}, "set\tradio\tr\tchannel\t6\n"},
+        {{"unset", "interface", "wlan0", "ssid"}, "unset\tinterface\twlan0\tssid\t\n"},
+        {{"set", "supported-rate", "wlan0", "rate", "1", "--nth", "2"}, "set\tsupported-rate\twlan0\trate\t1\t2\n"},
+        {{"unset", "radio", "r"}, "unset\tradio\tr\n"},
+        {{"set", "system", "country", "FR"}, "set\tsystem\t\tcountry\tFR\n"},
+    };
+    for (const auto& step : steps) {
+        done(step.words);
+        EXPECT_EQ(watch.wait_for("\n"), step.line);
+    }
+    done({"import", "--replace", "-"}, {.input = "[[bss]]\nname = \"x\"\n[[bss]]\nname = \"y\"\n"});
+    watch.wait_for("set\tbss\tx\nset\tbss\ty\n");
+    done({"import", "--replace", "-"}, {.input = "[[bss]]\nname = \"y\"\n[[bss]]\nname = \"x\"\n"});
+    EXPECT_EQ(watch.wait_for("\n"), "order\n");
+}
+
+TEST_F(Commands, WatchFollowsAStoreThatIsReplaced) {
+    Background watch(store, {"watch"});
+    watch.wait_for("Ctrl-C\n");
+    const std::string other = directory + "/other.db";
+    done({"init", "--store", other});
+    std::string exported = done({"export"});
+    exported.replace(exported.find("Guests"), 6, "Others");
+    done({"import", "--store", other, "-"}, {.input = exported});
+    std::filesystem::remove(store + "-wal");
+    std::filesystem::remove(store + "-shm");
+    ASSERT_EQ(rename(other.c_str(), store.c_str()), 0);
+    EXPECT_EQ(watch.wait_for("\n"), "set\tinterface\twlan0\tssid\tOthers\n");
+}
+
+}  // namespace
