@@ -114,7 +114,7 @@ TEST_F(Lint, Values) {
         {"supported-rate", "rate", "fast", "\"fast\" is no decimal number: served as -1"},
         {"supported-rate", "rate", "000540", "6 octets are clipped to 5"},
         {"interface", "sssid", "x", "is not read by the agent"},
-        {"bss", "channel", "1", "is not read by the agent"},
+        {"bss", "ssid-of-bss", "x", "is not read by the agent"},
     };
     for (const Fact& fact : facts) {
         SCOPED_TRACE(std::string(fact.key) + " = " + fact.value);
