@@ -468,13 +468,7 @@ bool Database::moved() {
 }
 
 Status Database::change_counter(std::int64_t& counter) {
-    sqlite3_stmt* statement = nullptr;
-    const Status status = query(version_, statement);
-    if (status != Status::ok) return status;
-    const int code = sqlite3_step(statement);
-    counter = sqlite3_column_int64(statement, 0);
-    sqlite3_reset(statement);
-    return code == SQLITE_ROW ? Status::ok : failure(code);
+    return fetch(version_, counter);
 }
 
 Status Database::begin_read() {
@@ -509,7 +503,7 @@ Status Database::insert_object(Text table, Text object, std::int64_t& id) {
     if (refusal_of_table(table) != nullptr || refusal_of_object(table, object) != nullptr) return Status::refused;
     // The id goes into the checksum, so it is chosen here. No other writer can come between: a write transaction is
     // open.
-    Status status = number("SELECT coalesce(max(id), 0) + 1 FROM object", id);
+    Status status = fetch(next_id_, id);
     sqlite3_stmt* statement = nullptr;
     if (status == Status::ok) status = query(insert_, statement);
     if (status != Status::ok) return status;
@@ -682,6 +676,7 @@ Status Database::prepare(const char* sql, sqlite3_stmt*& statement, unsigned fla
 Status Database::query(Query which, sqlite3_stmt*& statement) {
     static constexpr const char* sql[query_count_] = {
         "SELECT id FROM object WHERE tab = ?1 AND name = ?2 ORDER BY id LIMIT 1",
+        "SELECT coalesce(max(id), 0) + 1 FROM object",
         "INSERT INTO object(id, tab, name, crc) VALUES(?1, ?2, ?3, ?4)",
         "DELETE FROM object WHERE id = ?1",
         "DELETE FROM attribute WHERE object = ?1",
@@ -694,6 +689,17 @@ Status Database::query(Query which, sqlite3_stmt*& statement) {
     if (queries_[which] == nullptr) status = prepare(sql[which], queries_[which], SQLITE_PREPARE_PERSISTENT);
     statement = queries_[which];
     return status;
+}
+
+// The one number that a query without parameters answers.
+Status Database::fetch(Query which, std::int64_t& result) {
+    sqlite3_stmt* statement = nullptr;
+    const Status status = query(which, statement);
+    if (status != Status::ok) return status;
+    const int code = sqlite3_step(statement);
+    result = sqlite3_column_int64(statement, 0);
+    sqlite3_reset(statement);
+    return code == SQLITE_ROW ? Status::ok : failure(code);
 }
 
 Status Database::perform(sqlite3_stmt* statement) {

@@ -195,7 +195,18 @@ class Database {
 
   private:
     friend class Cursor;
-    enum Query : std::uint8_t { find_, insert_, erase_, erase_attributes_, put_, get_, drop_, version_, query_count_ };
+    enum Query : std::uint8_t {
+        find_,
+        next_id_,
+        insert_,
+        erase_,
+        erase_attributes_,
+        put_,
+        get_,
+        drop_,
+        version_,
+        query_count_
+    };
 
     Status connect(const char* path, int flags, int wait_ms);
     Status configure(int wait_ms);
@@ -212,6 +223,7 @@ class Database {
     Status number(const char* sql, std::int64_t& result);
     Status prepare(const char* sql, sqlite3_stmt*& statement, unsigned flags = 0);
     Status query(Query which, sqlite3_stmt*& statement);
+    Status fetch(Query which, std::int64_t& result);
     Status perform(sqlite3_stmt* statement);
     Status failure(int code);
 
