@@ -4,15 +4,15 @@
 #include <stdio.h>
 #include <string.h>
 
-_Static_assert(sizeof(cfqlquery_node) == 4 * sizeof(void *), "four machine words");
+_Static_assert(sizeof(cfqlquery_node) == 4 * sizeof(void*), "four machine words");
 _Static_assert(offsetof(cfqlquery_node, name) == 0, "first word");
-_Static_assert(offsetof(cfqlquery_node, value) == sizeof(void *), "second word");
-_Static_assert(offsetof(cfqlquery_node, next) == 2 * sizeof(void *), "third word");
-_Static_assert(offsetof(cfqlquery_node, reserved) == 3 * sizeof(void *), "fourth word");
+_Static_assert(offsetof(cfqlquery_node, value) == sizeof(void*), "second word");
+_Static_assert(offsetof(cfqlquery_node, next) == 2 * sizeof(void*), "third word");
+_Static_assert(offsetof(cfqlquery_node, reserved) == 3 * sizeof(void*), "fourth word");
 
 static int failures;
 
-static void expect(int holds, const char *what) {
+static void expect(int holds, const char* what) {
     if (holds) return;
     fprintf(stderr, "not so: %s\n", what);
     ++failures;
@@ -21,7 +21,7 @@ static void expect(int holds, const char *what) {
 /* CFQL_STORE names an empty store. */
 int main(void) {
     cfqlquery_node pair = {"ssid", "office", NULL, 0};
-    cfqlquery_node *list = cfqlquery_get_pv("interface", "wlan0", "ssid");
+    cfqlquery_node* list = cfqlquery_get_pv("interface", "wlan0", "ssid");
     expect(list == NULL, "an empty store has no ssid");
     expect(cfqlquery_set_pv("interface", "wlan0", &pair, 0) == 1, "a value is stored");
 
@@ -32,7 +32,8 @@ int main(void) {
     cfqlquery_destroy_pv(list);
 
     list = cfqlquery_get_grid("interface", NULL, NULL, &pair, 1);
-    expect(list != NULL && strcmp(list->name, "name") == 0 && strcmp(list->value, "wlan0") == 0, "a row begins with name");
+    expect(list != NULL && strcmp(list->name, "name") == 0 && strcmp(list->value, "wlan0") == 0,
+           "a row begins with name");
     expect(list != NULL && list->next != NULL && strcmp(list->next->name, "ssid") == 0, "and goes on with the filter");
     cfqlquery_destroy_pv(list);
     cfqlquery_destroy_pv(NULL);
