@@ -333,7 +333,7 @@ TEST_F(StationConfig, TakesOneRateOfSeveral) {
 }
 
 TEST_F(StationConfig, ClipsTheSSID) {
-    for (const size_t size : {31, 32, 33, 4096}) {
+    for (const size_t size : {31U, 32U, 33U, 4096U}) {
         device.set("interface", "wlan0", "ssid", std::string(size, 's'));
         fill();
         EXPECT_EQ(row().dot11DesiredSSIDLen, size < 32 ? size : 32);
