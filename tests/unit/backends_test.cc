@@ -2,11 +2,21 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
+#include <set>
+#include <sstream>
 
+#include "backend/mac/counters.h"
+#include "backend/mac/operation.h"
+#include "backend/mac/resource_info.h"
 #include "backend/phy/dsss.h"
 #include "backend/phy/phy_operation.h"
 #include "backend/phy/reg_domains.h"
 #include "backend/phy/tx_power.h"
+#include "backend/smt/authentication_algorithms.h"
+#include "backend/smt/privacy.h"
+#include "backend/smt/station_config.h"
+#include "backend/smt/wep_default_keys.h"
 #include "scripted.h"
 
 namespace {
@@ -23,6 +33,20 @@ struct Backend {
 
 // clang-format off
 const Backend backends[] = {
+    {"station_config", GetStationConfigEntries, GetStationConfigTableIndexCount, GetStationConfigTableData,
+     GetStationConfigEntryByIndex, 1, 292},
+    {"authentication_algorithms", GetAuthAlgorithmEntries, GetAuthenticationAlgorithmTableIndexCount, GetAuthAlgorithmTableData,
+     GetAuthAlgorithmEntryByIndex, 2, 16},
+    {"privacy", GetPrivacyEntries, GetPrivacyTableIndexCount, GetPrivacyTableData,
+     GetPrivacyEntryByIndex, 1, 28},
+    {"wep_default_keys", GetDefaultWEPKeysEntries, GetWEPDefaultKeysTableIndexCount, GetDefaultWEPKeysTableData,
+     GetDefaultWEPKeysEntryByIndex, 4, 76},
+    {"operation", GetOperationsEntries, GetOperationTableIndexCount, GetOperationsTableData,
+     GetOperationsEntryByIndex, 1, 304},
+    {"counters", GetCountersEntries, GetCountersTableIndexCount, GetCountersTableData,
+     GetCountersEntryByIndex, 1, 60},
+    {"resource_info", GetResourceInfoEntries, GetResourceInfoTableIndexCount, GetResourceInfoTableData,
+     GetResourceInfoEntryByIndex, 1, 796},
     {"phy_operation", GetPhyOperationsEntries, GetPhyOperationTableIndexCount, GetPhyOperationsTableData,
      GetPhyOperationsEntryByIndex, 1, 16},
     {"tx_power", GetPhyTxPowerEntries, GetPhyTxPowerTableIndexCount, GetPhyTxPowerTableData,
@@ -54,6 +78,30 @@ class Backends : public testing::TestWithParam<Backend> {
         return index;
     }
 
+    static std::vector<uint8_t> row(uint32_t position) {
+        std::vector<uint8_t> copy(GetParam().row_size);
+        EXPECT_EQ(GetParam().entry_by_index(position, copy.data()), 1) << position;
+        return copy;
+    }
+
+    // Fills the rows until each key that they ask for has these nodes: names found on the way lead to further keys.
+    void answer_every_key(const std::function<std::vector<ScriptedDevice::Pair>(std::string)>& nodes) {
+        std::set<std::string> answered;
+        size_t known = 0;
+        do {
+            known = answered.size();
+            ASSERT_EQ(GetParam().entries(), 1);
+            ASSERT_EQ(GetParam().table_data(), 1);
+            for (const std::string& call : device.calls_of("get")) {
+                if (!answered.insert(call).second) continue;
+                std::istringstream words(call);
+                std::string table, object, key;
+                words >> table >> object >> key;
+                device.answer(table, object == "-" ? "" : object, key, nodes(key));
+            }
+        } while (answered.size() > known);
+    }
+
     ScriptedDevice device;
 };
 
@@ -65,7 +113,7 @@ TEST_P(Backends, HasNoRowsWithoutInterfaces) {
 }
 
 TEST_P(Backends, HasRowsForOneToAHundredAndTwentyEightInterfaces) {
-    for (const unsigned count : {1U, 2U, 128U}) {
+    for (const unsigned count : {1U, 2U, 32U, 33U, 64U, 65U, 127U, 128U}) {
         device.clear_store();
         add_interfaces(count);
         ASSERT_EQ(GetParam().entries(), 1) << count;
@@ -125,6 +173,47 @@ TEST_P(Backends, EnumeratesWithoutMemoryForTheFilterToo) {
         EXPECT_EQ(GetParam().entries(), 1) << failing;
         EXPECT_TRUE(device.allocation_failed());
         EXPECT_EQ(GetParam().index_count(), 2U);
+    }
+}
+
+const std::vector<std::optional<std::string>> garbage = {
+    std::nullopt,
+    "",
+    "x",
+    ":",
+    "-",
+    "\xff\x80\x01",
+    "18446744073709551616",
+    std::string(100, '9'),
+    std::string(4096, ':'),
+    std::string(4096, 'f'),
+    std::string(100000, '\xfe'),
+};
+
+TEST_P(Backends, ServeAnyStore) {
+    for (const std::optional<std::string>& value : garbage) {
+        device.clear_store();
+        add_interfaces(2);
+        answer_every_key([&](const std::string& key) { return std::vector{ScriptedDevice::Pair{key, value}}; });
+        EXPECT_EQ(index_of(GetParam().rows_per_interface), 1001U);
+        answer_every_key([&](const std::string&) { return std::vector{ScriptedDevice::Pair{std::nullopt, value}}; });
+        EXPECT_EQ(index_of(GetParam().rows_per_interface), 1001U);
+    }
+}
+
+TEST_P(Backends, FillTheirRowsOnceThereIsMemoryAgain) {
+    add_interfaces(1);
+    answer_every_key([](const std::string& key) { return std::vector{ScriptedDevice::Pair{key, "1"}}; });
+    const std::vector<uint8_t> whole = row(0);
+    for (int failing = 1;; ++failing) {
+        device.fail_allocation(failing);
+        EXPECT_EQ(GetParam().entries(), 1);
+        const int result = GetParam().table_data();
+        EXPECT_TRUE(result == 1 || result == -1) << failing;
+        if (!device.allocation_failed()) break;
+        device.fail_allocation(0);
+        EXPECT_EQ(GetParam().table_data(), 1);
+        EXPECT_EQ(row(0), whole) << failing;
     }
 }
 

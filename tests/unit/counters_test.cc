@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "row_facts.h"
 #include "rows.h"
 #include "scripted.h"
 
@@ -14,42 +15,36 @@ namespace {
 using std::to_string;
 using testing::ElementsAreArray;
 
-// Key and field, in the order of the columns.
-const std::pair<const char*, const char*> columns[] = {
-    {"transmitted-fragment-count", "dot11TransmittedFragmentCount"},
-    {"multicast-transmitted-frame-count", "dot11MulticastTransmittedFrameCount"},
-    {"failed-count", "dot11FailedCount"},
-    {"retry-count", "dot11RetryCount"},
-    {"multiple-retry-count", "dot11MultipleRetryCount"},
-    {"frame-duplicate-count", "dot11FrameDuplicateCount"},
-    {"rts-success-count", "dot11RTSSuccessCount"},
-    {"rts-failure-count", "dot11RTSFailureCount"},
-    {"ack-failure-count", "dot11ACKFailureCount"},
-    {"received-fragment-count", "dot11ReceivedFragmentCount"},
-    {"multicast-received-frame-count", "dot11MulticastReceivedFrameCount"},
-    {"fcs-error-count", "dot11FCSErrorCount"},
-    {"transmitted-frame-count", "dot11TransmittedFrameCount"},
-    {"wep-undecryptable-count", "dot11WEPUndecryptableCount"},
+struct Column {
+    const char* key;
+    int32_t CountersRow::*field;
+    const char* name;
 };
 
+// clang-format off
+const Column columns[] = {
+    {"transmitted-fragment-count", &CountersRow::dot11TransmittedFragmentCount, "dot11TransmittedFragmentCount"},
+    {"multicast-transmitted-frame-count", &CountersRow::dot11MulticastTransmittedFrameCount, "dot11MulticastTransmittedFrameCount"},
+    {"failed-count", &CountersRow::dot11FailedCount, "dot11FailedCount"},
+    {"retry-count", &CountersRow::dot11RetryCount, "dot11RetryCount"},
+    {"multiple-retry-count", &CountersRow::dot11MultipleRetryCount, "dot11MultipleRetryCount"},
+    {"frame-duplicate-count", &CountersRow::dot11FrameDuplicateCount, "dot11FrameDuplicateCount"},
+    {"rts-success-count", &CountersRow::dot11RTSSuccessCount, "dot11RTSSuccessCount"},
+    {"rts-failure-count", &CountersRow::dot11RTSFailureCount, "dot11RTSFailureCount"},
+    {"ack-failure-count", &CountersRow::dot11ACKFailureCount, "dot11ACKFailureCount"},
+    {"received-fragment-count", &CountersRow::dot11ReceivedFragmentCount, "dot11ReceivedFragmentCount"},
+    {"multicast-received-frame-count", &CountersRow::dot11MulticastReceivedFrameCount, "dot11MulticastReceivedFrameCount"},
+    {"fcs-error-count", &CountersRow::dot11FCSErrorCount, "dot11FCSErrorCount"},
+    {"transmitted-frame-count", &CountersRow::dot11TransmittedFrameCount, "dot11TransmittedFrameCount"},
+    {"wep-undecryptable-count", &CountersRow::dot11WEPUndecryptableCount, "dot11WEPUndecryptableCount"},
+};
+// clang-format on
+
 Fields shown(const CountersRow& row) {
-    return {
-        {"ifIndex", to_string(row.ifIndex)},
-        {"dot11TransmittedFragmentCount", to_string(row.dot11TransmittedFragmentCount)},
-        {"dot11MulticastTransmittedFrameCount", to_string(row.dot11MulticastTransmittedFrameCount)},
-        {"dot11FailedCount", to_string(row.dot11FailedCount)},
-        {"dot11RetryCount", to_string(row.dot11RetryCount)},
-        {"dot11MultipleRetryCount", to_string(row.dot11MultipleRetryCount)},
-        {"dot11FrameDuplicateCount", to_string(row.dot11FrameDuplicateCount)},
-        {"dot11RTSSuccessCount", to_string(row.dot11RTSSuccessCount)},
-        {"dot11RTSFailureCount", to_string(row.dot11RTSFailureCount)},
-        {"dot11ACKFailureCount", to_string(row.dot11ACKFailureCount)},
-        {"dot11ReceivedFragmentCount", to_string(row.dot11ReceivedFragmentCount)},
-        {"dot11MulticastReceivedFrameCount", to_string(row.dot11MulticastReceivedFrameCount)},
-        {"dot11FCSErrorCount", to_string(row.dot11FCSErrorCount)},
-        {"dot11TransmittedFrameCount", to_string(row.dot11TransmittedFrameCount)},
-        {"dot11WEPUndecryptableCount", to_string(row.dot11WEPUndecryptableCount)},
-    };
+    Fields fields = {{"ifIndex", to_string(row.ifIndex)}};
+    for (const Column& column : columns)
+        fields[column.name] = to_string(row.*column.field);
+    return fields;
 }
 
 const std::vector<std::string> reads = {
@@ -84,13 +79,13 @@ class Counters : public testing::Test {
     // The n-th column's key to n + 1.
     void set_all() {
         for (size_t i = 0; i < std::size(columns); ++i)
-            device.set("interface", "wlan0", columns[i].first, to_string(i + 1));
+            device.set("interface", "wlan0", columns[i].key, to_string(i + 1));
     }
 
     Fields zeroes() {
         Fields fields = {{"ifIndex", "3"}};
-        for (const auto& [key, field] : columns)
-            fields[field] = "0";
+        for (const Column& column : columns)
+            fields[column.name] = "0";
         return fields;
     }
 
@@ -113,7 +108,7 @@ TEST_F(Counters, LandInTheirOwnFieldsUntilTheyVanish) {
     set_all();
     Fields expected = {{"ifIndex", "3"}};
     for (size_t i = 0; i < std::size(columns); ++i)
-        expected[columns[i].second] = to_string(i + 1);
+        expected[columns[i].name] = to_string(i + 1);
     EXPECT_EQ(filled(), expected);
     device.clear_store();
     device.add_interface("wlan0", 3);
@@ -121,10 +116,13 @@ TEST_F(Counters, LandInTheirOwnFieldsUntilTheyVanish) {
 }
 
 TEST_F(Counters, AreNeverNegative) {
-    std::vector<NumberKey> keys;
-    for (const auto& [key, field] : columns)
-        keys.push_back({"interface", "wlan0", key, field, "0"});
-    expect_numbers(device, keys, false, [this] { return filled(); });
+    std::vector<NumberKey<CountersRow>> keys;
+    for (const Column& column : columns)
+        keys.push_back({"interface", column.key, column.field, 0, zero_when_negative});
+    expect_numbers<CountersRow>(device, keys, [this]() -> const CountersRow& {
+        filled();
+        return cinfo[0];
+    });
 }
 
 // The first two allocations are the enumeration's, the others the reads' in their order. Reading the first counter
@@ -135,8 +133,8 @@ TEST_F(Counters, LoseOneFieldWithoutMemoryForIt) {
     for (size_t n = 1; n <= 2 + reads.size(); ++n) {
         device.fail_allocation(static_cast<int>(n));
         Fields lost;
-        for (const auto& [key, field] : columns)
-            if (n > 3 && reads[n - 3] == std::string("get interface wlan0 ") + key) lost[field] = "0";
+        for (const Column& column : columns)
+            if (n > 3 && reads[n - 3] == std::string("get interface wlan0 ") + column.key) lost[column.name] = "0";
         EXPECT_EQ(differences(whole, filled()), lost) << "allocation " << n;
         EXPECT_EQ(lost.size(), n > 3 ? 1U : 0U);
         EXPECT_TRUE(device.allocation_failed());

@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "row_facts.h"
 #include "rows.h"
 #include "scripted.h"
 
@@ -153,22 +154,25 @@ TEST_F(Operation, ForgetsWhatHasVanished) {
 }
 
 TEST_F(Operation, HasNoNegativeNumbers) {
+    using Row = OperationRow;
     store_everything();
-    expect_numbers(
+    // clang-format off
+    expect_numbers<Row>(
         device,
         {
-            {"radio", "r0", "rts-threshold", "dot11RTSThreshold", "2347"},
-            {"interface", "wlan0", "dot11-short-retry-limit", "dot11ShortRetryLimit", "7"},
-            {"interface", "wlan0", "dot11-long-retry-limit", "dot11LongRetryLimit", "4"},
-            {"interface", "wlan0", "dot11-max-transmit-msdu-lifetime", "dot11MaxTransmitMSDULifetime", "512"},
-            {"interface", "wlan0", "dot11-max-receive-lifetime", "dot11MaxReceiveLifetime", "512"},
+            {"radio", "rts-threshold", &Row::dot11RTSThreshold, 2347, zero_when_negative, "r0"},
+            {"interface", "dot11-short-retry-limit", &Row::dot11ShortRetryLimit, 7, zero_when_negative},
+            {"interface", "dot11-long-retry-limit", &Row::dot11LongRetryLimit, 4, zero_when_negative},
+            {"radio", "fragmentation-threshold", &Row::dot11FragmentationThreshold, 77, zero_when_negative, "r0"},
+            {"interface", "dot11-max-transmit-msdu-lifetime", &Row::dot11MaxTransmitMSDULifetime, 512, zero_when_negative},
+            {"interface", "dot11-max-receive-lifetime", &Row::dot11MaxReceiveLifetime, 512, zero_when_negative},
         },
-        false, [this] { return filled(); });
-    expect_numbers(device, {{"radio", "r0", "fragmentation-threshold", "dot11FragmentationThreshold", "77"}}, false,
-                   [this] {
-                       row().dot11FragmentationThreshold = 77;  // keeps it when the key is absent
-                       return filled();
-                   });
+        [this]() -> const Row& {
+            row().dot11FragmentationThreshold = 77;  // kept when the key is absent
+            filled();
+            return row();
+        });
+    // clang-format on
 }
 
 // The thresholds that a row shows after it had 111 and 222. A missing fragmentation threshold puts its default into the

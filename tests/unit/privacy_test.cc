@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "row_facts.h"
 #include "rows.h"
 #include "scripted.h"
 
@@ -75,13 +76,17 @@ TEST_F(Privacy, ServesEveryKeyUntilItVanishes) {
 }
 
 TEST_F(Privacy, HasNoNegativeNumbers) {
-    expect_numbers(device,
-                   {
-                       {"interface", "wlan0", "dot11-privacy-invoked", "dot11PrivacyInvoked", "2"},
-                       {"interface", "wlan0", "wep-default-key", "dot11WEPDefaultKeyID", "0"},
-                       {"interface", "wlan0", "wep-key-mapping-length", "dot11WEPKeyMappingLength", "10"},
-                   },
-                   false, [this] { return filled(); });
+    using Row = PrivacyRow;
+    // clang-format off
+    expect_numbers<Row>(
+        device,
+        {
+            {"interface", "dot11-privacy-invoked", &Row::dot11PrivacyInvoked, 2, zero_when_negative},
+            {"interface", "wep-default-key", &Row::dot11WEPDefaultKeyID, 0, zero_when_negative},
+            {"interface", "wep-key-mapping-length", &Row::dot11WEPKeyMappingLength, 10, zero_when_negative},
+        },
+        [this]() -> const Row& { filled(); return pinfo[0]; });
+    // clang-format on
 }
 
 TEST_F(Privacy, LosesOneFieldWithoutMemoryForIt) {

@@ -52,7 +52,7 @@ inline const std::vector<NumberText>& number_texts() {
     return texts;
 }
 
-// A key of one object, the field that it fills, the value that stands for an absent one, and what becomes of a number.
+// A key of an object, the field that it fills, the value that stands for an absent one, and what becomes of a number.
 template <class Row>
 struct NumberKey {
     const char* table;
@@ -60,26 +60,32 @@ struct NumberKey {
     int32_t Row::*field;
     int32_t absent;
     int32_t (*bounded)(int32_t number);
+    const char* object = "wlan0";
 };
 
-// Fills the row of interface wlan0 with each answer that a key may have. `fill` returns the row.
-template <class Row>
-void expect_numbers(const std::vector<NumberKey<Row>>& keys, const Row& (*fill)()) {
+// Fills the row with each answer that a key may have; the last one is taken back. `fill` returns the row.
+template <class Row, class Fill>
+void expect_numbers(ScriptedDevice& device, const std::vector<NumberKey<Row>>& keys, Fill fill) {
     for (const NumberKey<Row>& key : keys) {
         SCOPED_TRACE(key.key);
         for (const Nodes& nodes : absent_answers(key.key)) {
-            ScriptedDevice device;
-            device.add_interface("wlan0", 3);
-            device.answer(key.table, "wlan0", key.key, nodes);
+            device.answer(key.table, key.object, key.key, nodes);
             EXPECT_EQ(fill().*key.field, key.absent) << testing::PrintToString(nodes);
         }
         for (const NumberText& value : number_texts()) {
-            ScriptedDevice device;
-            device.add_interface("wlan0", 3);
-            device.answer(key.table, "wlan0", key.key, {{key.key, value.text}, {key.key, "77"}});
+            device.answer(key.table, key.object, key.key, {{key.key, value.text}, {key.key, "77"}});
             EXPECT_EQ(fill().*key.field, key.bounded(value.number)) << value.text.substr(0, 20);
         }
+        device.unset(key.table, key.object, key.key);
     }
+}
+
+// As above, on a device with nothing but the interface wlan0.
+template <class Row>
+void expect_numbers(const std::vector<NumberKey<Row>>& keys, const Row& (*fill)()) {
+    ScriptedDevice device;
+    device.add_interface("wlan0", 3);
+    expect_numbers<Row>(device, keys, fill);
 }
 
 inline int32_t as_it_is(int32_t number) {

@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "row_facts.h"
 #include "rows.h"
 #include "scripted.h"
 
@@ -220,19 +221,22 @@ TEST_F(StationConfig, ForgetsWhatHasVanishedButForTheAddressesTails) {
 }
 
 TEST_F(StationConfig, ConvertsNumbersAsTheyAreStored) {
+    using Row = StationConfigRow;
     link_radio();
-    expect_numbers(
+    // clang-format off
+    expect_numbers<Row>(
         device,
         {
-            {"interface", "wlan0", "dot11-authentication-response-time-out", "dot11AuthenticationResponseTimeOut", "1"},
-            {"radio", "r0", "beacon-interval", "dot11BeaconPeriod", "1"},
-            {"bss", "b0", "dtim-period", "dot11DTIMPeriod", "1"},
-            {"interface", "wlan0", "dot11-association-response-time-out", "dot11AssociationResponseTimeOut", "1"},
-            {"interface", "wlan0", "dot11-disassociate-reason", "dot11DisassociateReason", "0"},
-            {"interface", "wlan0", "dot11-deauthenticate-reason", "dot11DeauthenticateReason", "0"},
-            {"interface", "wlan0", "dot11-authenticate-fail-status", "dot11AuthenticateFailStatus", "0"},
+            {"interface", "dot11-authentication-response-time-out", &Row::dot11AuthenticationResponseTimeOut, 1, as_it_is},
+            {"radio", "beacon-interval", &Row::dot11BeaconPeriod, 1, as_it_is, "r0"},
+            {"bss", "dtim-period", &Row::dot11DTIMPeriod, 1, as_it_is, "b0"},
+            {"interface", "dot11-association-response-time-out", &Row::dot11AssociationResponseTimeOut, 1, as_it_is},
+            {"interface", "dot11-disassociate-reason", &Row::dot11DisassociateReason, 0, as_it_is},
+            {"interface", "dot11-deauthenticate-reason", &Row::dot11DeauthenticateReason, 0, as_it_is},
+            {"interface", "dot11-authenticate-fail-status", &Row::dot11AuthenticateFailStatus, 0, as_it_is},
         },
-        true, [this] { return filled(); });
+        [this]() -> const Row& { fill(); return row(); });
+    // clang-format on
 }
 
 struct Fact {
