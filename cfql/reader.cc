@@ -5,10 +5,13 @@
 #include <syslog.h>
 #include <time.h>
 
+#include <algorithm>
+
 namespace cfql {
 namespace {
 
 constexpr std::int64_t look_interval_ms = 50;
+constexpr std::int64_t look_cost_factor = 4;
 constexpr std::int64_t retry_interval_ms = 1000;
 constexpr std::int64_t log_interval_ms = 60000;
 
@@ -21,12 +24,16 @@ std::int64_t milliseconds() {
 
 }  // namespace
 
+// A large store takes a while to load. Counting the interval from the end, and in proportion, leaves most of the time
+// for answers even while somebody writes without pause.
 void Reader::refresh(bool at_once) {
     now_ = milliseconds();
     if ((now_ < next_look_ && !at_once) || now_ < next_try_) return;
-    next_look_ = now_ + look_interval_ms;
     Status status = look();
     if (status != Status::ok && store_.worth_another_try()) status = look();
+    const std::int64_t begin = now_;
+    now_ = milliseconds();
+    next_look_ = now_ + std::max(look_interval_ms, look_cost_factor * (now_ - begin));
     if (status != Status::ok && status != Status::absent) fail(status);
 }
 

@@ -16,7 +16,8 @@ class Reader {
     // Not copied, not for several threads at once. Nothing is opened before the first refresh().
     constexpr Reader() = default;
 
-    // Brings the contents up to date: always when AT_ONCE, otherwise when the last look is 50 ms old.
+    // Brings the contents up to date: always when AT_ONCE, otherwise when the last look is 50 ms old, or
+    // four times as long as it took.
     void refresh(bool at_once);
 
     // As cfqlquery_get_pv and cfqlquery_get_grid describe. VALUE is valid until the next call.

@@ -1,5 +1,6 @@
 // Many objects, many writes, one state.
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <string.h>
 
 #include "fixture.h"
@@ -76,8 +77,8 @@ TEST_P(ManyObjects, AreAllThereInOrder) {
     EXPECT_EQ(get("interface", "o77", "mark"), "no");
 }
 
-// In a snapshot, and in a store beyond its bound.
-INSTANTIATE_TEST_SUITE_P(Sizes, ManyObjects, testing::Values(Size{0, true}, Size{200, false}));
+INSTANTIATE_TEST_SUITE_P(Sizes, ManyObjects, testing::Values(Size{0, true}, Size{200, false}),
+                         [](const auto& info) { return info.param.fits ? "InASnapshot" : "BeyondTheBound"; });
 
 TEST(Writer, AtFullSpeedDoesNotDisturbAReader) {
     const Place place;
@@ -129,6 +130,27 @@ TEST(Writer, ChangesStateBetweenTheReadsOfATableAtNoTime) {
         return a == "300" || testing::Test::HasFailure();
     }));
     EXPECT_EQ(finish(child), 0);
+}
+
+TEST(Writer, AtFullSpeedDoesNotMakeALargeStoreLoadAtEveryRead) {
+    const Place place;
+    fill(place.path(), 0);
+    put(place.path(), {{"interface", "o1", "k", "5ecre7-5ecre7"}});
+    EXPECT_EQ(get("interface", "o1", "k"), "5ecre7-5ecre7");
+    const pid_t child = start([] {
+        while (set("load", "o", "k", "v") == 1) {
+        }
+        return 1;
+    });
+    secret = "5ecre7-5ecre7";
+    wiped = 0;
+    constexpr int reads = 1000;
+    for (int i = 0; i < reads; ++i)
+        cfqlquery_destroy_pv(cfqlquery_get_pv("interface", "o2", "k"));
+    secret = nullptr;
+    kill(child, SIGKILL);
+    finish(child);
+    EXPECT_LE(wiped, reads / 10) << "replaced contents";
 }
 
 TEST(Wiping, OverwritesAnswersAndReplacedContents) {
