@@ -78,7 +78,7 @@ TEST_P(ManyObjects, AreAllThereInOrder) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, ManyObjects, testing::Values(Size{0, true}, Size{200, false}),
-                         [](const auto& info) { return info.param.fits ? "InASnapshot" : "BeyondTheBound"; });
+                         [](const auto& test) { return test.param.fits ? "InASnapshot" : "BeyondTheBound"; });
 
 TEST(Writer, AtFullSpeedDoesNotDisturbAReader) {
     const Place place;
