@@ -28,14 +28,14 @@ int32_t leading_number(const char* text) {
 }
 
 // The driver numbers its files by the position of the row, whatever the interface's name and index: meant, and kept.
-int32_t read_ed_threshold(int32_t position) {
+int32_t read_ed_threshold(uint32_t position) {
     constexpr size_t value_size = 16;
     ScratchText& value = phy_dsss_info.ca_threshold;
     release(value);
     value.text = static_cast<char*>(calloc(value_size + 1, 1));
     if (!value.text) return 0;
     char path[128];
-    snprintf(path, sizeof path, "/proc/net/mura/wlan%d.11/info", position);
+    snprintf(path, sizeof path, "/proc/net/mura/wlan%d.11/info", static_cast<int>(position));
     int32_t threshold = 0;
     if (read_driver_value(path, "caThreshold", value_size, value.text) == 0) {
         value.length = sizeof threshold;
@@ -56,7 +56,7 @@ uint32_t GetPhyDsssTableIndexCount(void) {
 }
 
 int GetPhyDsssTableData(void) {
-    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i) {
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i) {
         pdsssinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
         pdsssinfo[i].dot11CurrentChannel = read_channel(iface_tags[i]);
         pdsssinfo[i].dot11EDThreshold = read_ed_threshold(i);

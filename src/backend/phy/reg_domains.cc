@@ -33,7 +33,7 @@ uint32_t GetRegDomainsSupportedTableIndexCount(void) {
 }
 
 int GetRegDomainSupportedTableData(void) {
-    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i)
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
         fill_row(rdinfo[i], iface_tags[i]);
     return 1;
 }

@@ -48,7 +48,7 @@ uint32_t GetPhyTxPowerTableIndexCount(void) {
 }
 
 int GetPhyTxPowerTableData(void) {
-    for (int32_t i = 0; i < counter && i < static_cast<int32_t>(max_interfaces); ++i) {
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i) {
         ptinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
         read_interface_keys(ptinfo[i], iface_tags[i], keys);
     }
