@@ -426,6 +426,7 @@ TEST_P(Rates, WhenTheObjectsVanishTheNextCallTriesAgain) {
     device.answer_grid("supported-rate", {{"other", "a"}});
     walker.next();
     EXPECT_EQ(walker.result, -1);
+    EXPECT_EQ(*side.last_load, 0U);
     device.objects("a");
     EXPECT_EQ(walker.scan(), (Rows{{97, 1, 2}}));
     EXPECT_EQ(device.loads(), 3U);
@@ -524,6 +525,7 @@ TEST_P(Rates, WithoutMemoryForTheNamesThereIsNoRow) {
     EXPECT_EQ(*side.names, nullptr);
     EXPECT_EQ(*side.texts, nullptr);
     device.now -= 51;
+    walker.restart();
     EXPECT_FALSE(walker.next()) << "no reload is due, and there is no group";
     EXPECT_EQ(walker.result, 0);
 }
