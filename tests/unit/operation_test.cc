@@ -250,7 +250,7 @@ TEST_F(Operation, LooksAtTheFirstNodeOnly) {
 
 TEST_F(Operation, ClipsTheIdentifiers) {
     link_radio();
-    for (const size_t length : {1, 126, 127, 128, 129, 4096}) {
+    for (const size_t length : {1U, 126U, 127U, 128U, 129U, 4096U}) {
         device.set("radio", "r0", "manufacturer-id", std::string(length, '\xfe'));
         device.set("radio", "r0", "manufacturer-product-name", std::string(length, 'p'));
         const size_t kept = length < 127 ? length : 127;

@@ -116,7 +116,7 @@ const TextFact texts[] = {
 TEST_F(ResourceInfo, ClipsTexts) {
     link_radio();
     for (const TextFact& text : texts) {
-        for (const size_t length : {1, 2, 3, 4, 5, 7, 8, 9, 254, 255, 256, 257, 4096}) {
+        for (const size_t length : {1U, 2U, 3U, 4U, 5U, 7U, 8U, 9U, 254U, 255U, 256U, 257U, 4096U}) {
             device.set("radio", "r0", text.key, std::string(length, '\xfe'));
             const size_t kept = length < text.room ? length : text.room;
             const Fields fields = filled();

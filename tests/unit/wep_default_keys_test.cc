@@ -75,7 +75,7 @@ TEST_F(WEPDefaultKeys, HasFourRowsForEveryInterface) {
 }
 
 TEST_F(WEPDefaultKeys, ServesKeysAsTheyAreStored) {
-    for (const size_t length : {1, 5, 10, 13, 26, 58, 63, 64}) {
+    for (const size_t length : {1U, 5U, 10U, 13U, 26U, 58U, 63U, 64U}) {
         const std::string value = std::string(length - 1, 'k') + "\xff";
         set("wep-key-1", value);
         EXPECT_EQ(filled(), value);
@@ -83,7 +83,7 @@ TEST_F(WEPDefaultKeys, ServesKeysAsTheyAreStored) {
 }
 
 TEST_F(WEPDefaultKeys, ClipsKeys) {
-    for (const size_t length : {65, 100, 4096}) {
+    for (const size_t length : {65U, 100U, 4096U}) {
         set("wep-key-1", std::string(length, 'k'));
         EXPECT_EQ(filled(), std::string(64, 'k')) << length;
         EXPECT_EQ(winfo[1].ifIndex, 3U);
