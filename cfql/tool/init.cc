@@ -50,9 +50,8 @@ bool make_directory(const std::string& directory, std::optional<gid_t> group) {
 }
 
 std::string octal(mode_t mode) {
-    const std::string digits = {static_cast<char>('0' + (mode >> 9 & 7)), static_cast<char>('0' + (mode >> 6 & 7)),
-                                static_cast<char>('0' + (mode >> 3 & 7)), static_cast<char>('0' + (mode & 7))};
-    return digits;
+    return {static_cast<char>('0' + (mode >> 9 & 7)), static_cast<char>('0' + (mode >> 6 & 7)),
+            static_cast<char>('0' + (mode >> 3 & 7)), static_cast<char>('0' + (mode & 7))};
 }
 
 void say_made(const std::string& what, const std::string& path, mode_t mode, std::optional<gid_t> group) {
