@@ -1,0 +1,393 @@
+#include "reference.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+namespace {
+
+enum Status {
+    no_error = 0,
+    gen_err = 5,
+    wrong_type = 7,
+    wrong_value = 10,
+    no_creation = 11,
+    inconsistent_value = 12,
+    undo_failed = 15,
+    not_writable = 17,
+};
+
+// -- The tables -------------------------------------------------------------------------------------------------------
+
+struct Rule {
+    enum Kind { range, enumeration, cca_mode, octets, row_status } kind;
+    int64_t low;
+    int64_t high;
+};
+
+constexpr Rule between(int64_t low, int64_t high) {
+    return {Rule::range, low, high};
+}
+constexpr Rule at_least(int64_t low) {
+    return between(low, INT32_MAX);
+}
+constexpr Rule any = between(INT32_MIN, INT32_MAX);
+constexpr Rule up_to(int64_t last) {
+    return {Rule::enumeration, 1, last};
+}
+constexpr Rule octets(int64_t shortest, int64_t longest) {
+    return {Rule::octets, shortest, longest};
+}
+constexpr Rule cca_mode = {Rule::cca_mode, 0, 0};
+constexpr Rule status_of_active_row = {Rule::row_status, 1, 0};  // the column reads 1, whatever the row holds
+constexpr Rule status_of_no_row = {Rule::row_status, 0, 0};
+
+struct Table {
+    Oid root;
+    uint32_t indexes, first_column, last_column;
+    bool creates;                    // a SET of a missing row is taken
+    bool stores;                     // a write succeeds, into a row that nobody sees
+    std::map<uint32_t, Rule> rules;  // of the columns that accept a SET
+    std::set<uint32_t> silent;       // columns at which a GET ends, also for the varbinds behind
+    bool ends_writes = false;        // ACTION and UNDO end at column 11
+};
+
+const std::vector<Table> tables = {
+    {{1, 2, 840, 10036, 1, 1},
+     1,
+     1,
+     23,
+     false,
+     false,
+     {{1, octets(6, 6)},
+      {2, between(0, 1000)},
+      {4, between(0, 255)},
+      {5, between(0, 65535)},
+      {6, at_least(1)},
+      {8, up_to(2)},
+      {9, octets(0, 32)},
+      {10, up_to(3)},
+      {11, octets(1, 126)},
+      {12, between(1, 65535)},
+      {13, between(1, 255)},
+      {14, at_least(1)}},
+     {11},
+     true},
+    {{1, 2, 840, 10036, 1, 2}, 2, 2, 3, false, false, {{3, up_to(2)}}, {}},
+    {{1, 2, 840, 10036, 1, 3}, 2, 2, 2, false, false, {{2, octets(5, 5)}}, {}},
+    {{1, 2, 840, 10036, 1, 4},
+     2,
+     2,
+     5,
+     true,
+     true,
+     {{2, octets(6, 6)}, {3, up_to(2)}, {4, octets(5, 5)}, {5, status_of_active_row}},
+     {}},
+    {{1, 2, 840, 10036, 1, 5},
+     1,
+     1,
+     6,
+     false,
+     false,
+     {{1, up_to(2)}, {2, between(0, 3)}, {3, at_least(10)}, {4, up_to(2)}},
+     {}},
+    {{1, 2, 840, 10036, 2, 1},
+     1,
+     1,
+     9,
+     false,
+     false,
+     {{2, between(0, 2347)},
+      {3, between(1, 255)},
+      {4, between(1, 255)},
+      {5, between(256, 2346)},
+      {6, at_least(1)},
+      {7, at_least(1)}},
+     {}},
+    {{1, 2, 840, 10036, 2, 2}, 1, 1, 14, true, false, {}, {}},
+    {{1, 2, 840, 10036, 2, 3}, 2, 2, 3, true, true, {{2, octets(6, 6)}, {3, status_of_no_row}}, {}},
+    {{1, 2, 840, 10036, 3, 1, 2}, 1, 1, 4, true, false, {}, {1, 2, 3, 4}},
+    {{1, 2, 840, 10036, 4, 1}, 1, 1, 3, false, false, {{2, any}}, {1}},
+    {{1, 2, 840, 10036, 4, 3}, 1, 1, 10, false, false, {{10, between(1, 8)}}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+    {{1, 2, 840, 10036, 4, 5}, 1, 1, 4, false, false, {{1, between(1, 14)}, {3, cca_mode}, {4, any}}, {2, 3, 4}},
+    {{1, 2, 840, 10036, 4, 7}, 2, 2, 2, true, false, {}, {}},
+    {{1, 2, 840, 10036, 4, 9}, 2, 2, 2, true, false, {}, {2}},
+    {{1, 2, 840, 10036, 4, 10}, 2, 2, 2, true, false, {}, {2}},
+    {{1, 2, 840, 10036, 4, 12}, 1, 1, 5, true, false, {}, {1, 2, 3, 4, 5}},
+    {{1, 2, 840, 10036, 4, 14}, 1, 1, 6, true, true, {{2, up_to(2)}, {4, up_to(2)}, {5, up_to(2)}, {6, up_to(2)}}, {}},
+};
+
+const Oid key_mappings = {1, 2, 840, 10036, 1, 4};
+
+const Table* table_of(const Oid& name) {
+    const auto begins_name = [&](const Table& table) {
+        return name.size() >= table.root.size() && std::equal(table.root.begin(), table.root.end(), name.begin());
+    };
+    const auto found = std::find_if(tables.begin(), tables.end(), begins_name);
+    return found == tables.end() ? nullptr : &*found;
+}
+
+// -- Checks of a new value --------------------------------------------------------------------------------------------
+
+// RowStatus (RFC 2579) as Net-SNMP takes it.
+int row_status_change(int64_t from, int64_t to) {
+    const bool exists = from == 1 || from == 2;
+    if (to == 1 || to == 2) return exists ? no_error : inconsistent_value;
+    if (to == 3) return wrong_value;
+    if (to == 4 || to == 5) return from == 0 ? no_error : inconsistent_value;
+    return no_error;
+}
+
+int check_number(const Rule& rule, int64_t number) {
+    switch (rule.kind) {
+        case Rule::enumeration:
+            return number >= 1 && number <= rule.high ? no_error : inconsistent_value;
+        case Rule::cca_mode:
+            return number == 1 || number == 2 || number == 4 ? no_error : inconsistent_value;
+        case Rule::row_status:
+            return number >= 1 && number <= 6 ? row_status_change(rule.low, number) : inconsistent_value;
+        default:
+            return number >= rule.low && number <= rule.high ? no_error : wrong_value;
+    }
+}
+
+int check(const Rule& rule, const Value& value) {
+    if (value.type == null_value || value.type >= no_such_object) return gen_err;
+    if (value.type != (rule.kind == Rule::octets ? octet_string : integer)) return wrong_type;
+    if (rule.kind != Rule::octets) return check_number(rule, static_cast<int32_t>(number_of(value.octets)));
+    const auto length = static_cast<int64_t>(value.octets.size());
+    return length >= rule.low && length <= rule.high ? no_error : wrong_value;
+}
+
+// -- A PDU ------------------------------------------------------------------------------------------------------------
+
+struct Request {
+    Varbind& varbind;
+    int index;
+    int status = 0;
+    bool processed = false;  // in this phase
+
+    const Oid& name() const { return varbind.name; }
+    void fail(int with) {
+        processed = true;
+        status = with;
+    }
+};
+
+// The varbinds of a PDU that belong to one table, which the agent hands to its handler together.
+struct List {
+    const Table* table;  // null for what no table holds
+    std::vector<Request*> requests;
+    bool reserved = false;  // a commit record is in the store
+    bool saved = false;     // an undo record is in the store
+
+    uint32_t column(const Request& request) const { return request.name()[table->root.size() + 1]; }
+};
+
+class Exchange {
+  public:
+    Exchange(const Device& device, const std::vector<Varbind>& varbinds) : device_(device) {
+        answer_.varbinds = varbinds;
+        for (Varbind& varbind : answer_.varbinds) {
+            requests_.push_back(std::make_unique<Request>(Request{varbind, static_cast<int>(requests_.size()) + 1}));
+            list_of(table_of(varbind.name)).requests.push_back(requests_.back().get());
+        }
+    }
+
+    Expected set();
+    Expected get(std::set<Oid>& unknown);
+
+  private:
+    // Tables come in the order of their first varbinds.
+    List& list_of(const Table* table) {
+        for (List& list : lists_)
+            if (list.table == table) return list;
+        return lists_.emplace_back(List{table, {}});
+    }
+
+    bool row_exists(const List& list, const Request& request) const {
+        const auto rows = device_.rows.find(list.table->root);
+        if (rows == device_.rows.end()) return false;
+        const std::vector<uint32_t> indexes(request.name().begin() + static_cast<long>(list.table->root.size()) + 2,
+                                            request.name().end());
+        return std::find(rows->second.begin(), rows->second.end(), indexes) != rows->second.end();
+    }
+
+    // What the table helper says of a name: a column of the table with index values for it, and nothing else.
+    enum class Name { good, no_column, no_index };
+    static Name judge(const Table& table, const Oid& name) {
+        const size_t depth = table.root.size();
+        if (name.size() < depth + 2 || name[depth] != 1) return Name::no_column;
+        if (name[depth + 1] < table.first_column || name[depth + 1] > table.last_column) return Name::no_column;
+        return name.size() == depth + 2 + table.indexes ? Name::good : Name::no_index;
+    }
+
+    template <class Phase>
+    void each_list(Phase phase, int only = 0) {
+        for (List& list : lists_) {
+            for (Request* request : list.requests)
+                request->processed = false;
+            phase(list);
+            note_errors(list, only);
+        }
+    }
+
+    // The lowest varbind's error is the answer's, except for those of COMMIT and UNDO: there it is the last one seen.
+    void note_errors(const List& list, int only) {
+        for (const Request* request : list.requests) {
+            if (!request->status || (only && request->status != only)) continue;
+            if (!only && answer_.index && request->index > answer_.index) continue;
+            answer_.index = request->index;
+            answer_.status = request->status;
+        }
+    }
+
+    // True when the list goes on to the handler.
+    static bool table_helper_reserves(List& list);
+    void reserve1(List& list);
+    void reserve2(List& list);
+    void action(List& list);
+    void undo(List& list);
+    void empty_stores() {
+        for (List& list : lists_)
+            list.reserved = list.saved = false;
+    }
+    static bool table_helper_finds(List& list);
+    void get(List& list, std::set<Oid>& unknown);
+
+    const Device& device_;
+    std::vector<std::unique_ptr<Request>> requests_;
+    std::vector<List> lists_;
+    Expected answer_;
+};
+
+// An index of the wrong length ends the helper's work on the list: what follows is not looked at, and the handler is
+// not called. (The later phases then leave out this list. None of them shows in the answer: after an error in RESERVE1
+// only FREE comes.)
+bool Exchange::table_helper_reserves(List& list) {
+    bool any_good = false;
+    for (Request* request : list.requests) {
+        switch (judge(*list.table, request->name())) {
+            case Name::no_column:
+                request->fail(not_writable);
+                break;
+            case Name::no_index:
+                request->fail(no_creation);
+                return false;
+            case Name::good:
+                any_good = true;
+        }
+    }
+    return any_good;
+}
+
+void Exchange::reserve1(List& list) {
+    if (!list.table) {
+        for (Request* request : list.requests)
+            request->fail(not_writable);
+        return;
+    }
+    if (!table_helper_reserves(list)) return;
+    for (Request* request : list.requests) {
+        if (request->processed) continue;
+        const bool exists = row_exists(list, *request);
+        if (!exists && !list.table->creates) request->fail(no_creation);
+        if (!list.reserved && !exists && list.table->root == key_mappings) ++answer_.key_mappings_made;
+        list.reserved = true;
+    }
+}
+
+void Exchange::reserve2(List& list) {
+    for (Request* request : list.requests) {
+        const auto rule = list.table->rules.find(list.column(*request));
+        const int status = rule == list.table->rules.end() ? not_writable : check(rule->second, request->varbind.value);
+        if (status)
+            request->fail(status);
+        else
+            list.saved = true;
+    }
+}
+
+void Exchange::action(List& list) {
+    for (Request* request : list.requests) {
+        if (list.table->ends_writes && list.column(*request) == 11) return;
+        if (!list.table->stores) request->fail(not_writable);
+    }
+}
+
+// The first list to end its work empties both stores for all that follow.
+void Exchange::undo(List& list) {
+    for (Request* request : list.requests) {
+        if (list.table->ends_writes && list.column(*request) == 11) return;
+        if (!list.reserved || !list.saved)
+            request->fail(undo_failed);
+        else if (!list.table->stores)
+            request->fail(not_writable);
+    }
+    empty_stores();
+}
+
+// Phase by phase, as the agent goes on after an error: FREE after the first two, UNDO after ACTION. An error's answer
+// shows the request's varbinds; so does success.
+Expected Exchange::set() {
+    each_list([this](List& list) { reserve1(list); });
+    if (answer_.status) return answer_;
+    each_list([this](List& list) { reserve2(list); });
+    if (answer_.status) return answer_;
+    each_list([this](List& list) { action(list); });
+    if (!answer_.status) return answer_;
+    each_list([this](List& list) { undo(list); }, undo_failed);
+    return answer_;
+}
+
+bool Exchange::table_helper_finds(List& list) {
+    bool any_good = false;
+    for (Request* request : list.requests) {
+        const Name name = judge(*list.table, request->name());
+        if (name == Name::good) {
+            any_good = true;
+            continue;
+        }
+        request->varbind.value.type = name == Name::no_column ? no_such_object : no_such_instance;
+        request->processed = true;
+    }
+    return any_good;
+}
+
+void Exchange::get(List& list, std::set<Oid>& unknown) {
+    if (!list.table) {
+        for (Request* request : list.requests)
+            request->varbind.value.type = no_such_object;
+        return;
+    }
+    if (!table_helper_finds(list)) return;
+    for (Request* request : list.requests) {
+        if (request->processed || !row_exists(list, *request)) continue;
+        if (list.table->silent.contains(list.column(*request))) return;
+        const auto value = device_.values.find(request->name());
+        if (value == device_.values.end())
+            unknown.insert(request->name());
+        else
+            request->varbind.value = value->second;
+    }
+}
+
+// What no handler has answered is noSuchInstance.
+Expected Exchange::get(std::set<Oid>& unknown) {
+    for (Varbind& varbind : answer_.varbinds)
+        varbind.value = {};
+    each_list([&](List& list) { get(list, unknown); });
+    for (Varbind& varbind : answer_.varbinds)
+        if (varbind.value.type == null_value) varbind.value.type = no_such_instance;
+    return answer_;
+}
+
+}  // namespace
+
+Expected expected_set(const Device& device, const std::vector<Varbind>& varbinds) {
+    return Exchange(device, varbinds).set();
+}
+
+Expected expected_get(const Device& device, const std::vector<Varbind>& varbinds, std::set<Oid>& unknown) {
+    return Exchange(device, varbinds).get(unknown);
+}
