@@ -1,19 +1,12 @@
 #include "toml_text.h"
 
-// Some of the parser's assertions are wrong: "[[" at the end of a line meets one and is then refused in good order.
-// Without assertions they must not become assumptions either, which is what NDEBUG makes of them.
-#undef NDEBUG
-#define TOML_ASSERT(expression) static_cast<void>(0)
-#define TOML_HEADER_ONLY 1
-#define TOML_ENABLE_FORMATTERS 0
-#include <toml++/toml.h>
-
 #include <algorithm>
 #include <optional>
 
 #include "database.h"
 #include "failure.h"
 #include "text.h"
+#include "toml_parser.h"
 
 namespace cfql::tool {
 

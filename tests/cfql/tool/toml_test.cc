@@ -103,6 +103,8 @@ TEST(FromToml, RefusesWhatIsNotToml) {
         {"[[a]]\nk=\"\xff\"", "t:2:"},
         {"\xff", "t:1:"},
         {"[[a]]\nk=\"\\q\"", "t:2:"},
+        {"[[a]]\nname\u00e9 = 'n'", "t:2:5: "},
+        {"[[a]]\nname\ufefb = 'n'", "t:2:5: "},
         {std::string(1000, '['), "t:1:"},
         {"a=" + std::string(100000, '['), "t:1:"},
     };
