@@ -419,6 +419,29 @@ TEST_F(Tool, InitSaysWhoseTheFilesAreWhenNotRoot) {
                         "not run as root: the files belong to you, and the group stays as it is\n");
 }
 
+// In a mount namespace of its own, which gives the system a group "cfql" for the time of the command.
+TEST_F(Tool, InitGivesTheStoreToTheGroup) {
+    if (getuid() != 0) GTEST_SKIP() << "only root can give files to a group";
+    const std::string groups = write("group", "root:x:0:\ncfql:x:4321:\n");
+    const std::string path = directory + "/deep/store.db";
+    const std::string said = write("said", "");
+    const std::string command = "unshare -m sh -c 'mount --bind " + groups +
+                                " /etc/group && exec " CFQL_TOOL " init --store " + path + "' > " + said;
+    ASSERT_EQ(system(command.c_str()), 0);
+    std::string text;
+    std::getline(std::ifstream(said), text, '\0');
+    EXPECT_EQ(text, "made the directory " + directory + "/deep, mode 2750, root:cfql\nmade the store " + path +
+                        ", mode 0640, root:cfql\n");
+    for (const std::string& made : {directory + "/deep", path}) {
+        struct stat entry = {};
+        ASSERT_EQ(stat(made.c_str(), &entry), 0);
+        EXPECT_EQ(entry.st_uid, 0U);
+        EXPECT_EQ(entry.st_gid, 4321U);
+    }
+    EXPECT_EQ(mode_of(directory + "/deep"), 02750U);
+    EXPECT_EQ(mode_of(path), 0640U);
+}
+
 TEST_F(Tool, InitRefuses) {
     const Outcome no_parent = run({"init", "--store", directory + "/a/b/store.db"});
     EXPECT_EQ(no_parent.status, 3);
