@@ -231,17 +231,17 @@ constexpr Table catalogue::dot11WEPDefaultKeysTable = {"dot11WEPDefaultKeysTable
 constexpr Table catalogue::dot11WEPKeyMappingsTable = {"dot11WEPKeyMappingsTable", wep_key_mappings_oid, wep_key_mappings_columns, 2, MissingRow::made, Undo::plain, sizeof(WEPKeyMappingsRow), ROUTINES_WITHOUT_ROWS(dot11WEPKeyMappingsTable)};
 constexpr Table catalogue::dot11PrivacyTable = {"dot11PrivacyTable", privacy_oid, privacy_columns, 1, MissingRow::refused, Undo::strict, sizeof(PrivacyRow), ROUTINES(dot11PrivacyTable)};
 constexpr Table catalogue::dot11OperationTable = {"dot11OperationTable", operation_oid, operation_columns, 1, MissingRow::refused, Undo::strict, sizeof(OperationRow), ROUTINES(dot11OperationTable)};
-constexpr Table catalogue::dot11CountersTable = {"dot11CountersTable", counters_oid, counters_columns, 1, MissingRow::made, Undo::none, sizeof(CountersRow), ROUTINES(dot11CountersTable)};
-constexpr Table catalogue::dot11GroupAddressesTable = {"dot11GroupAddressesTable", group_addresses_oid, group_addresses_columns, 2, MissingRow::made, Undo::plain, sizeof(GroupAddressesRow), ROUTINES_WITHOUT_ROWS(dot11GroupAddressesTable)};
-constexpr Table catalogue::dot11ResourceInfoTable = {"dot11ResourceInfoTable", resource_info_oid, resource_info_columns, 1, MissingRow::made, Undo::none, sizeof(ResourceInfoRow), ROUTINES(dot11ResourceInfoTable)};
+constexpr Table catalogue::dot11CountersTable = {"dot11CountersTable", counters_oid, counters_columns, 1, MissingRow::stood_in, Undo::none, sizeof(CountersRow), ROUTINES(dot11CountersTable)};
+constexpr Table catalogue::dot11GroupAddressesTable = {"dot11GroupAddressesTable", group_addresses_oid, group_addresses_columns, 2, MissingRow::stood_in, Undo::plain, sizeof(GroupAddressesRow), ROUTINES_WITHOUT_ROWS(dot11GroupAddressesTable)};
+constexpr Table catalogue::dot11ResourceInfoTable = {"dot11ResourceInfoTable", resource_info_oid, resource_info_columns, 1, MissingRow::stood_in, Undo::none, sizeof(ResourceInfoRow), ROUTINES(dot11ResourceInfoTable)};
 constexpr Table catalogue::dot11PhyOperationTable = {"dot11PhyOperationTable", phy_operation_oid, phy_operation_columns, 1, MissingRow::refused, Undo::strict, sizeof(PhyOperationRow), ROUTINES(dot11PhyOperationTable)};
 constexpr Table catalogue::dot11PhyTxPowerTable = {"dot11PhyTxPowerTable", tx_power_oid, tx_power_columns, 1, MissingRow::refused, Undo::strict, sizeof(TxPowerRow), ROUTINES(dot11PhyTxPowerTable)};
 constexpr Table catalogue::dot11PhyDSSSTable = {"dot11PhyDSSSTable", dsss_oid, dsss_columns, 1, MissingRow::refused, Undo::strict, sizeof(DsssRow), ROUTINES(dot11PhyDSSSTable)};
-constexpr Table catalogue::dot11RegDomainsSupportedTable = {"dot11RegDomainsSupportedTable", reg_domains_oid, reg_domains_columns, 2, MissingRow::made, Undo::none, sizeof(RegDomainsRow), ROUTINES(dot11RegDomainsSupportedTable)};
-constexpr Table catalogue::dot11SupportedDataRatesTxTable = {"dot11SupportedDataRatesTxTable", supported_data_rates_tx_oid, supported_data_rates_tx_columns, 2, MissingRow::made, Undo::none, sizeof(SupportedDataRatesTxRow), ROUTINES(dot11SupportedDataRatesTxTable)};
-constexpr Table catalogue::dot11SupportedDataRatesRxTable = {"dot11SupportedDataRatesRxTable", supported_data_rates_rx_oid, supported_data_rates_rx_columns, 2, MissingRow::made, Undo::none, sizeof(SupportedDataRatesRxRow), ROUTINES(dot11SupportedDataRatesRxTable)};
-constexpr Table catalogue::dot11PhyHRDSSSTable = {"dot11PhyHRDSSSTable", hr_dsss_oid, hr_dsss_columns, 1, MissingRow::made, Undo::none, sizeof(HrDsssRow), ROUTINES_WITHOUT_ROWS(dot11PhyHRDSSSTable)};
-constexpr Table catalogue::dot11PhyERPTable = {"dot11PhyERPTable", erp_oid, erp_columns, 1, MissingRow::made, Undo::plain, sizeof(ErpRow), ROUTINES_WITHOUT_ROWS(dot11PhyERPTable)};
+constexpr Table catalogue::dot11RegDomainsSupportedTable = {"dot11RegDomainsSupportedTable", reg_domains_oid, reg_domains_columns, 2, MissingRow::stood_in, Undo::none, sizeof(RegDomainsRow), ROUTINES(dot11RegDomainsSupportedTable)};
+constexpr Table catalogue::dot11SupportedDataRatesTxTable = {"dot11SupportedDataRatesTxTable", supported_data_rates_tx_oid, supported_data_rates_tx_columns, 2, MissingRow::stood_in, Undo::none, sizeof(SupportedDataRatesTxRow), ROUTINES(dot11SupportedDataRatesTxTable)};
+constexpr Table catalogue::dot11SupportedDataRatesRxTable = {"dot11SupportedDataRatesRxTable", supported_data_rates_rx_oid, supported_data_rates_rx_columns, 2, MissingRow::stood_in, Undo::none, sizeof(SupportedDataRatesRxRow), ROUTINES(dot11SupportedDataRatesRxTable)};
+constexpr Table catalogue::dot11PhyHRDSSSTable = {"dot11PhyHRDSSSTable", hr_dsss_oid, hr_dsss_columns, 1, MissingRow::stood_in, Undo::none, sizeof(HrDsssRow), ROUTINES_WITHOUT_ROWS(dot11PhyHRDSSSTable)};
+constexpr Table catalogue::dot11PhyERPTable = {"dot11PhyERPTable", erp_oid, erp_columns, 1, MissingRow::stood_in, Undo::plain, sizeof(ErpRow), ROUTINES_WITHOUT_ROWS(dot11PhyERPTable)};
 // clang-format on
 
 namespace {

@@ -59,15 +59,15 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     return Next::request;
 }
 
-// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A table that
-// makes none gets a private row of zeroes: what is written there goes nowhere.
+// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A refused row has a
+// record too, on a private row.
 void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
     if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     if (find_commit_record(phase.keys.row)) return;
     void* made = nullptr;
     if (!row) {
         made = phase.table.create_row(indexes);
-        if (!made) made = calloc(1, phase.table.row_size);
+        if (!made && phase.table.missing_row != MissingRow::made) made = calloc(1, phase.table.row_size);
         row = made;
     }
     if (!row || !add_commit_record(phase.keys.row, row, made, made != nullptr))

@@ -73,7 +73,12 @@ std::vector<std::string> ScriptedDevice::calls_of(const std::string& kind) const
 
 void ScriptedDevice::fail_allocation(int n) {
     allocations_left_ = n;
-    allocation_failed_ = false;
+    allocation_failed_ = later_ones_fail_ = false;
+}
+
+void ScriptedDevice::fail_allocations_from(int n) {
+    fail_allocation(n);
+    later_ones_fail_ = true;
 }
 
 cfqlquery_node* ScriptedDevice::make(const std::vector<Pair>& nodes) {
@@ -128,7 +133,8 @@ void ScriptedDevice::destroy(cfqlquery_node* list) {
 }
 
 bool ScriptedDevice::allocation_fails() {
-    if (allocations_left_ == 0 || --allocations_left_ > 0) return false;
+    if (allocations_left_ == 0) return allocation_failed_ && later_ones_fail_;
+    if (--allocations_left_ > 0) return false;
     allocation_failed_ = true;
     return true;
 }

@@ -59,6 +59,8 @@ class ScriptedDevice {
 
     // The n-th calloc from now fails (1 is the next one); 0: none does.
     void fail_allocation(int n);
+    // The same, and all that follow.
+    void fail_allocations_from(int n);
     // Whether the allocation told to fail has been asked for.
     bool allocation_failed() const { return allocation_failed_; }
 
@@ -85,4 +87,5 @@ class ScriptedDevice {
     std::set<cfqlquery_node*> live_;
     int allocations_left_ = 0;
     bool allocation_failed_ = false;
+    bool later_ones_fail_ = false;
 };
