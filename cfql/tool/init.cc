@@ -50,15 +50,8 @@ bool make_directory(const std::string& directory, std::optional<gid_t> group) {
 }
 
 std::string octal(mode_t mode) {
-<<<<<<< HEAD
     return {static_cast<char>('0' + (mode >> 9 & 7)), static_cast<char>('0' + (mode >> 6 & 7)),
             static_cast<char>('0' + (mode >> 3 & 7)), static_cast<char>('0' + (mode & 7))};
-=======
-    std::string digits;
-    for (const int shift : {9, 6, 3, 0})
-        digits += static_cast<char>('0' + (mode >> shift & 7));
-    return digits;
->>>>>>> 2a771a9 (cfql: a fuzzer for the importer; the parser's wrong assumptions about letters outside of quotes)
 }
 
 void say_made(const std::string& what, const std::string& path, mode_t mode, std::optional<gid_t> group) {
