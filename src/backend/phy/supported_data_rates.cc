@@ -117,7 +117,7 @@ int reload(RateCache& cache, int64_t now) {
     int32_t name_count = 0;
     lcl_get_tags_pv(list, rate_objects, &name_count);
     cfqlquery_destroy_pv(list);
-    if (name_count == 0) {
+    if (name_count <= 0) {
         cache.last_load = 0;
         return -1;
     }
