@@ -1,0 +1,209 @@
+// Routines that this program has too are the ones that the module calls.
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <deque>
+
+#include "backend/phy/supported_data_rates.h"
+#include "backend/smt/authentication_algorithms.h"
+#include "backend/smt/privacy.h"
+#include "backend/smt/wep_default_keys.h"
+#include "checks/checks.h"
+#include "module.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+uint32_t interfaces = 0;              // in every table
+std::vector<uint32_t> row_positions;  // that the iterator asked for
+int site_check = 0;
+
+// What the rates' routine answers, and what it was called with: position and new-row flag.
+std::deque<int> rate_results;
+std::vector<std::pair<uint32_t, int32_t>> rate_calls;
+
+int copy_indexes(uint32_t position, void* row) {
+    row_positions.push_back(position);
+    static_cast<uint32_t*>(row)[0] = 10 + position;
+    static_cast<uint32_t*>(row)[1] = 100 + position;
+    return 1;
+}
+
+int next_rate(uint32_t position, int32_t* flag, void* row) {
+    rate_calls.emplace_back(position, *flag);
+    *flag = 5;  // stays unless the iterator sets it
+    static_cast<uint32_t*>(row)[0] = 10 + position;
+    static_cast<uint32_t*>(row)[1] = static_cast<uint32_t>(rate_calls.size());
+    const int result = rate_results.empty() ? 0 : rate_results.front();
+    if (!rate_results.empty()) rate_results.pop_front();
+    return result;
+}
+
+}  // namespace
+
+int GetPrivacyEntries(void) {
+    return 1;
+}
+int GetPrivacyTableData(void) {
+    return 1;
+}
+uint32_t GetPrivacyTableIndexCount(void) {
+    return interfaces;
+}
+int GetPrivacyEntryByIndex(uint32_t position, void* row) {
+    return copy_indexes(position, row);
+}
+
+int GetAuthAlgorithmEntries(void) {
+    return 1;
+}
+int GetAuthAlgorithmTableData(void) {
+    return 1;
+}
+uint32_t GetAuthenticationAlgorithmTableIndexCount(void) {
+    return interfaces;
+}
+int GetAuthAlgorithmEntryByIndex(uint32_t position, void* row) {
+    return copy_indexes(position, row);
+}
+
+int GetDefaultWEPKeysEntries(void) {
+    return 1;
+}
+int GetDefaultWEPKeysTableData(void) {
+    return 1;
+}
+uint32_t GetWEPDefaultKeysTableIndexCount(void) {
+    return interfaces;
+}
+int GetDefaultWEPKeysEntryByIndex(uint32_t position, void* row) {
+    return copy_indexes(position, row);
+}
+
+int GetSuppDataRatesRxTableByIndex(uint32_t position, int32_t* flag, void* row) {
+    return next_rate(position, flag, row);
+}
+int GetSuppDataRatesTxTableByIndex(uint32_t position, int32_t* flag, void* row) {
+    return next_rate(position, flag, row);
+}
+
+int check_dot11BeaconPeriod_local(int, const void*, size_t, const void*, size_t) {
+    return site_check;
+}
+
+namespace {
+
+struct Walk {
+    explicit Walk(const std::string& table)
+        : first(symbol<Netsnmp_First_Data_Point>(table + "_get_first_data_point")),
+          next(symbol<Netsnmp_Next_Data_Point>(table + "_get_next_data_point")) {
+        row_positions.clear();
+        rate_calls.clear();
+    }
+
+    // First and second index of every row.
+    std::vector<std::pair<long, long>> rows() {
+        netsnmp_variable_list second = {};
+        netsnmp_variable_list index = {};
+        index.type = second.type = ASN_INTEGER;
+        index.next_variable = &second;
+        std::vector<std::pair<long, long>> found;
+        void* loop = nullptr;
+        void* data = nullptr;
+        for (auto* row = first(&loop, &data, &index, nullptr); row && found.size() < 1000;
+             row = next(&loop, &data, &index, nullptr))
+            found.emplace_back(*index.val.integer, second.val_len == 0 ? 0 : *second.val.integer);
+        return found;
+    }
+
+    Netsnmp_First_Data_Point* first;
+    Netsnmp_Next_Data_Point* next;
+};
+
+TEST(Replaced, AWalkHasRowsForTheCountOfInterfacesItIsGiven) {
+    const struct {
+        const char* table;
+        uint32_t interfaces;
+        size_t rows;
+    } tables[] = {
+        {"dot11PrivacyTable", 3, 3},
+        {"dot11PrivacyTable", 0, 0},
+        {"dot11AuthenticationAlgorithmsTable", 3, 6},
+        {"dot11AuthenticationAlgorithmsTable", 0, 0},
+        {"dot11WEPDefaultKeysTable", 3, 12},
+        {"dot11WEPDefaultKeysTable", 0, 0},
+    };
+    for (const auto& [table, count, rows] : tables) {
+        interfaces = count;
+        Walk walk(table);
+        EXPECT_EQ(walk.rows().size(), rows) << table;
+        EXPECT_EQ(row_positions.size(), rows) << table;
+    }
+}
+
+TEST(Replaced, IndexValuesAreTheFirstWordsOfTheRow) {
+    interfaces = 1;
+    EXPECT_THAT(Walk("dot11PrivacyTable").rows(), ElementsAre(std::pair(10, 0)));
+    EXPECT_THAT(Walk("dot11AuthenticationAlgorithmsTable").rows(), ElementsAre(std::pair(10, 100), std::pair(11, 101)));
+}
+
+class ReplacedRates : public testing::TestWithParam<std::string> {};
+
+INSTANTIATE_TEST_SUITE_P(Tables, ReplacedRates,
+                         testing::Values("dot11SupportedDataRatesRxTable", "dot11SupportedDataRatesTxTable"));
+
+TEST_P(ReplacedRates, TheNextGroupBeginsBehindALastRow) {
+    rate_results = {1, 1, 2, 1, 2, 0};
+    Walk walk(GetParam());
+    EXPECT_THAT(walk.rows(),
+                ElementsAre(std::pair(10, 1), std::pair(10, 2), std::pair(10, 3), std::pair(11, 4), std::pair(11, 5)));
+    EXPECT_THAT(rate_calls, ElementsAre(std::pair(0, 1), std::pair(0, 5), std::pair(0, 5), std::pair(1, 1),
+                                        std::pair(1, 5), std::pair(2, 1)));
+}
+
+TEST_P(ReplacedRates, AWalkBeginsAtTheFirstGroupAndLeavesTheFlag) {
+    rate_results = {1, 0, 1, 0};
+    Walk walk(GetParam());
+    walk.rows();
+    walk.rows();
+    EXPECT_EQ(rate_calls[2], std::pair(0U, 5));
+}
+
+TEST_P(ReplacedRates, OnlyPositiveResultsAreRows) {
+    for (const int result : {0, -1, -1000}) {
+        rate_results = {result, 1, 1};
+        EXPECT_THAT(Walk(GetParam()).rows(), IsEmpty());
+    }
+    rate_results = {3, 7, 0};
+    Walk walk(GetParam());
+    EXPECT_EQ(walk.rows().size(), 2U);
+    EXPECT_EQ(rate_calls[2].first, 0U) << "and only 2 goes on to the next group";
+}
+
+TEST(Replaced, ASiteCheckHasTheLastWord) {
+    Check* check = symbol<Check>("check_dot11BeaconPeriod");
+    const int32_t value = 100;
+    site_check = 0;
+    EXPECT_EQ(check(2, &value, 4, nullptr, 0), 0);
+    site_check = 12;
+    EXPECT_EQ(check(2, &value, 4, nullptr, 0), 12);
+    const int32_t too_small = 0;
+    EXPECT_EQ(check(2, &too_small, 4, nullptr, 0), 10);
+}
+
+// The agent unloads and loads modules again on SIGHUP; the tables that it holds on to must stay.
+TEST(Loaded, TheModuleIsNeverUnloaded) {
+    void* first = dlopen(MODULE, RTLD_NOW);
+    ASSERT_NE(first, nullptr) << dlerror();
+    void* entry = dlsym(first, "init_ieee802dot11");
+    dlclose(first);
+    dlclose(first);
+    void* still_there = dlopen(MODULE, RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(still_there, nullptr);
+    EXPECT_EQ(dlsym(still_there, "init_ieee802dot11"), entry);
+}
+
+}  // namespace
