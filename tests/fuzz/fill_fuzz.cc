@@ -2,16 +2,16 @@
 //
 // The input is lines, up to a line "---"; the driver's file is whatever follows it. A line
 //
-//     +NAME        adds an object to both grids, "interface" and "supported-rate"; NAME is an interface of the system
-//     unless
-//                  it begins with '!'
-//     *            doubles the objects
-//     KEY=VALUE    answers every request for KEY with a node of that tag and value
-//     KEY:TAG=VALUE                       with a node of another tag; a further line for the same KEY adds a node
-//     KEY:=VALUE   KEY=                   with a node without tag, without value
-//     ?N           has the N-th allocation after it fail, counted over the whole run
-//     @N           moves the clock by N seconds between the rounds
-//     #N           sets the rates' value index to N once
+//     +NAME            adds an object to both grids, "interface" and "supported-rate"; NAME is an interface of the
+//                      system unless it begins with '!'
+//     *                doubles the objects
+//     KEY=VALUE        answers every request for KEY with a node of that tag and value; without VALUE, a null value
+//     KEY:TAG=VALUE    with a node of another tag; without TAG, a null tag
+//     ?N               has the run's N-th allocation fail
+//     @N               moves the clock by N seconds in each round
+//     #N               begins every walk of the rates with the value index N
+//
+// A further line for the same KEY adds a node to its answer.
 //
 // Each of the two rounds fills every table and walks both rate tables as the agent's table iterator does; in the second
 // the store has lost every other key. What comes out of a table must fit its fields; every answer must be handed back
@@ -27,7 +27,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -275,11 +274,11 @@ struct RateWalk {
         return result;
     }
 
-    // One scan. With a value index of the caller's the group may be long: a scan has no more than 1032 rows otherwise.
+    // One scan. With a value index of the caller's a group may be long; otherwise there are as many rows as names at most.
     void scan() {
         position = 0;
         if (device->value_index) value_index = *device->value_index;
-        for (int rows = 0; rows < 1100 && step() > 0; ++rows) {
+        for (int rows = 0; rows < 200 && step() > 0; ++rows) {
         }
         value_index = 1;
     }

@@ -15,7 +15,7 @@ using Row = PhyOperationRow;
 
 int32_t counter;
 
-// The MIB's higher codes are served as 1 (dsss) too: meant, and kept.
+// Every other number, the higher codes of the MIB among them, is served as 1: meant, and kept.
 int32_t phy_type(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value >= 0 && value < 4 ? value : 1;
