@@ -274,7 +274,8 @@ struct RateWalk {
         return result;
     }
 
-    // One scan. With a value index of the caller's a group may be long; otherwise there are as many rows as names at most.
+    // One scan. With a value index of the caller's a group may be long; otherwise there are as many rows as names at
+    // most.
     void scan() {
         position = 0;
         if (device->value_index) value_index = *device->value_index;
