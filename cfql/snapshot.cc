@@ -5,7 +5,7 @@
 namespace cfql {
 namespace {
 
-// A store is usually well below; one whose names all fall on a few hash values would make the index slow to build.
+// Steps from the slot that the hash names. A store whose names were chosen to fall on few hash values is not indexed.
 constexpr std::size_t longest_probe = 1000;
 
 // FNV-1a over the three texts, a NUL between them. An object counts as a key without octets.
@@ -98,25 +98,15 @@ bool Snapshot::index(bool& fits) {
     if (!slots_.assign_zero(slots_for(items_.size()))) return false;
     const std::size_t mask = slots_.size() - 1;
     bool repeated = false;
-    for (std::uint32_t i = 0; i < items_.size(); ++i) {
+    for (std::uint32_t i = 0; i < items_.size() && fits; ++i) {
         const Item& item = items_[i];
         const bool is_object = item.owner == i;
         if (!is_object && repeated) continue;
         const Item& object = items_[item.owner];
-        std::size_t slot = item.hash & mask;
-        std::size_t probes = 0;
-        const auto taken = [&] { return slots_[slot] != 0; };
-        const auto equal = [&] {
-            const std::uint32_t other = slots_[slot] - 1;
-            return items_[other].hash == item.hash &&
-                   is(other, key(object), value(object), is_object ? Text() : key(item));
-        };
-        while (taken() && !equal() && ++probes <= longest_probe)
-            slot = (slot + 1) & mask;
-        if (probes > longest_probe) fits = false;
-        if (!fits) return true;
-        if (is_object) repeated = taken();
-        if (!taken()) slots_[slot] = i + 1;
+        const std::size_t slot = probe(item.hash, key(object), value(object), is_object ? Text() : key(item));
+        if (is_object) repeated = slots_[slot] != 0;
+        if (slots_[slot] == 0) slots_[slot] = i + 1;
+        fits = ((slot - item.hash) & mask) <= longest_probe;
     }
     return true;
 }
@@ -139,17 +129,23 @@ bool Snapshot::is(std::uint32_t item, Text table, Text object, Text wanted) cons
     return own == wanted && value(items_[owner]) == object && key(items_[owner]) == table;
 }
 
+// The slot of that object or attribute, or the free one where it would be. At least half of the slots are free.
+std::size_t Snapshot::probe(std::uint32_t hash, Text table, Text object, Text key) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    while (slots_[slot] != 0) {
+        const std::uint32_t item = slots_[slot] - 1;
+        if (items_[item].hash == hash && is(item, table, object, key)) break;
+        slot = (slot + 1) & mask;
+    }
+    return slot;
+}
+
 bool Snapshot::get(Text table, Text object, Text key, Text& found) const {
     if (slots_.size() == 0) return false;
-    const std::uint32_t hash = hash_of(table, object, key);
-    const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
-        const std::uint32_t item = slots_[slot] - 1;
-        if (items_[item].hash != hash || !is(item, table, object, key)) continue;
-        found = value(items_[item]);
-        return true;
-    }
-    return false;
+    const std::uint32_t item = slots_[probe(hash_of(table, object, key), table, object, key)];
+    if (item != 0) found = value(items_[item - 1]);
+    return item != 0;
 }
 
 bool Snapshot::carries(std::size_t object, const cfqlquery_node& pair) const {

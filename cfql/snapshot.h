@@ -55,6 +55,7 @@ class Snapshot {
     std::size_t bytes() const;
     Text key(const Item& item) const { return {texts_.data() + item.key, item.key_size}; }
     Text value(const Item& item) const { return {texts_.data() + item.value, item.value_size}; }
+    std::size_t probe(std::uint32_t hash, Text table, Text object, Text key) const;
     bool is(std::uint32_t item, Text table, Text object, Text key) const;
     bool carries(std::size_t object, const cfqlquery_node& pair) const;
 

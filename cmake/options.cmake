@@ -15,6 +15,11 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
+# Debian 12's valgrind does not understand the debug information that its clang writes by default.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  add_compile_options($<$<CONFIG:RelWithDebInfo>:-gdwarf-4>)
+endif()
+
 if(DOT11_SANITIZE)
   # The vptr check needs the C++ runtime, which the module and the library do without.
   add_compile_options(-fsanitize=${DOT11_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)

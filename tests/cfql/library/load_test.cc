@@ -55,6 +55,10 @@ struct Size {
     bool fits;            // a snapshot
 };
 
+void PrintTo(const Size& size, std::ostream* out) {
+    *out << size.padding;
+}
+
 class ManyObjects : public testing::TestWithParam<Size> {};
 
 TEST_P(ManyObjects, AreAllThereInOrder) {
@@ -79,6 +83,30 @@ TEST_P(ManyObjects, AreAllThereInOrder) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, ManyObjects, testing::Values(Size{0, true}, Size{200, false}),
                          [](const auto& test) { return test.param.fits ? "InASnapshot" : "BeyondTheBound"; });
+
+// Keys of system whose hashes (FNV-1a over "system", NUL, no name, NUL, key) fall on the first slot of 4096.
+std::vector<Value> colliding_keys(std::size_t count) {
+    std::vector<Value> values;
+    for (unsigned n = 0; values.size() < count; ++n) {
+        const std::string key = std::to_string(n);
+        std::uint32_t hash = 2166136261U;
+        for (const char c : std::string("system\0\0", 8) + key)
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+        if (hash % 4096 == 0) values.push_back({"system", "", key, "v" + key});
+    }
+    return values;
+}
+
+TEST(Index, IsNotDefeatedByKeysWithEqualHashes) {
+    const Place place;
+    const std::vector<Value> values = colliding_keys(1500);  // 1501 entries have 4096 slots
+    make(place.path(), {values.begin(), values.begin() + 1000});
+    EXPECT_TRUE(fits_a_snapshot(place.path()));
+    put(place.path(), values);
+    EXPECT_FALSE(fits_a_snapshot(place.path()));
+    for (const Value& v : values)
+        ASSERT_EQ(get("system", nullptr, v.key.c_str()), v.value);
+}
 
 TEST(Writer, AtFullSpeedDoesNotDisturbAReader) {
     const Place place;
