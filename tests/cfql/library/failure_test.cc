@@ -228,15 +228,20 @@ TEST_F(Failure, AForkClosesTheConnectionsAndBothSidesGoOn) {
 
 TEST_F(Failure, TheChildOfAForkFollowsTheStore) {
     EXPECT_EQ(ssid(), "office");
-    int pipe_ends[2];
-    ASSERT_EQ(pipe(pipe_ends), 0);
+    int to_child[2];
+    int to_parent[2];
+    ASSERT_EQ(pipe(to_child), 0);
+    ASSERT_EQ(pipe(to_parent), 0);
     const pid_t child = start([&] {
         char octet = 0;
-        if (ssid() != "office" || read(pipe_ends[0], &octet, 1) != 1) return 1;
+        if (ssid() != "office" || write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 1;
         return ssid() == "parent" ? 0 : 2;
     });
+    char octet = 0;
+    close(to_parent[1]);
+    EXPECT_EQ(read(to_parent[0], &octet, 1), 1);
     EXPECT_EQ(set("interface", "wlan0", "ssid", "parent"), 1);
-    EXPECT_EQ(write(pipe_ends[1], "x", 1), 1);
+    EXPECT_EQ(write(to_child[1], "x", 1), 1);
     EXPECT_EQ(finish(child), 0);
 }
 
