@@ -1,9 +1,13 @@
 // What holds for every table's description.
 #include "agent/catalogue.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
+
+#include "surface.h"
 
 namespace {
 
@@ -47,6 +51,62 @@ TEST(Catalogue, AnUndoGoesWithWritableColumnsAndIsStrictWhereThereAreRows) {
         EXPECT_EQ(table->undo == Undo::none, !writable) << table->name;
         EXPECT_EQ(table->undo == Undo::strict, writable && has_rows) << table->name;
     }
+}
+
+std::string dotted(std::span<const oid> subids, uint32_t column) {
+    std::string text;
+    for (const oid subid : subids)
+        text += std::to_string(subid) + ".";
+    return text + "1." + std::to_string(column);
+}
+
+std::string type_name(u_char type) {
+    switch (type) {
+        case ASN_INTEGER:
+            return "INTEGER";
+        case ASN_OCTET_STR:
+            return "OCTET STRING";
+        case ASN_COUNTER:
+            return "Counter32";
+        case ASN_GAUGE:
+            return "Gauge32";
+        default:
+            return "type " + std::to_string(type);
+    }
+}
+
+std::string marks(const Column& column) {
+    if (column.answered == Answered::always) return "always-set";
+    if (column.answered == Answered::when_present) return "-";
+    return column.write_ends_handler ? "not-answered,never-written" : "not-answered";
+}
+
+// The exported routine of that name, for comparison.
+template <class Routine>
+Routine* named(const std::string& name) {
+    return reinterpret_cast<Routine*>(dlsym(RTLD_DEFAULT, name.c_str()));
+}
+
+TEST(Catalogue, IsWhatTheSurfaceFileSays) {
+    const std::vector<SurfaceColumn> surface = read_surface();
+    size_t next = 0;
+    for (const Table* table : tables) {
+        for (const Column& column : table->columns) {
+            ASSERT_LT(next, surface.size());
+            const SurfaceColumn& expected = surface[next++];
+            EXPECT_EQ(column.name, expected.name);
+            EXPECT_EQ(dotted(table->root, column.number), expected.oid) << column.name;
+            EXPECT_EQ(type_name(column.type), expected.type) << column.name;
+            EXPECT_EQ(marks(column), expected.marks) << column.name;
+            EXPECT_EQ(column.set ? "read-write" : "read-only", expected.access) << column.name;
+            EXPECT_EQ(column.get, named<GetColumn>("get_" + expected.name)) << column.name;
+            if (!expected.is_writable()) continue;
+            EXPECT_EQ(column.set, named<SetColumn>("set_" + expected.name)) << column.name;
+            EXPECT_EQ(column.check, named<Check>(expected.check)) << column.name;
+        }
+    }
+    EXPECT_EQ(next, 96U);
+    EXPECT_EQ(surface.size(), 96U);
 }
 
 }  // namespace

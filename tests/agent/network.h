@@ -1,0 +1,16 @@
+// Interfaces and configurations by number, for the tests of all tables.
+#pragma once
+
+#include <string>
+
+// Interface i of a test, i < 256: its name, "w0" and so on, and its index in the system. In a full configuration i is the
+// last octet of its MAC address.
+std::string interface_name(unsigned i);
+unsigned interface_index(unsigned i);
+
+// Makes so many interfaces.
+void add_interfaces(unsigned count);
+
+// A configuration of so many interfaces with every key that the agent reads, or with none but their names.
+std::string full_configuration(unsigned count);
+std::string empty_configuration(unsigned count);
