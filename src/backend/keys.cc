@@ -67,17 +67,12 @@ bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText&
     return find(bss_answer, "bss", bss) && find_radio_of_bss(bss, radio, find);
 }
 
-bool find_radio_of_interface(const char* interface, ScratchText& bss, ScratchText& radio, Find find) {
-    const Answer answer("interface", interface, "bss");
-    return find_radio(answer.list(), bss, radio, find);
-}
-
 int32_t write_radio_number(uint32_t interface_index, const char* key, uint32_t value, int32_t without_memory) {
     const InterfaceName name(interface_index);
     if (!name.text()) return without_memory;
     ScratchText bss = {};
     ScratchText radio = {};
-    if (!find_radio_of_interface(name.text(), bss, radio)) return 0;
+    if (!find_bss(name.text(), bss) || !find_radio_of_bss(bss, radio)) return 0;
     const int32_t result = write_number("radio", radio.text, key, value, without_memory);
     release(radio);
     return result;

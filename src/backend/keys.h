@@ -62,9 +62,6 @@ bool find_value_of_radio(ScratchText& radio, const char* key, ScratchText& value
 // release. False when either link is missing.
 bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find = find_value);
 
-// As above, from the interface's name.
-bool find_radio_of_interface(const char* interface, ScratchText& bss, ScratchText& radio, Find find = find_value);
-
 // A text of the radio behind an interface, and the field that it fills, with its length.
 template <class Row, uint32_t size>
 struct RadioText {

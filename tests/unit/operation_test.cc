@@ -278,52 +278,40 @@ TEST_F(Operation, ConvertsTheAddress) {
     EXPECT_EQ(filled().at("dot11MACAddress"), "11 11 11 11 11 11");
 }
 
-struct Shortage {
-    int result;
-    Fields lost;
-};
-
-// What happens without memory for the n-th allocation, for an interface with every key. The first two are the
-// enumeration's.
-const Shortage shortages[] = {
-    {1, {}},
-    {1, {}},
-    {1, {{"dot11MACAddress", "00 00 00 00 00 00"}}},
-    {-1, {}},
-    {1, {{"dot11RTSThreshold", "0"}}},  // no BSS
-    {1, {{"dot11RTSThreshold", "2347"}}},
-    {1, {{"dot11RTSThreshold", "2347"}}},
-    {1, {{"dot11ShortRetryLimit", "7"}}},
-    {1, {{"dot11LongRetryLimit", "4"}}},
-    {1, {{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}}},
-    {1, {{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}}},
-    {1, {{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}}},
-    {1, {{"dot11MaxTransmitMSDULifetime", "512"}}},
-    {1, {{"dot11MaxReceiveLifetime", "512"}}},
-    {1, {{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}}},
-    {1, {{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}}},
-    {1, {{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}}},
-    {1, {{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}}},
-    {1, {{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}}},
-    {1, {{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}}},
+// For an interface with every key. The first two are the enumeration's.
+const Losses losses = {
+    Fields{},
+    Fields{},
+    Fields{{"dot11MACAddress", "00 00 00 00 00 00"}},
+    std::nullopt,
+    Fields{{"dot11RTSThreshold", "0"}},  // no BSS
+    Fields{{"dot11RTSThreshold", "2347"}},
+    Fields{{"dot11RTSThreshold", "2347"}},
+    Fields{{"dot11ShortRetryLimit", "7"}},
+    Fields{{"dot11LongRetryLimit", "4"}},
+    Fields{{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}},
+    Fields{{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}},
+    Fields{{"dot11RTSThreshold", "2346"}, {"dot11FragmentationThreshold", "0"}},
+    Fields{{"dot11MaxTransmitMSDULifetime", "512"}},
+    Fields{{"dot11MaxReceiveLifetime", "512"}},
+    Fields{{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}},
+    Fields{{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}},
+    Fields{{"dot11ManufacturerID", ""}, {"dot11ManufacturerIDLen", "1"}},
+    Fields{{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}},
+    Fields{{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}},
+    Fields{{"dot11ProductID", ""}, {"dot11ProductIDLen", "1"}},
 };
 
 TEST_F(Operation, LosesOneFieldWithoutMemoryForIt) {
     store_everything();
-    const Fields whole = filled();
-    for (size_t n = 0; n < std::size(shortages); ++n) {
+    const auto fill_anew = [] {
         memset(&row(), 0, sizeof row());
-        device.fail_allocation(static_cast<int>(n) + 1);
         EXPECT_EQ(GetOperationsEntries(), 1);
-        EXPECT_EQ(GetOperationsTableData(), shortages[n].result) << "allocation " << n + 1;
-        EXPECT_TRUE(device.allocation_failed());
+        const int result = GetOperationsTableData();
         EXPECT_TRUE(all_released(oper_info));
-        if (shortages[n].result == -1) continue;
-        EXPECT_EQ(differences(whole, shown(row())), shortages[n].lost) << "allocation " << n + 1;
-    }
-    device.fail_allocation(static_cast<int>(std::size(shortages)) + 1);
-    EXPECT_EQ(filled(), whole);
-    EXPECT_FALSE(device.allocation_failed());
+        return result;
+    };
+    expect_losses(device, losses, fill_anew, [] { return shown(row()); });
 }
 
 }  // namespace

@@ -19,10 +19,14 @@ class Privacy : public testing::Test {
   protected:
     Privacy() { device.add_interface("wlan0", 3); }
 
-    Fields filled() {
+    int fill() {
         EXPECT_EQ(GetPrivacyEntries(), 1);
-        EXPECT_EQ(GetPrivacyTableData(), 1);
+        const int result = GetPrivacyTableData();
         EXPECT_TRUE(all_released(priv_info));
+        return result;
+    }
+
+    static Fields shown() {
         const PrivacyRow& row = pinfo[0];
         return {
             {"ifIndex", to_string(row.ifIndex)},
@@ -33,6 +37,11 @@ class Privacy : public testing::Test {
             {"dot11WEPICVErrorCount", to_string(row.dot11WEPICVErrorCount)},
             {"dot11WEPExcludedCount", to_string(row.dot11WEPExcludedCount)},
         };
+    }
+
+    Fields filled() {
+        EXPECT_EQ(fill(), 1);
+        return shown();
     }
 
     void set(const std::string& key, const std::string& value) { device.set("interface", "wlan0", key, value); }
@@ -89,22 +98,20 @@ TEST_F(Privacy, HasNoNegativeNumbers) {
     // clang-format on
 }
 
+// The first two allocations are the enumeration's.
 TEST_F(Privacy, LosesOneFieldWithoutMemoryForIt) {
     set("dot11-privacy-invoked", "1");
     set("wep-default-key", "3");
     set("wep-key-mapping-length", "26");
-    const Fields whole = filled();
-    // The first two allocations are the enumeration's.
-    const Fields lost[] = {
-        {}, {}, {{"dot11PrivacyInvoked", "2"}}, {{"dot11WEPDefaultKeyID", "0"}}, {{"dot11WEPKeyMappingLength", "10"}}};
-    for (size_t n = 0; n < std::size(lost); ++n) {
-        device.fail_allocation(static_cast<int>(n) + 1);
-        EXPECT_EQ(differences(whole, filled()), lost[n]) << "allocation " << n + 1;
-        EXPECT_TRUE(device.allocation_failed());
-    }
-    device.fail_allocation(static_cast<int>(std::size(lost)) + 1);
-    EXPECT_EQ(filled(), whole);
-    EXPECT_FALSE(device.allocation_failed());
+    const Losses losses = {
+        Fields{},
+        Fields{},
+        Fields{{"dot11PrivacyInvoked", "2"}},
+        Fields{{"dot11WEPDefaultKeyID", "0"}},
+        Fields{{"dot11WEPKeyMappingLength", "10"}},
+    };
+    expect_losses(
+        device, losses, [this] { return fill(); }, shown);
 }
 
 }  // namespace

@@ -53,10 +53,15 @@ class ResourceInfo : public testing::Test {
         device.set("radio", "r0", "manufacturer-product-version", "1.2.0");
     }
 
-    Fields filled() {
+    static int fill() {
         EXPECT_EQ(GetResourceInfoEntries(), 1);
-        EXPECT_EQ(GetResourceInfoTableData(), 1);
+        const int result = GetResourceInfoTableData();
         EXPECT_TRUE(all_released(res_info));
+        return result;
+    }
+
+    static Fields filled() {
+        EXPECT_EQ(fill(), 1);
         return shown(rinfo[0]);
     }
 
@@ -160,21 +165,13 @@ TEST_F(ResourceInfo, HasDefaultsBehindAMissingLink) {
 // The first two allocations are the enumeration's; a value takes one each for its BSS, its radio and itself.
 TEST_F(ResourceInfo, LosesOneFieldWithoutMemoryForIt) {
     store_everything();
-    const Fields whole = filled();
-    const Fields lost[] = {
-        {{"OUI", "XYZ"}},
-        {{"name", ""}, {"name length", "1"}},
-        {{"product", ""}, {"product length", "1"}},
-        {{"version", ""}, {"version length", "1"}},
-    };
-    for (int n = 1; n <= 14; ++n) {
-        device.fail_allocation(n);
-        EXPECT_EQ(differences(whole, filled()), n > 2 ? lost[(n - 3) / 3] : Fields{}) << "allocation " << n;
-        EXPECT_TRUE(device.allocation_failed());
-    }
-    device.fail_allocation(15);
-    EXPECT_EQ(filled(), whole);
-    EXPECT_FALSE(device.allocation_failed());
+    const Fields oui = {{"OUI", "XYZ"}};
+    const Fields name = {{"name", ""}, {"name length", "1"}};
+    const Fields product = {{"product", ""}, {"product length", "1"}};
+    const Fields version = {{"version", ""}, {"version length", "1"}};
+    const Losses losses = {Fields{}, Fields{}, oui,     oui,     oui,     name,    name,
+                           name,     product,  product, product, version, version, version};
+    expect_losses(device, losses, fill, [] { return shown(rinfo[0]); });
 }
 
 }  // namespace

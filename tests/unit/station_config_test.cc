@@ -385,61 +385,49 @@ TEST_F(StationConfig, HasDefaultsBehindAMissingLink) {
     }
 }
 
-struct Shortage {
-    int result;
-    Fields lost;  // fields that have their defaults then
-};
-
-// What happens without memory for the n-th allocation, for an interface with every key. The first two are the
-// enumeration's.
-const Shortage shortages[] = {
-    {1, {}},
-    {1, {}},
-    {1, {{"dot11StationID", no_address}}},
-    {-1, {}},
-    {1, {{"dot11CFPollable", "2"}}},
-    {1, {{"dot11AuthenticationResponseTimeOut", "1"}}},
-    {1, {{"privacy_option_configured", "2"}}},
-    {1, {{"dot11PrivacyOptionImplemented", "2"}}},
-    {1, {{"dot11DesiredSSID", "30"}}},
-    {1, {{"dot11OperationalRateSet", "00"}}},
-    {1, {{"dot11BeaconPeriod", "1"}}},
-    {1, {{"dot11BeaconPeriod", "1"}}},
-    {1, {{"dot11BeaconPeriod", "1"}}},
-    {1, {{"dot11DTIMPeriod", "1"}}},
-    {1, {{"dot11DTIMPeriod", "1"}}},
-    {1, {{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}}},
-    {1, {{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}}},
-    {1, {{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}}},
-    {1, {{"dot11AssociationResponseTimeOut", "1"}}},
-    {1, {{"dot11DisassociateReason", "0"}}},
-    {1, {{"dot11DisassociateStation", no_address}}},
-    {-1, {}},
-    {1, {{"dot11DeauthenticateReason", "0"}}},
-    {1, {{"dot11DeauthenticateStation", no_address}}},
-    {-1, {}},
-    {1, {{"dot11AuthenticateFailStatus", "0"}}},
-    {1, {{"dot11AuthenticateFailStation", no_address}}},
-    {-1, {}},
-    {1, {{"dot11CountryString", "3f 3f 3f"}}},
+// For an interface with every key. The first two are the enumeration's.
+const Losses losses = {
+    Fields{},
+    Fields{},
+    Fields{{"dot11StationID", no_address}},
+    std::nullopt,
+    Fields{{"dot11CFPollable", "2"}},
+    Fields{{"dot11AuthenticationResponseTimeOut", "1"}},
+    Fields{{"privacy_option_configured", "2"}},
+    Fields{{"dot11PrivacyOptionImplemented", "2"}},
+    Fields{{"dot11DesiredSSID", "30"}},
+    Fields{{"dot11OperationalRateSet", "00"}},
+    Fields{{"dot11BeaconPeriod", "1"}},
+    Fields{{"dot11BeaconPeriod", "1"}},
+    Fields{{"dot11BeaconPeriod", "1"}},
+    Fields{{"dot11DTIMPeriod", "1"}},
+    Fields{{"dot11DTIMPeriod", "1"}},
+    Fields{{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}},
+    Fields{{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}},
+    Fields{{"dot11MultiDomainCapabilityImplemented", "2"}, {"dot11MultiDomainCapabilityEnabled", "-1"}},
+    Fields{{"dot11AssociationResponseTimeOut", "1"}},
+    Fields{{"dot11DisassociateReason", "0"}},
+    Fields{{"dot11DisassociateStation", no_address}},
+    std::nullopt,
+    Fields{{"dot11DeauthenticateReason", "0"}},
+    Fields{{"dot11DeauthenticateStation", no_address}},
+    std::nullopt,
+    Fields{{"dot11AuthenticateFailStatus", "0"}},
+    Fields{{"dot11AuthenticateFailStation", no_address}},
+    std::nullopt,
+    Fields{{"dot11CountryString", "3f 3f 3f"}},
 };
 
 TEST_F(StationConfig, LosesOneFieldWithoutMemoryForIt) {
     store(everything);
-    const Fields whole = filled();
-    for (size_t n = 0; n < std::size(shortages); ++n) {
+    const auto fill_anew = [] {
         memset(&row(), 0, sizeof row());
-        device.fail_allocation(static_cast<int>(n) + 1);
         EXPECT_EQ(GetStationConfigEntries(), 1);
-        EXPECT_EQ(GetStationConfigTableData(), shortages[n].result) << "allocation " << n + 1;
-        EXPECT_TRUE(device.allocation_failed());
+        const int result = GetStationConfigTableData();
         EXPECT_TRUE(all_released(sta_info));
-        if (shortages[n].result == -1) continue;
-        EXPECT_EQ(differences(whole, shown(row())), shortages[n].lost) << "allocation " << n + 1;
-    }
-    device.fail_allocation(static_cast<int>(std::size(shortages)) + 1);
-    EXPECT_EQ(filled(), whole);
-    EXPECT_FALSE(device.allocation_failed());
+        return result;
+    };
+    expect_losses(device, losses, fill_anew, [] { return shown(row()); });
 }
 
 // The fill ends in the middle of a row; the rows before it are whole, those behind it untouched.
