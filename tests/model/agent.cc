@@ -13,7 +13,9 @@
 #include <net-snmp/agent/agent_callbacks.h>
 
 extern "C" {
+// The agent's own, which its headers do not declare.
 int vacm_in_view_callback(int major, int minor, void* server_argument, void* client_argument);
+extern netsnmp_session* main_session;
 
 // The address sanitizer's own count, where there is one.
 size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
@@ -36,6 +38,21 @@ int send(netsnmp_transport*, const void* buffer, int size, void**, int*) {
     response_length = std::min(sizeof response, static_cast<size_t>(size));
     memcpy(response, buffer, response_length);
     return size;
+}
+
+netsnmp_pdu* parsed(std::string message) {
+    auto* octets = reinterpret_cast<u_char*>(message.data());
+    size_t length = message.size();
+    long version = 0;
+    u_char community[64];
+    size_t community_length = sizeof community;
+    netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_SET);
+    octets = snmp_comstr_parse(octets, &length, community, &community_length, &version);
+    snmp_pdu_parse(pdu, octets, &length);
+    pdu->version = version;
+    pdu->community = static_cast<u_char*>(netsnmp_memdup(community, community_length));
+    pdu->community_len = community_length;
+    return pdu;
 }
 
 int close_nothing(netsnmp_transport*) {
@@ -89,6 +106,25 @@ std::span<const uint8_t> answer_to(std::span<const uint8_t> message) {
     snmp_read(&ready);
     netsnmp_check_outstanding_agent_requests();
     return {response, response_length};
+}
+
+std::optional<Pdu> answer_to(const Pdu& request) {
+    const std::string message = encoded(request);
+    return decoded(answer_to(octets_of(message)));
+}
+
+// The agent decodes the message as it does every other; only then the PDU is made into one of a master.
+std::optional<Pdu> answer_to(Phase phase, long transaction, const std::vector<Varbind>& varbinds) {
+    static constexpr int commands[] = {SNMP_MSG_INTERNAL_SET_RESERVE1, SNMP_MSG_INTERNAL_SET_RESERVE2,
+                                       SNMP_MSG_INTERNAL_SET_ACTION,   SNMP_MSG_INTERNAL_SET_COMMIT,
+                                       SNMP_MSG_INTERNAL_SET_FREE,     SNMP_MSG_INTERNAL_SET_UNDO};
+    response_length = 0;
+    netsnmp_pdu* pdu = parsed(encoded({set_request, 1, 0, 0, varbinds}));
+    pdu->command = commands[static_cast<int>(phase)];
+    pdu->transid = transaction;
+    handle_snmp_packet(NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE, main_session, 1, pdu, nullptr);
+    snmp_free_pdu(pdu);
+    return decoded(std::span(response, response_length));
 }
 
 bool live_octets_are_exact() {

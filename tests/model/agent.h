@@ -5,14 +5,26 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+
+#include "message.h"
 
 // Starts the agent and calls init_ieee802dot11; to be called once in a process.
 void start_agent();
 
-// The agent's answer to a message, empty when it gives none; good until the next call. What the exchange left allocated
-// can be told from `live_octets` before and after it.
+// The agent's answer to a message, empty when it gives none; good until the next call.
 std::span<const uint8_t> answer_to(std::span<const uint8_t> message);
+
+// The same for a request; nothing when there is no answer that can be read.
+std::optional<Pdu> answer_to(const Pdu& request);
+
+// The phases of a SET as a subagent takes them one by one from its master, which leads them.
+enum class Phase { reserve1, reserve2, action, commit, free, undo };
+
+// The answer to one phase. Those of one SET have its transaction in common. The first one brings the varbinds, which
+// the agent keeps for the others until COMMIT, FREE or UNDO.
+std::optional<Pdu> answer_to(Phase phase, long transaction, const std::vector<Varbind>& varbinds);
 
 // Octets that the process holds on the heap. Exact with the address sanitizer, otherwise as good as the C library's
 // own count, in which freed blocks linger.

@@ -62,10 +62,7 @@ class Memory : public testing::Test {
     }
     static void TearDownTestSuite() { delete device_; }
 
-    static std::optional<Pdu> set(const Case& tried) {
-        const std::string message = encoded({set_request, 1, 0, 0, tried.varbinds});
-        return decoded(answer_to(std::span(reinterpret_cast<const uint8_t*>(message.data()), message.size())));
-    }
+    static std::optional<Pdu> set(const Case& tried) { return answer_to({set_request, 1, 0, 0, tried.varbinds}); }
 
     // Sets with the n-th allocation failing, for every n; with enough memory the answer is then what it was before.
     template <class Fail, class Check>

@@ -61,10 +61,6 @@ struct Reader {
     int32_t number() { return static_cast<int32_t>(number_of(content(integer))); }
 };
 
-std::span<const uint8_t> octets_of(const std::string& text) {
-    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
-
 Oid oid_of(const std::string& octets) {
     Oid name;
     uint32_t subid = 0;
@@ -82,6 +78,10 @@ Oid oid_of(const std::string& octets) {
 }
 
 }  // namespace
+
+std::span<const uint8_t> octets_of(const std::string& text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
 
 std::string integer_octets(int64_t number) {
     std::string out;

@@ -56,5 +56,7 @@ std::string encoded(const Pdu& pdu);
 // Nothing for octets that are no message, or not of those types.
 std::optional<Pdu> decoded(std::span<const uint8_t> message);
 
+std::span<const uint8_t> octets_of(const std::string& text);
+
 std::string shown(const Oid& name);
 std::string shown(const Varbind& varbind);

@@ -56,10 +56,9 @@ class Sets : public testing::Test {
   private:
     std::optional<Pdu> asked(uint8_t command, const std::vector<Varbind>& list) {
         const std::string message = encoded({command, ++request_id_, 0, 0, list});
-        const auto octets = std::span(reinterpret_cast<const uint8_t*>(message.data()), message.size());
         device_->calls = {};
         const size_t before = live_octets();
-        const std::span<const uint8_t> answer = answer_to(octets);
+        const std::span<const uint8_t> answer = answer_to(octets_of(message));
         device_->calls = {};
         const size_t left = live_octets_are_exact() && warm_ ? live_octets() - before : 0;
         EXPECT_EQ(left, 0U);
