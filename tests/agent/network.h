@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Interface i of a test, i < 256: its name, "w0" and so on, and its index in the system. In a full configuration i is the
-// last octet of its MAC address.
+// Interface i of a test, i < 256: its name, "w0" and so on, and its index in the system. In a full configuration i is
+// the last octet of its MAC address.
 std::string interface_name(unsigned i);
 unsigned interface_index(unsigned i);
 
