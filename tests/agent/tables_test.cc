@@ -277,4 +277,67 @@ TEST_F(TwoInterfaces, TablesWithoutRowsAreWalkedThrough) {
     }
 }
 
+// -- when the store is read again
+
+class Reload : public TwoInterfaces {
+  protected:
+    Reload() { agent.control().now = 1'000'000'000; }
+
+    // Whether the store was asked for its interfaces, that many seconds after the request before.
+    bool reads(const char* oid, int64_t seconds_later) {
+        agent.control().now = agent.control().now + seconds_later;
+        const uint32_t before = agent.control().grids;
+        agent.get({oid});
+        return agent.control().grids != before;
+    }
+
+    // A cell of every table that the iterator reloads.
+    static constexpr const char* cells[] = {"1.1.1.12.11", "1.2.1.2.11.1", "1.3.1.2.11.1", "1.5.1.1.11",
+                                            "2.1.1.2.11",  "2.2.1.1.11",   "3.1.2.1.1.11", "4.1.1.2.11",
+                                            "4.3.1.1.11",  "4.5.1.1.11",   "4.7.1.2.11.1"};
+};
+
+TEST_F(Reload, MoreThanFifteenSecondsAfterTheLatestRequest) {
+    for (const char* cell : cells) {
+        EXPECT_TRUE(reads(cell, 0)) << cell;
+        EXPECT_FALSE(reads(cell, 10)) << cell;
+        EXPECT_FALSE(reads(cell, 10)) << cell;
+        EXPECT_FALSE(reads(cell, 15)) << cell;
+        EXPECT_TRUE(reads(cell, 16)) << cell;
+        EXPECT_FALSE(reads(cell, -1000)) << cell;
+    }
+}
+
+TEST_F(Reload, EachTableByItself) {
+    for (const char* cell : cells)
+        reads(cell, 0);
+    for (const char* asked : cells) {
+        reads(asked, 10);
+        agent.control().now = agent.control().now + 10;
+        for (const char* cell : cells)
+            EXPECT_EQ(reads(cell, 0), cell != asked) << cell << " after " << asked;
+    }
+}
+
+TEST_F(Reload, AFailureIsTriedAgainAtOnce) {
+    agent.configure("set interface w0 type off");
+    agent.configure("set interface w1 type off");
+    for (const char* cell : cells)
+        for (int i = 0; i < 3; ++i)
+            EXPECT_TRUE(reads(cell, 0)) << cell;
+    agent.configure("set interface w1 type service-set");
+    EXPECT_EQ(agent.get({"1.5.1.1.12"}).varbinds[0].value, "INTEGER 1");
+}
+
+// However many requests come in between.
+TEST_F(Reload, OfTheRatesAfterMoreThanFiftySeconds) {
+    for (const char* cell : {"4.9.1.2.11.1", "4.10.1.2.11.1"}) {
+        EXPECT_TRUE(reads(cell, 0)) << cell;
+        EXPECT_FALSE(reads(cell, 25)) << cell;
+        EXPECT_FALSE(reads(cell, 25)) << cell;
+        EXPECT_TRUE(reads(cell, 1)) << cell;
+        EXPECT_FALSE(reads(cell, 50)) << cell;
+    }
+}
+
 }  // namespace
