@@ -23,14 +23,14 @@ size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace {
 
-std::span<const uint8_t> request;
+std::span<const uint8_t> incoming;
 uint8_t response[65536];
 size_t response_length;
 int socket_number;
 
 int receive(netsnmp_transport*, void* buffer, int size, void**, int*) {
-    const size_t length = std::min(request.size(), static_cast<size_t>(size));
-    memcpy(buffer, request.data(), length);
+    const size_t length = std::min(incoming.size(), static_cast<size_t>(size));
+    memcpy(buffer, incoming.data(), length);
     return static_cast<int>(length);
 }
 
@@ -98,7 +98,7 @@ void start_agent() {
 }
 
 std::span<const uint8_t> answer_to(std::span<const uint8_t> message) {
-    request = message;
+    incoming = message;
     response_length = 0;
     fd_set ready;
     FD_ZERO(&ready);
