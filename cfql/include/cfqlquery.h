@@ -12,10 +12,10 @@
  * Place of the store: /var/lib/cfql/store.db, or the path in the environment variable CFQL_STORE, which is ignored in a
  * secure-execution process. The store is opened at the first call, not before, and follows a file that is replaced.
  *
- * Freshness: cfqlquery_get_grid answers from the latest state of the store, cfqlquery_get_pv from the state of the last look at
- * it, which is usually less than 50 ms old; the rows of a grid and the values read right after it are of one state. A store that
- * was readable and is damaged, locked or unreadable is answered for from its last good state, and syslog hears of it once a
- * minute at most.
+ * Freshness: cfqlquery_get_grid answers from the latest state of the store, cfqlquery_get_pv from the state of the last
+ * look at it, which is usually less than 50 ms old; the rows of a grid and the values read right after it are of one
+ * state. A store that was readable and is damaged, locked or unreadable is answered for from its last good state, and
+ * syslog hears of it once a minute at most.
  *
  * Threads: calls may come from any thread, one at a time or several at once. Fork: a child opens the store for itself.
  */

@@ -59,8 +59,8 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     return Next::request;
 }
 
-// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A refused row has a
-// record too, on a private row.
+// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A refused row has
+// a record too, on a private row.
 void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
     if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     if (find_commit_record(phase.keys.row)) return;

@@ -26,8 +26,8 @@ struct Column {
     SetColumn* set;  // null for a column that is read-only
 };
 
-// What a SET of a row that the table does not hold meets. Refused: 11 (noCreation). Made: the row that the table creates.
-// Stood in: a private row of zeroes; what is written there goes nowhere.
+// What a SET of a row that the table does not hold meets. Refused: 11 (noCreation). Made: the row that the table
+// creates. Stood in: a private row of zeroes; what is written there goes nowhere.
 enum class MissingRow : uint8_t { refused, made, stood_in };
 
 // What UNDO answers. Strict: 15 (undoFailed) when nothing was saved, otherwise the write accessor's own status. Plain:
