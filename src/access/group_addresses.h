@@ -1,5 +1,5 @@
-// dot11GroupAddressesTable (1.2.840.10036.2.3): no row
-// stands behind it, and a walk finds none. A SET is accepted and stored nowhere.
+// dot11GroupAddressesTable (1.2.840.10036.2.3): no row stands behind it, and a walk finds none. A SET is accepted and
+// stored nowhere.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// dot11WEPKeyMappingsTable (1.2.840.10036.1.4): no row
-// stands behind it, and a walk finds none. A SET is accepted and stored nowhere.
+// dot11WEPKeyMappingsTable (1.2.840.10036.1.4): no row stands behind it, and a walk finds none. A SET is accepted and
+// stored nowhere.
 #pragma once
 
 #include <cstddef>

@@ -53,6 +53,42 @@ TEST(Catalogue, AnUndoGoesWithWritableColumnsAndIsStrictWhereThereAreRows) {
     }
 }
 
+// In the order of the tables.
+const struct {
+    size_t row_size;
+    uint32_t indexes;
+    MissingRow missing_row;
+    Undo undo;
+} members[] = {
+    {292, 1, MissingRow::refused, Undo::strict},  // dot11StationConfigTable
+    {16, 2, MissingRow::refused, Undo::strict},   // dot11AuthenticationAlgorithmsTable
+    {76, 2, MissingRow::refused, Undo::strict},   // dot11WEPDefaultKeysTable
+    {32, 2, MissingRow::made, Undo::plain},       // dot11WEPKeyMappingsTable
+    {28, 1, MissingRow::refused, Undo::strict},   // dot11PrivacyTable
+    {304, 1, MissingRow::refused, Undo::strict},  // dot11OperationTable
+    {60, 1, MissingRow::stood_in, Undo::none},    // dot11CountersTable
+    {16, 2, MissingRow::stood_in, Undo::plain},   // dot11GroupAddressesTable
+    {796, 1, MissingRow::stood_in, Undo::none},   // dot11ResourceInfoTable
+    {16, 1, MissingRow::refused, Undo::strict},   // dot11PhyOperationTable
+    {44, 1, MissingRow::refused, Undo::strict},   // dot11PhyTxPowerTable
+    {20, 1, MissingRow::refused, Undo::strict},   // dot11PhyDSSSTable
+    {12, 2, MissingRow::stood_in, Undo::none},    // dot11RegDomainsSupportedTable
+    {12, 2, MissingRow::stood_in, Undo::none},    // dot11SupportedDataRatesTxTable
+    {12, 2, MissingRow::stood_in, Undo::none},    // dot11SupportedDataRatesRxTable
+    {20, 1, MissingRow::stood_in, Undo::none},    // dot11PhyHRDSSSTable
+    {24, 1, MissingRow::stood_in, Undo::plain},   // dot11PhyERPTable
+};
+
+TEST(Catalogue, SaysHowATablesRowsAreMetBySets) {
+    ASSERT_EQ(std::size(members), std::size(tables));
+    for (size_t i = 0; i < std::size(tables); ++i) {
+        EXPECT_EQ(tables[i]->row_size, members[i].row_size) << tables[i]->name;
+        EXPECT_EQ(tables[i]->indexes, members[i].indexes) << tables[i]->name;
+        EXPECT_EQ(tables[i]->missing_row, members[i].missing_row) << tables[i]->name;
+        EXPECT_EQ(tables[i]->undo, members[i].undo) << tables[i]->name;
+    }
+}
+
 std::string dotted(std::span<const oid> subids, uint32_t column) {
     std::string text;
     for (const oid subid : subids)
