@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -41,6 +42,13 @@ std::string dotted(const oid* subids, size_t length) {
 std::string read_file(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+}
+
+size_t occurrences(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
 }
 
 // Waits until `condition` holds, for at most that long.
@@ -153,25 +161,127 @@ void remove_interface(const std::string& name) {
     run("ip link delete " + name);
 }
 
-Agent::Agent(const std::string& configuration, const std::string& lines) {
+Daemon::Daemon(const std::string& folder, const std::string& name, const std::string& options, const std::string& up)
+    : folder_(folder), name_(name), options_(options) {
+    pid_ = fork();
+    if (pid_ == 0) run();
+    wait_for(up);
+}
+
+// In the new process. The sanitizers report into the log, and end the agent with 99.
+void Daemon::run() const {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    setenv("AGENT_CONTROL", (folder_ + "/control").c_str(), 1);
+    setenv("CFQL_STORE", (folder_ + "/store.db").c_str(), 1);
+    setenv("SNMP_PERSISTENT_DIR", folder_.c_str(), 1);
+    setenv("SNMPCONFPATH", folder_.c_str(), 1);
+    setenv("MIBS", "", 1);
+    setenv("LD_PRELOAD", AGENT_PRELOAD, 1);
+    setenv("ASAN_OPTIONS", "exitcode=99:detect_odr_violation=0", 1);
+    setenv("LSAN_OPTIONS", "suppressions=" LEAK_SUPPRESSIONS, 1);
+    setenv("UBSAN_OPTIONS", "halt_on_error=1:print_stacktrace=1", 1);
+    const std::string path = folder_ + "/" + name_;
+    const int log_file = open((path + ".log").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    dup2(log_file, STDOUT_FILENO);
+    dup2(log_file, STDERR_FILENO);
+    const std::string command = "exec " SNMPD " " + options_ + " -f -Lo -C -c " + path + ".conf";
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    _exit(127);
+}
+
+std::string Daemon::log() const {
+    return read_file(folder_ + "/" + name_ + ".log");
+}
+
+void Daemon::wait_for(const std::string& line, size_t times) const {
+    const auto there = [&] { return occurrences(log(), line) >= times; };
+    ASSERT_TRUE(wait_until(there)) << "no line '" << line << "' in the log:\n" << log();
+}
+
+Daemon::~Daemon() {
+    kill(pid_, SIGTERM);
+    int status = 0;
+    const bool ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
+    EXPECT_TRUE(ended) << name_ << " hangs";
+    if (!ended) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, &status, 0);
+    }
+    const std::string text = log();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << name_ << " ended with " << status << "\n" << text;
+    EXPECT_EQ(text.find("dlopen("), std::string::npos) << text;
+    EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
+}
+
+Agent::Agent(const std::string& configuration, Role role, const std::string& lines) {
     folder_ = (std::filesystem::temp_directory_path() / "agent-XXXXXX").string();
     if (!mkdtemp(folder_.data())) ADD_FAILURE() << "no folder " << folder_;
-    std::ofstream(folder_ + "/store.toml") << configuration;
+    make_control();
+    write_file("store.toml", configuration);
     configure("init");
     configure("import " + folder_ + "/store.toml");
-    write_configuration(lines);
-    start();
+    start(role, lines);
+    session_ = open_session();
+    EXPECT_NE(session_, nullptr);
+    wait_for_tables();
 }
 
 Agent::~Agent() {
     if (session_) snmp_close(session_);
-    stop();
-    const std::string text = log();
-    EXPECT_EQ(text.find("failed"), std::string::npos) << text;
-    EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
-    EXPECT_EQ(text.find("runtime error"), std::string::npos) << text;
+    daemon_.reset();
+    master_.reset();
     munmap(control_, sizeof *control_);
     std::filesystem::remove_all(folder_);
+}
+
+void Agent::write_file(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ + "/" + name) << text;
+}
+
+void Agent::make_control() {
+    const int file = open((folder_ + "/control").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (ftruncate(file, sizeof *control_) != 0) ADD_FAILURE() << "no file " << folder_ << "/control";
+    control_ =
+        static_cast<agent_control*>(mmap(nullptr, sizeof *control_, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+    close(file);
+}
+
+void Agent::start(Role role, const std::string& lines) {
+    const std::string manager =
+        std::string("agentAddress udp:") + address + "\nrwcommunity " + community + " default\n";
+    const std::string module = "dlmod ieee802dot11 " MODULE "\n";
+    const std::string agentx = "agentXSocket unix:" + folder_ + "/agentx\n";
+    if (role == Role::agent) {
+        write_file("agent.conf", manager + module + lines);
+        daemon_ = std::make_unique<Daemon>(folder_, "agent", "", "NET-SNMP version");
+    } else {
+        write_file("master.conf", manager + agentx + "master agentx\n");
+        write_file("subagent.conf", agentx + "agentXPingInterval 1\n" + module + lines);
+        master_ = std::make_unique<Daemon>(folder_, "master", "", "NET-SNMP version");
+        daemon_ = std::make_unique<Daemon>(folder_, "subagent", "-X -I dlmod", "AgentX subagent connected");
+    }
+}
+
+// A subagent's tables are registered one after the other, behind its back.
+void Agent::wait_for_tables() {
+    const std::vector<std::string> tables = {"1.1", "1.2", "1.3", "1.4", "1.5", "2.1",  "2.2",  "2.3", "3.1.2",
+                                             "4.1", "4.3", "4.5", "4.7", "4.9", "4.10", "4.12", "4.14"};
+    std::vector<std::string> cells;
+    for (const std::string& table : tables)
+        cells.push_back(table + ".1.2.1.1");
+    const auto registered = [&] {
+        for (const Varbind& varbind : get(cells).varbinds)
+            if (varbind.value == "noSuchObject") return false;
+        return true;
+    };
+    EXPECT_TRUE(wait_until(registered)) << daemon_->log();
+}
+
+void Agent::restart_master() {
+    master_.reset();
+    master_ = std::make_unique<Daemon>(folder_, "master", "", "NET-SNMP version");
+    daemon_->wait_for("AgentX subagent connected", 2);
+    wait_for_tables();
 }
 
 void Agent::configure(const std::string& arguments) const {
@@ -183,66 +293,6 @@ std::string Agent::exported() const {
     return read_file(folder_ + "/exported.toml");
 }
 
-std::string Agent::log() const {
-    return read_file(folder_ + "/snmpd.log");
-}
-
-void Agent::write_configuration(const std::string& lines) const {
-    std::ofstream(folder_ + "/snmpd.conf") << "agentAddress udp:" << address << "\n"
-                                           << "rwcommunity " << community << " default\n"
-                                           << "dlmod ieee802dot11 " MODULE "\n"
-                                           << lines;
-}
-
-// The sanitizers report into the log, and end the agent with 99.
-void Agent::start() {
-    const std::string control_path = folder_ + "/control";
-    const int file = open(control_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (ftruncate(file, sizeof *control_) != 0) ADD_FAILURE() << control_path;
-    control_ =
-        static_cast<agent_control*>(mmap(nullptr, sizeof *control_, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
-    close(file);
-    pid_ = fork();
-    if (pid_ == 0) {
-        setenv("AGENT_CONTROL", control_path.c_str(), 1);
-        setenv("CFQL_STORE", (folder_ + "/store.db").c_str(), 1);
-        setenv("SNMP_PERSISTENT_DIR", folder_.c_str(), 1);
-        setenv("SNMPCONFPATH", folder_.c_str(), 1);
-        setenv("MIBS", "", 1);
-        setenv("LD_PRELOAD", AGENT_PRELOAD, 1);
-        setenv("ASAN_OPTIONS", "exitcode=99:detect_odr_violation=0", 1);
-        setenv("LSAN_OPTIONS", "suppressions=" LEAK_SUPPRESSIONS, 1);
-        setenv("UBSAN_OPTIONS", "halt_on_error=1:print_stacktrace=1", 1);
-        const int log_file = open((folder_ + "/snmpd.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        dup2(log_file, STDOUT_FILENO);
-        dup2(log_file, STDERR_FILENO);
-        execl(SNMPD, "snmpd", "-f", "-Lo", "-C", "-c", (folder_ + "/snmpd.conf").c_str(), nullptr);
-        _exit(127);
-    }
-    const bool up = wait_until([this] { return is_up() || kill(pid_, 0) != 0; });
-    ASSERT_TRUE(up) << log();
-    session_ = open_session();
-    ASSERT_NE(session_, nullptr);
-}
-
-bool Agent::is_up() const {
-    return log().find("NET-SNMP version") != std::string::npos;
-}
-
-void Agent::stop() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGTERM);
-    int status = 0;
-    const bool ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
-    EXPECT_TRUE(ended) << "the agent hangs";
-    if (!ended) {
-        kill(pid_, SIGKILL);
-        waitpid(pid_, &status, 0);
-    }
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "the agent ended with " << status << "\n" << log();
-    pid_ = -1;
-}
-
 Response Agent::send(netsnmp_pdu* pdu) {
     Response response;
     netsnmp_pdu* answer = nullptr;
@@ -252,7 +302,7 @@ Response Agent::send(netsnmp_pdu* pdu) {
         for (const netsnmp_variable_list* varbind = answer->variables; varbind; varbind = varbind->next_variable)
             response.varbinds.push_back({dotted(varbind->name, varbind->name_length), shown(*varbind)});
     }
-    EXPECT_NE(response.status, -1) << "no answer from the agent\n" << log();
+    EXPECT_NE(response.status, -1) << "no answer from the agent\n" << daemon_->log();
     if (answer) snmp_free_pdu(answer);
     return response;
 }

@@ -8,7 +8,9 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "control.h"
@@ -43,11 +45,34 @@ struct Response {
     std::vector<Varbind> varbinds;
 };
 
+// How the module meets the manager: in the agent that is asked, or in a subagent behind it (AgentX, RFC 2741).
+enum class Role { agent, subagent };
+
+// A running snmpd.
+class Daemon {
+  public:
+    // Works in `folder`, with NAME.conf and NAME.log; `options` are its own besides. Returns when its log holds `up`.
+    Daemon(const std::string& folder, const std::string& name, const std::string& options, const std::string& up);
+    ~Daemon();
+    Daemon(const Daemon&) = delete;
+    Daemon& operator=(const Daemon&) = delete;
+
+    pid_t pid() const { return pid_; }
+    std::string log() const;
+    void wait_for(const std::string& line, size_t times = 1) const;  // in the log
+
+  private:
+    void run() const;
+
+    std::string folder_, name_, options_;
+    pid_t pid_ = -1;
+};
+
 class Agent {
   public:
     // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's
     // configuration.
-    explicit Agent(const std::string& configuration, const std::string& lines = "");
+    explicit Agent(const std::string& configuration, Role role = Role::agent, const std::string& lines = "");
     ~Agent();
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
@@ -65,20 +90,19 @@ class Agent {
     std::string exported() const;  // the store's content
 
     agent_control& control() { return *control_; }
-    pid_t pid() const { return pid_; }
-    std::string log() const;
-    const std::string& folder() const { return folder_; }
+    Daemon& daemon() { return *daemon_; }  // the one that has the module
+    void restart_master();                 // of a subagent
 
   private:
-    void write_configuration(const std::string& lines) const;
-    void start();
-    bool is_up() const;
-    void stop();
+    void make_control();
+    void start(Role role, const std::string& lines);
+    void wait_for_tables();
+    void write_file(const std::string& name, const std::string& text) const;
     Response send(netsnmp_pdu* pdu);
 
     std::string folder_;
     agent_control* control_ = nullptr;
-    pid_t pid_ = -1;
+    std::unique_ptr<Daemon> master_, daemon_;
     netsnmp_session* session_ = nullptr;
 };
 
