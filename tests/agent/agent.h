@@ -52,6 +52,7 @@ enum class Role { agent, subagent };
 class Daemon {
   public:
     // Works in `folder`, with NAME.conf and NAME.log; `options` are its own besides. Returns when its log holds `up`.
+    // The master of a subagent, which has no module, is left as it is: "master" is neither preloaded nor sanitized.
     Daemon(const std::string& folder, const std::string& name, const std::string& options, const std::string& up);
     ~Daemon();
     Daemon(const Daemon&) = delete;
@@ -59,7 +60,7 @@ class Daemon {
 
     pid_t pid() const { return pid_; }
     std::string log() const;
-    void wait_for(const std::string& line, size_t times = 1) const;  // in the log
+    bool wait_for(const std::string& line, size_t times = 1) const;  // in the log; false after half a minute
 
   private:
     void run() const;
