@@ -9,17 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "demand.h"
 #include "util/convert.h"
 
 namespace {
-
-#define DEMAND(condition)                                                           \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-            abort();                                                                \
-        }                                                                           \
-    } while (false)
 
 struct Input {
     uint8_t number;

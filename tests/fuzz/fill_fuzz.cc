@@ -43,16 +43,9 @@
 #include "backend/smt/privacy.h"
 #include "backend/smt/station_config.h"
 #include "backend/smt/wep_default_keys.h"
+#include "demand.h"
 
 namespace {
-
-#define DEMAND(condition)                                                           \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-            abort();                                                                \
-        }                                                                           \
-    } while (false)
 
 using Text = std::optional<std::string>;  // nullopt is a null pointer
 

@@ -5,18 +5,11 @@
 #include <cstdlib>
 
 #include "database.h"
+#include "demand.h"
 #include "failure.h"
 #include "toml_text.h"
 
 namespace {
-
-#define DEMAND(condition)                                                           \
-    do {                                                                            \
-        if (!(condition)) {                                                         \
-            fprintf(stderr, "%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-            abort();                                                                \
-        }                                                                           \
-    } while (false)
 
 void demand_limits(const cfql::tool::Object& object) {
     DEMAND(cfql::refusal_of_table(object.table) == nullptr);

@@ -30,7 +30,7 @@ int socket_number;
 
 int receive(netsnmp_transport*, void* buffer, int size, void**, int*) {
     const size_t length = std::min(incoming.size(), static_cast<size_t>(size));
-    memcpy(buffer, incoming.data(), length);
+    std::copy_n(incoming.begin(), length, static_cast<uint8_t*>(buffer));
     return static_cast<int>(length);
 }
 
