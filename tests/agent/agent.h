@@ -91,6 +91,7 @@ class Agent {
     std::string exported() const;  // the store's content
 
     agent_control& control() { return *control_; }
+    const std::string& folder() const { return folder_; }
     Daemon& daemon() { return *daemon_; }  // the one that has the module
     void restart_master();                 // of a subagent
 

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "agent.h"
@@ -275,6 +277,64 @@ TEST_F(TwoInterfaces, TablesWithoutRowsAreWalkedThrough) {
         EXPECT_THAT(agent.walk(table), IsEmpty()) << table;
         EXPECT_EQ(agent.get({table + std::string(".1.2.11")}).varbinds[0].value, "noSuchInstance") << table;
     }
+}
+
+// -- a second client, so that one library is not all that is believed
+
+// What tests/node/client.js prints for these requests.
+std::string asked_of_second_client(const Agent& agent, const std::string& requests) {
+    const std::string folder = agent.folder();
+    std::ofstream(folder + "/requests") << requests;
+    run("node " NODE_CLIENT " 127.0.0.1 1161 private <" + folder + "/requests >" + folder + "/answers");
+    std::ifstream answers(folder + "/answers");
+    return {std::istreambuf_iterator<char>(answers), {}};
+}
+
+bool has_second_client() {
+    return std::filesystem::exists(std::filesystem::path(NODE_CLIENT).replace_filename("node_modules"));
+}
+
+std::string line_of(const Varbind& varbind) {
+    return subtree + varbind.oid + " = " + varbind.value + "\n";
+}
+
+TEST_F(TwoInterfaces, ASecondClientReadsTheSame) {
+    if (!has_second_client()) GTEST_SKIP() << "npm ci --prefix tests/node";
+    std::string requests, expected;
+    for (const ColumnFact& fact : facts)
+        for (unsigned i = 0; i < 2; ++i) {
+            requests += "get " + (subtree + cell(fact, i)) + "\n";
+            expected += line_of(answer(fact, i, true)) + "end\n";
+        }
+    requests += "walk 1.2.840.10036\n";
+    for (const Varbind& varbind : cells_a_walk_reaches(2, true))
+        expected += line_of(varbind);
+    EXPECT_EQ(asked_of_second_client(agent, requests), expected + "end\n");
+}
+
+TEST_F(TwoInterfaces, ASecondClientIsAnsweredTheSame) {
+    if (!has_second_client()) GTEST_SKIP() << "npm ci --prefix tests/node";
+    const struct {
+        const char *request, *answer;
+    } facts_of_requests[] = {
+        {"get 1.2.840.10036.1.1.1.11.11", "1.2.840.10036.1.1.1.11.11 = noSuchInstance"},
+        {"get 1.2.840.10036.1.1.1.12.99", "1.2.840.10036.1.1.1.12.99 = noSuchInstance"},
+        {"get 1.2.840.10036.1.1.1.24.11", "1.2.840.10036.1.1.1.24.11 = noSuchObject"},
+        {"set 1.2.840.10036.1.1.1.12.11 integer 100", "status 17"},
+        {"set 1.2.840.10036.1.1.1.12.11 integer 0", "status 10"},
+        {"set 1.2.840.10036.1.1.1.12.11 octets 00", "status 7"},
+        {"set 1.2.840.10036.1.1.1.12.99 integer 100", "status 11"},
+        {"set 1.2.840.10036.1.1.1.10.11 integer 4", "status 12"},
+        {"set 1.2.840.10036.1.1.1.11.11 octets 82848b96", "status 0"},
+        {"set 1.2.840.10036.1.4.1.4.11.1 octets 6b65793030", "status 0"},
+        {"set 1.2.840.10036.2.2.1.1.11 integer 1", "status 17"},
+    };
+    std::string requests, expected;
+    for (const auto& fact : facts_of_requests) {
+        requests += fact.request + std::string("\n");
+        expected += fact.answer + std::string("\nend\n");
+    }
+    EXPECT_EQ(asked_of_second_client(agent, requests), expected);
 }
 
 // -- when the store is read again
