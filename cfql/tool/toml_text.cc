@@ -25,7 +25,7 @@ std::string basic_string(std::string_view text) {
             line += "\\n";
         } else if (octet == '\t') {
             line += "\\t";
-        } else if ((octet >= 0 && octet < 0x20) || octet == 0x7f) {
+        } else if (static_cast<unsigned char>(octet) < 0x20 || octet == 0x7f) {
             line += "\\u00" + to_hex({&octet, 1});
         } else if (is_c1_control(text.substr(i))) {
             line += "\\u00" + to_hex(text.substr(++i, 1));

@@ -370,7 +370,7 @@ class Reloaded : public OnDevice, public testing::TestWithParam<ReloadedTable> {
         std::vector<Indexes> rows;
         for (unsigned i = 0; i < interfaces; ++i)
             for (const long second : GetParam().second_indexes)
-                rows.push_back({11 + i, second});
+                rows.push_back({static_cast<long>(11 + i), second});
         return rows;
     }
     size_t rows_per_interface() const { return GetParam().second_indexes.size(); }
