@@ -20,6 +20,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options($<$<CONFIG:RelWithDebInfo>:-gdwarf-4>)
 endif()
 
+# A C library that has both, as glibc for older 32-bit machines, is asked for file sizes above 2 GiB and times after 2038.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+
 if(DOT11_SANITIZE)
   # The vptr check needs the C++ runtime, which the module and the library do without.
   add_compile_options(-fsanitize=${DOT11_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
