@@ -62,6 +62,12 @@ bool wait_until(Condition condition, std::chrono::seconds most = std::chrono::se
     return true;
 }
 
+// The agent is the one that was built with the test, or one of another machine (see ./check-cross).
+std::string setting(const char* name, const char* built) {
+    const char* value = getenv(name);
+    return value ? value : built;
+}
+
 void init_client() {
     static const bool done = [] {
         netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
@@ -176,7 +182,6 @@ void Daemon::run() const {
     setenv("SNMP_PERSISTENT_DIR", folder_.c_str(), 1);
     setenv("SNMPCONFPATH", folder_.c_str(), 1);
     setenv("MIBS", "", 1);
-    if (name_ != "master") setenv("LD_PRELOAD", AGENT_PRELOAD, 1);
     setenv("ASAN_OPTIONS", "exitcode=99:detect_odr_violation=0:fast_unwind_on_malloc=0", 1);
     setenv("LSAN_OPTIONS", "suppressions=" LEAK_SUPPRESSIONS, 1);
     setenv("UBSAN_OPTIONS", "halt_on_error=1:print_stacktrace=1", 1);
@@ -184,7 +189,10 @@ void Daemon::run() const {
     const int log_file = open((path + ".log").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     dup2(log_file, STDOUT_FILENO);
     dup2(log_file, STDERR_FILENO);
-    const std::string command = "exec " SNMPD " " + options_ + " -f -Lo -C -c " + path + ".conf";
+    // Set behind the shell, which may be of another machine than the agent.
+    const std::string preload = name_ == "master" ? "" : "env LD_PRELOAD=" + setting("AGENT_PRELOAD", AGENT_PRELOAD);
+    const std::string command =
+        "exec " + preload + " " + setting("AGENT_SNMPD", SNMPD) + " " + options_ + " -f -Lo -C -c " + path + ".conf";
     execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     _exit(127);
 }
@@ -197,10 +205,14 @@ bool Daemon::wait_for(const std::string& line, size_t times) const {
     return wait_until([&] { return occurrences(log(), line) >= times; });
 }
 
+// A signal that comes just before snmpd waits for a request is seen after the request: hence once a second.
 Daemon::~Daemon() {
-    kill(pid_, SIGTERM);
     int status = 0;
-    const bool ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; });
+    bool ended = false;
+    for (int second = 0; second < 30 && !ended; ++second) {
+        kill(pid_, SIGTERM);
+        ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; }, std::chrono::seconds(1));
+    }
     EXPECT_TRUE(ended) << name_ << " hangs";
     if (!ended) {
         kill(pid_, SIGKILL);
@@ -248,7 +260,7 @@ void Agent::make_control() {
 void Agent::start(Role role, const std::string& lines) {
     const std::string manager =
         std::string("agentAddress udp:") + address + "\nrwcommunity " + community + " default\n";
-    const std::string module = "dlmod ieee802dot11 " MODULE "\n";
+    const std::string module = "dlmod ieee802dot11 " + setting("AGENT_MODULE", MODULE) + "\n";
     const std::string agentx = "agentXSocket unix:" + folder_ + "/agentx\n";
     if (role == Role::agent) {
         write_file("agent.conf", manager + module + lines);
@@ -284,11 +296,11 @@ void Agent::restart_master() {
 }
 
 void Agent::configure(const std::string& arguments) const {
-    run(std::string(CFQL) + " --store " + folder_ + "/store.db " + arguments + " >>" + folder_ + "/cfql.log");
+    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db " + arguments + " >>" + folder_ + "/cfql.log");
 }
 
 std::string Agent::exported() const {
-    run(std::string(CFQL) + " --store " + folder_ + "/store.db export >" + folder_ + "/exported.toml");
+    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db export >" + folder_ + "/exported.toml");
     return read_file(folder_ + "/exported.toml");
 }
 

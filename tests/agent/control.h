@@ -1,14 +1,34 @@
-/* What a test and the agent that it runs share: a mapped file, named by the environment variable AGENT_CONTROL. */
-#ifndef AGENT_CONTROL_H
-#define AGENT_CONTROL_H
+// What a test and the agent that it runs share: a mapped file, named by the environment variable AGENT_CONTROL.
+#pragma once
 
-#include <stdint.h>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
-struct agent_control {
-    volatile int64_t now;    /* what gettimeofday answers in the agent, seconds since the epoch; 0: the real time */
-    volatile uint32_t grids; /* calls of cfqlquery_get_grid so far */
-    volatile uint32_t gets;  /* calls of cfqlquery_get_pv so far */
-    volatile uint32_t sets;  /* calls of cfqlquery_set_pv so far */
+// A number in shared memory. The agent may be of another byte order and word size than the test.
+template <class Number>
+class Shared {
+  public:
+    operator Number() const {
+        std::make_unsigned_t<Number> number = 0;
+        for (size_t i = 0; i < sizeof number; ++i)
+            number |= static_cast<std::make_unsigned_t<Number>>(octets_[i]) << (8 * i);
+        return static_cast<Number>(number);
+    }
+    Shared& operator=(Number number) {
+        const auto value = static_cast<std::make_unsigned_t<Number>>(number);
+        for (size_t i = 0; i < sizeof value; ++i)
+            octets_[i] = static_cast<uint8_t>(value >> (8 * i));
+        return *this;
+    }
+
+  private:
+    volatile uint8_t octets_[sizeof(Number)];
 };
 
-#endif
+struct agent_control {
+    Shared<int64_t> now;     // what gettimeofday answers in the agent, seconds since the epoch; 0: the real time
+    Shared<uint32_t> grids;  // calls of cfqlquery_get_grid so far
+    Shared<uint32_t> gets;   // calls of cfqlquery_get_pv so far
+    Shared<uint32_t> sets;   // calls of cfqlquery_set_pv so far
+};

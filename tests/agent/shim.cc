@@ -30,12 +30,19 @@ Function* next(const char* name, Function*) {
 }
 #define NEXT(function) next(#function, &function)
 
+// With 64-bit times on a 32-bit machine, the C library has the function under a name of its own, here as there.
+#if __SIZEOF_POINTER__ == 4 && defined __USE_TIME_BITS64
+constexpr char gettimeofday_name[] = "__gettimeofday64";
+#else
+constexpr char gettimeofday_name[] = "gettimeofday";
+#endif
+
 }  // namespace
 
 extern "C" {
 
 int gettimeofday(timeval* now, void* zone) noexcept {
-    if (!control || control->now == 0) return NEXT(gettimeofday)(now, zone);
+    if (!control || control->now == 0) return next(gettimeofday_name, &gettimeofday)(now, zone);
     *now = {static_cast<time_t>(control->now), 0};
     return 0;
 }
