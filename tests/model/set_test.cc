@@ -72,6 +72,7 @@ class Sets : public testing::Test {
         EXPECT_EQ(answer->status, expected.status);
         EXPECT_EQ(answer->index, expected.index);
         ASSERT_EQ(answer->varbinds.size(), list.size());
+        if (answer->varbinds == expected.varbinds) return;
         for (size_t i = 0; i < list.size(); ++i)
             EXPECT_EQ(shown(answer->varbinds[i]), shown(expected.varbinds[i])) << "varbind " << i + 1;
     }

@@ -131,7 +131,7 @@ const std::vector<Varbind>& representative_varbinds() {
         {name({2, 2, 1, 1, 3}), number(0, counter32)},
         {name({2, 2, 1, 1, 9}), number(0)},
         // dot11GroupAddressesTable. (A NULL of type 5 is left out: some agents refuse it before any handler sees it.)
-        {name({2, 3, 1, 2, 3, 1}), text("\x01\0\x5e\0\0\x01")},
+        {name({2, 3, 1, 2, 3, 1}), text("\x01\x80\x5e\x7f\xff\xfa")},
         {name({2, 3, 1, 3, 3, 1}), number(4)},
         {name({2, 3, 1, 3, 3, 1}), number(1)},
         {name({2, 3, 1, 2, 3, 1}), {end_of_mib_view, ""}},
