@@ -179,7 +179,7 @@ std::string some_interface(Input& input) {
 // What the grids list, which the system may not know, or know under another index.
 void change_interfaces(ScriptedDevice& device, Input& input) {
     const std::string interface = some_interface(input);
-    switch (input.octet() % 6) {
+    switch (input.octet() % 7) {
         case 0:
             device.add_interface(interface, input.octet());
             break;
@@ -196,6 +196,9 @@ void change_interfaces(ScriptedDevice& device, Input& input) {
         case 4:
             device.add("supported-rate", interface);
             break;
+        case 5:
+            device.listings_before_loss = input.octet();
+            break;
         default:
             device.answer_grid(input.octet() & 1 ? "interface" : "supported-rate", {{"name", input.octets()}});
     }
@@ -204,8 +207,10 @@ void change_interfaces(ScriptedDevice& device, Input& input) {
 void move_clock(ScriptedDevice& device, Input& input) {
     static constexpr int64_t moments[] = {0, 15, 1LL << 31, (1LL << 31) - 20, 1LL << 32, 1'000'000'000};
     const uint8_t how = input.octet();
-    if (how < 128)
+    if (how < 96)
         device.now += how;
+    else if (how < 128)
+        device.tick = how - 96;
     else if (how < 192)
         device.now += static_cast<int32_t>(input.word());
     else

@@ -104,7 +104,13 @@ cfqlquery_node* ScriptedDevice::grid(const char* table, const cfqlquery_node* fi
         nodes.emplace_back("name", object.name);
         nodes.insert(nodes.end(), pairs.begin(), pairs.end());
     }
+    if (listings_before_loss > 0 && --listings_before_loss == 0) lose_objects();
     return make(nodes);
+}
+
+void ScriptedDevice::lose_objects() {
+    std::set<std::string> seen;
+    std::erase_if(objects_, [&](const Object& object) { return !seen.insert(object.table).second; });
 }
 
 cfqlquery_node* ScriptedDevice::get(const char* table, const char* object, const char* key) {
@@ -175,6 +181,7 @@ char* __wrap_if_indextoname(unsigned index, char* name) {
 
 int __wrap_gettimeofday(timeval* time, void*) {
     *time = {static_cast<time_t>(device->now), 0};
+    device->now += device->tick;
     return 0;
 }
 

@@ -35,6 +35,8 @@ class ScriptedDevice {
     // Answers get_grid of a table with exactly these nodes, instead of the objects added.
     void answer_grid(const std::string& table, std::vector<Pair> nodes);
     void clear_store();
+    // After that many listings of grids every table has lost all its objects but the first. 0: never.
+    int listings_before_loss = 0;
 
     int32_t set_status = 1;  // what set_pv answers
     // Every call, in order: "grid interface type=service-set", "get interface wlan0 mac", "set bss wlan0
@@ -47,6 +49,7 @@ class ScriptedDevice {
 
     std::map<std::string, unsigned> interfaces;  // name and index
     int64_t now = 1'000'000'000;                 // seconds since the epoch
+    int64_t tick = 0;                            // seconds by which each look at the clock moves it
     // The device's files: what fopen of that path reads. Paths below /proc/net that are not here cannot be opened.
     std::map<std::string, std::string> files;
     std::vector<std::string> opened;  // every path below /proc/net, in order
@@ -80,6 +83,7 @@ class ScriptedDevice {
     using Address = std::vector<std::string>;  // table, object, key
 
     cfqlquery_node* make(const std::vector<Pair>& nodes);
+    void lose_objects();
 
     std::vector<Object> objects_;
     std::map<Address, std::vector<Pair>> answers_;
