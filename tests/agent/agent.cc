@@ -157,6 +157,10 @@ void run(const std::string& command) {
     ASSERT_EQ(system(command.c_str()), 0) << command;
 }
 
+int long_bits_of_agent() {
+    return std::stoi(setting("AGENT_LONG_BITS", std::to_string(8 * sizeof(long)).c_str()));
+}
+
 void add_interface(const std::string& name, unsigned index) {
     const std::string number = std::to_string(index);
     run("ip link add " + name + " index " + number + " type veth peer name far" + number + " index " +
@@ -201,8 +205,8 @@ std::string Daemon::log() const {
     return read_file(folder_ + "/" + name_ + ".log");
 }
 
-bool Daemon::wait_for(const std::string& line, size_t times) const {
-    return wait_until([&] { return occurrences(log(), line) >= times; });
+bool Daemon::wait_for(const std::string& line, size_t times, std::chrono::seconds most) const {
+    return wait_until([&] { return occurrences(log(), line) >= times; }, most);
 }
 
 // A signal that comes just before snmpd waits for a request is seen after the request: hence once a second.

@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -60,7 +61,8 @@ class Daemon {
 
     pid_t pid() const { return pid_; }
     std::string log() const;
-    bool wait_for(const std::string& line, size_t times = 1) const;  // in the log; false after half a minute
+    bool wait_for(const std::string& line, size_t times = 1,
+                  std::chrono::seconds most = std::chrono::seconds(30)) const;  // in the log; false after half a minute
 
   private:
     void run() const;
@@ -111,6 +113,8 @@ class Agent {
 // A wireless-looking interface in the test's namespace, with that index: a veth whose other end is out of the way.
 void add_interface(const std::string& name, unsigned index);
 void remove_interface(const std::string& name);
+
+int long_bits_of_agent();  // the size of a long where the agent runs: 32 or 64
 
 // Runs a shell command; the test fails when it does.
 void run(const std::string& command);

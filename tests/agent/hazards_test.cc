@@ -39,7 +39,13 @@ struct SetFact {
     Values values;
     int status;
     int index;  // of the varbind that the status is about
+    bool beyond_32_bits = false;
 };
+
+// A message with a number larger than the agent's long is dropped before any module sees it.
+bool is_dropped(const SetFact& fact) {
+    return fact.beyond_32_bits && long_bits_of_agent() == 32;
+}
 
 Value integer(int64_t number) {
     return Value::integer(number);
@@ -127,8 +133,8 @@ const std::vector<SetFact> set_facts = {
     {"beacon, of a missing row", {{beacon, integer(100)}, {"1.1.1.12.99", integer(100)}}, no_creation, 2},
 
     // Numbers count in their 32-bit form.
-    {"4294967295 is -1", {{privacy, integer(4294967295)}}, inconsistent, 1},
-    {"4294967295 is -1, as length", {{"1.5.1.3.11", integer(4294967295)}}, wrong_value, 1},
+    {"4294967295 is -1", {{privacy, integer(4294967295)}}, inconsistent, 1, true},
+    {"4294967295 is -1, as length", {{"1.5.1.3.11", integer(4294967295)}}, wrong_value, 1, true},
     {"-1", {{privacy, integer(-1)}}, inconsistent, 1},
     {"NULL", {{beacon, Value::of_type(ASN_NULL)}}, wrong_type, 1},
     {"Counter32", {{beacon, Value::of_type(ASN_COUNTER, integer(100).octets)}}, wrong_type, 1},
@@ -164,6 +170,7 @@ INSTANTIATE_TEST_SUITE_P(Roles, Hazards, testing::Values(Role::agent, Role::suba
 TEST_P(Hazards, EverySetIsAnsweredAsStatedAndSurvived) {
     Agent agent(configuration, GetParam());
     for (const SetFact& fact : set_facts) {
+        if (is_dropped(fact)) continue;
         const Response response = agent.set(fact.values);
         EXPECT_EQ(response.status, fact.status) << fact.what;
         EXPECT_EQ(response.index, fact.index) << fact.what;
@@ -194,19 +201,27 @@ TEST_P(Hazards, RequestsGivenToTheHandlerOneByOne) {
     Agent agent(configuration, GetParam(),
                 "injectHandler serialize dot11StationConfigTable\ninjectHandler serialize dot11WEPKeyMappingsTable\n");
     for (const SetFact& fact : set_facts) {
+        if (is_dropped(fact)) continue;
         EXPECT_NE(agent.set(fact.values).status, -1) << fact.what;
         expect_right_answers(agent, fact.what);
     }
+}
+
+// The agent hears the signal only once it serves requests, and may go to sleep between the signal and its look for one.
+bool reloads(Agent& agent, size_t times) {
+    for (int second = 0; second < 30; ++second) {
+        kill(agent.daemon().pid(), SIGHUP);
+        agent.get({beacon});
+        if (agent.daemon().wait_for("and dot11RegDomainsSupportedTable", times, std::chrono::seconds(1))) return true;
+    }
+    return false;
 }
 
 // The agent loads the module of each "dlmod" line again, which registers its tables again and is refused.
 TEST_P(Hazards, TheModuleLoadedAgainFiftyTimes) {
     Agent agent(configuration, GetParam());
     for (size_t times = 1; times <= 50; ++times) {
-        kill(agent.daemon().pid(), SIGHUP);
-        // A request, for the agent may have gone to sleep between the signal and its look for one.
-        agent.get({beacon});
-        ASSERT_TRUE(agent.daemon().wait_for("and dot11RegDomainsSupportedTable", times)) << times;
+        ASSERT_TRUE(reloads(agent, times)) << times;
         ASSERT_EQ(agent.get({beacon}).varbinds[0].value, "INTEGER 100") << times;
     }
     expect_right_answers(agent, "fifty times SIGHUP");
