@@ -62,7 +62,7 @@ class Daemon {
     pid_t pid() const { return pid_; }
     std::string log() const;
     bool wait_for(const std::string& line, size_t times = 1,
-                  std::chrono::seconds most = std::chrono::seconds(30)) const;  // in the log; false after half a minute
+                  std::chrono::seconds most = std::chrono::seconds(30)) const;  // in the log; false after `most`
 
   private:
     void run() const;
