@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "util/net_snmp.h"
+#include "access/column.h"
 
 template <class Member>
 struct MemberOf;
@@ -109,6 +109,7 @@ int store_word(void* row, const void* value) {
 // Stores a fixed number of octets into the row, and so nowhere else.
 template <auto member, size_t count>
 int store_octets(void* row, const void* value) {
+    static_assert(count <= most_octets_read);
     static_assert(count <= sizeof(FieldOf<member>));
     memcpy(field<member>(row), value, count);
     return SNMP_ERR_NOERROR;

@@ -9,6 +9,9 @@ extern "C" {
 // The column's value in a row: a pointer to its octets, never null, and their number in `*length`. See accessors.h.
 typedef void* GetColumn(void* row, size_t* length);
 
+// The most octets that a SetColumn reads.
+constexpr size_t most_octets_read = 8;
+
 // Writes a value, which its check has accepted, into a row; an SNMP error status (RFC 3416), 0 when it was stored.
 // `value` is a 32-bit integer in host order or octets. The length is not used.
 typedef int SetColumn(void* row, const void* value, size_t length);

@@ -1,5 +1,6 @@
 // The mode machine behind every table's handler.
 #include <cstdlib>
+#include <cstring>
 
 #include "agent/set_records.h"
 #include "agent/table.h"
@@ -21,14 +22,17 @@ void fail(const Phase& phase, netsnmp_request_info* request, int status) {
 }
 
 // The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, in its 32-bit
-// form.
+// form; few octets with zeroes behind them, for an accessor reads its number of octets whatever the length. A master
+// that goes on to ACTION after a failed check so has values written that are short, but none that are not there.
 class RequestValue {
   public:
     explicit RequestValue(const netsnmp_variable_list& varbind) : value_(varbind.val.string), length_(varbind.val_len) {
-        if (varbind.type != ASN_INTEGER || !varbind.val.integer) return;
-        integer_ = static_cast<int32_t>(*varbind.val.integer);
-        value_ = &integer_;
-        length_ = sizeof integer_;
+        if (!value_) return;
+        const auto integer = varbind.type == ASN_INTEGER ? static_cast<int32_t>(*varbind.val.integer) : 0;
+        if (varbind.type == ASN_INTEGER)
+            copy(&integer, sizeof integer);
+        else if (length_ < sizeof copy_)
+            copy(value_, length_);
     }
     RequestValue(const RequestValue&) = delete;
     RequestValue& operator=(const RequestValue&) = delete;
@@ -37,7 +41,13 @@ class RequestValue {
     size_t length() const { return length_; }
 
   private:
-    int32_t integer_ = 0;
+    void copy(const void* value, size_t length) {
+        memcpy(copy_, value, length);
+        value_ = copy_;
+        length_ = length;
+    }
+
+    alignas(int32_t) uint8_t copy_[most_octets_read] = {};
     const void* value_;
     size_t length_;
 };
@@ -92,11 +102,17 @@ void check(const Phase& phase, netsnmp_request_info* request, const CommitRecord
     }
 }
 
+// Nothing is written without a row or without a value.
+int written(const CommitRecord* record, const Column& column, const netsnmp_variable_list& varbind) {
+    const RequestValue value(varbind);
+    if (!record) return SNMP_ERR_RESOURCEUNAVAILABLE;
+    return value.value() ? column.set(record->row, value.value(), value.length()) : SNMP_ERR_GENERR;
+}
+
 Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
     if (!column || !column->set) return Next::request;
     if (column->write_ends_handler) return Next::ends;
-    const RequestValue value(*request->requestvb);
-    const int status = record ? column->set(record->row, value.value(), value.length()) : SNMP_ERR_RESOURCEUNAVAILABLE;
+    const int status = written(record, *column, *request->requestvb);
     if (status != SNMP_ERR_NOERROR) fail(phase, request, status);
     return Next::request;
 }

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "access/column.h"
+
 namespace {
 
 // A commit record and what has to be released with it at the end of the PDU.
@@ -12,10 +14,6 @@ struct OwnedRecord {
     void* owned_row;
     OwnedRecord* next;
 };
-
-// An undo value is written back through any column's accessor, its own length notwithstanding: none takes more than
-// this.
-constexpr size_t smallest_undo_value = 16;
 
 constexpr char pdu_data[] = "ieee802dot11";
 
@@ -103,7 +101,8 @@ const UndoRecord* find_undo_record(const Key& request) {
 UndoRecord* make_undo_record(const void* value, size_t length) {
     auto* record = static_cast<UndoRecord*>(calloc(1, sizeof(UndoRecord)));
     if (!record) return nullptr;
-    record->value = calloc(1, std::max(length, smallest_undo_value));
+    // Written back through any column's accessor, its own length notwithstanding.
+    record->value = calloc(1, std::max(length, most_octets_read));
     if (!record->value) {
         ieee802dot11_free_undoInfo(record);
         return nullptr;

@@ -363,6 +363,17 @@ TEST(Action, AValueIsStoredInItsThirtyTwoBits) {
     list.run(MODE_SET_COMMIT);
 }
 
+// A subagent's master may go on although the check has failed.
+TEST(Action, AValueThatWasNotCheckedIsFilledUpWithZeroes) {
+    GroupAddresses list;
+    list.add(2, {11, 1}, &list.first, "AB").add(3, {11, 1}, &list.first, "").add(2, {11, 1}, &list.first);
+    EXPECT_THAT(list.run(MODE_SET_RESERVE1), ElementsAre(no_error, no_error, no_error));
+    EXPECT_THAT(list.run(MODE_SET_ACTION), ElementsAre(no_error, no_error, generic_error));
+    EXPECT_EQ(memcmp(list.first.dot11Address, "AB\0\0\0\0", 6), 0);
+    EXPECT_EQ(list.first.dot11GroupAddressesStatus, 0);
+    list.run(MODE_SET_UNDO);
+}
+
 // The keys of the whole list come from its first varbind.
 TEST(Action, TwoRowsOfOneTableWriteToTheFirst) {
     GroupAddresses list;
