@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iomanip>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -21,6 +22,10 @@ namespace {
 constexpr char subtree[] = "1.2.840.10036.";
 constexpr char address[] = "127.0.0.1:1161";
 constexpr char community[] = "private";
+// Of the master of a subagent, which leaves UCD-DLMOD-MIB to the subagent.
+constexpr char master_options[] = "-I -dlmod";
+constexpr char module_file[] = "ieee802dot11.so";
+constexpr size_t most_on_their_way = 16;
 
 using Oid = std::vector<oid>;
 
@@ -51,15 +56,8 @@ size_t occurrences(const std::string& text, const std::string& part) {
     return count;
 }
 
-// Waits until `condition` holds, for at most that long.
-template <class Condition>
-bool wait_until(Condition condition, std::chrono::seconds most = std::chrono::seconds(30)) {
-    const auto end = std::chrono::steady_clock::now() + most;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
+bool under_valgrind() {
+    return getenv("AGENT_VALGRIND") != nullptr;
 }
 
 // The agent is the one that was built with the test, or one of another machine (see ./check-cross).
@@ -153,12 +151,25 @@ Value Value::integer(int64_t number) {
     return {ASN_INTEGER, {reinterpret_cast<const char*>(&value), sizeof value}};
 }
 
+bool wait_until(const std::function<bool()>& condition, std::chrono::seconds most) {
+    const auto end = std::chrono::steady_clock::now() + (under_valgrind() ? 10 * most : most);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
 void run(const std::string& command) {
     ASSERT_EQ(system(command.c_str()), 0) << command;
 }
 
 int long_bits_of_agent() {
     return std::stoi(setting("AGENT_LONG_BITS", std::to_string(8 * sizeof(long)).c_str()));
+}
+
+std::string built_module() {
+    return setting("AGENT_MODULE", MODULE);
 }
 
 void add_interface(const std::string& name, unsigned index) {
@@ -178,6 +189,13 @@ Daemon::Daemon(const std::string& folder, const std::string& name, const std::st
     EXPECT_TRUE(wait_for(up)) << log();
 }
 
+// What runs the agent's program, with a blank behind; nothing for the program by itself.
+std::string Daemon::tool() const {
+    if (!under_valgrind() || name_ == "master") return "";
+    return "valgrind --quiet --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite "
+           "--error-exitcode=98 --num-callers=40 --suppressions=" VALGRIND_SUPPRESSIONS " ";
+}
+
 // In the new process. The sanitizers report into the log, and end the agent with 99.
 void Daemon::run() const {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -195,8 +213,8 @@ void Daemon::run() const {
     dup2(log_file, STDERR_FILENO);
     // Set behind the shell, which may be of another machine than the agent.
     const std::string preload = name_ == "master" ? "" : "env LD_PRELOAD=" + setting("AGENT_PRELOAD", AGENT_PRELOAD);
-    const std::string command =
-        "exec " + preload + " " + setting("AGENT_SNMPD", SNMPD) + " " + options_ + " -f -Lo -C -c " + path + ".conf";
+    const std::string command = "exec " + preload + " " + tool() + setting("AGENT_SNMPD", SNMPD) + " " + options_ +
+                                " -f -Lo -C -c " + path + ".conf";
     execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     _exit(127);
 }
@@ -228,14 +246,15 @@ Daemon::~Daemon() {
     EXPECT_EQ(text.find("Sanitizer"), std::string::npos) << text;
 }
 
-Agent::Agent(const std::string& configuration, Role role, const std::string& lines) {
+Agent::Agent(const std::string& configuration, Role role, const std::string& lines, const std::string& options) {
     folder_ = (std::filesystem::temp_directory_path() / "agent-XXXXXX").string();
     if (!mkdtemp(folder_.data())) ADD_FAILURE() << "no folder " << folder_;
     make_control();
     write_file("store.toml", configuration);
     configure("init");
     configure("import " + folder_ + "/store.toml");
-    start(role, lines);
+    replace_module();
+    start(role, lines, options);
     session_ = open_session();
     EXPECT_NE(session_, nullptr);
     wait_for_tables();
@@ -253,6 +272,12 @@ void Agent::write_file(const std::string& name, const std::string& text) const {
     std::ofstream(folder_ + "/" + name) << text;
 }
 
+void Agent::replace_module() const {
+    const std::string path = folder_ + "/" + module_file;
+    std::filesystem::copy_file(built_module(), path + ".new");
+    std::filesystem::rename(path + ".new", path);
+}
+
 void Agent::make_control() {
     const int file = open((folder_ + "/control").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (ftruncate(file, sizeof *control_) != 0) ADD_FAILURE() << "no file " << folder_ << "/control";
@@ -261,18 +286,18 @@ void Agent::make_control() {
     close(file);
 }
 
-void Agent::start(Role role, const std::string& lines) {
+void Agent::start(Role role, const std::string& lines, const std::string& options) {
     const std::string manager =
         std::string("agentAddress udp:") + address + "\nrwcommunity " + community + " default\n";
-    const std::string module = "dlmod ieee802dot11 " + setting("AGENT_MODULE", MODULE) + "\n";
+    const std::string module = "dlmod ieee802dot11 " + folder_ + "/" + module_file + "\n";
     const std::string agentx = "agentXSocket unix:" + folder_ + "/agentx\n";
     if (role == Role::agent) {
         write_file("agent.conf", manager + module + lines);
-        daemon_ = std::make_unique<Daemon>(folder_, "agent", "", "NET-SNMP version");
+        daemon_ = std::make_unique<Daemon>(folder_, "agent", options, "NET-SNMP version");
     } else {
         write_file("master.conf", manager + agentx + "master agentx\n");
         write_file("subagent.conf", agentx + "agentXPingInterval 1\n" + module + lines);
-        master_ = std::make_unique<Daemon>(folder_, "master", "", "NET-SNMP version");
+        master_ = std::make_unique<Daemon>(folder_, "master", master_options, "NET-SNMP version");
         daemon_ = std::make_unique<Daemon>(folder_, "subagent", "-X -I dlmod", "AgentX subagent connected");
     }
 }
@@ -294,13 +319,26 @@ void Agent::wait_for_tables() {
 
 void Agent::restart_master() {
     master_.reset();
-    master_ = std::make_unique<Daemon>(folder_, "master", "", "NET-SNMP version");
+    master_ = std::make_unique<Daemon>(folder_, "master", master_options, "NET-SNMP version");
     EXPECT_TRUE(daemon_->wait_for("AgentX subagent connected", 2)) << daemon_->log();
     wait_for_tables();
 }
 
-void Agent::configure(const std::string& arguments) const {
-    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db " + arguments + " >>" + folder_ + "/cfql.log");
+// The agent hears the signal only once it serves requests, and may go to sleep between the signal and its look for one.
+bool Agent::reload(size_t lines) {
+    constexpr char last_refusal[] = "and dot11RegDomainsSupportedTable";
+    const size_t before = occurrences(daemon_->log(), last_refusal);
+    for (int second = 0; second < 30; ++second) {
+        kill(daemon_->pid(), SIGHUP);
+        get({"1"});
+        if (daemon_->wait_for(last_refusal, before + lines, std::chrono::seconds(1))) return true;
+    }
+    return false;
+}
+
+void Agent::configure(const std::string& arguments, const std::string& store) const {
+    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/" + store + " " + arguments + " >>" + folder_ +
+        "/cfql.log");
 }
 
 std::string Agent::exported() const {
@@ -324,13 +362,20 @@ Response Agent::send(netsnmp_pdu* pdu) {
 
 namespace {
 
-netsnmp_pdu* request(int command, const std::vector<std::string>& oids) {
+netsnmp_pdu* pdu_of(int command, const std::vector<std::pair<std::string, Value>>& values) {
     netsnmp_pdu* pdu = snmp_pdu_create(command);
-    for (const std::string& text : oids) {
+    for (const auto& [text, value] : values) {
         const Oid name = parsed(text);
-        snmp_add_null_var(pdu, name.data(), name.size());
+        snmp_pdu_add_variable(pdu, name.data(), name.size(), value.type, value.octets.data(), value.octets.size());
     }
     return pdu;
+}
+
+netsnmp_pdu* request(int command, const std::vector<std::string>& oids) {
+    std::vector<std::pair<std::string, Value>> values;
+    for (const std::string& oid : oids)
+        values.emplace_back(oid, Value::of_type(ASN_NULL));
+    return pdu_of(command, values);
 }
 
 }  // namespace
@@ -351,12 +396,64 @@ Response Agent::get_bulk(const std::vector<std::string>& oids, long repetitions)
 }
 
 Response Agent::set(const std::vector<std::pair<std::string, Value>>& values) {
-    netsnmp_pdu* pdu = snmp_pdu_create(SNMP_MSG_SET);
-    for (const auto& [text, value] : values) {
-        const Oid name = parsed(text);
-        snmp_pdu_add_variable(pdu, name.data(), name.size(), value.type, value.octets.data(), value.octets.size());
+    return send(pdu_of(SNMP_MSG_SET, values));
+}
+
+namespace {
+
+struct Exchange {
+    size_t on_their_way = 0;
+    size_t wrong = 0;
+};
+
+// A request of an exchange, as its answers are held against it.
+struct Sent {
+    netsnmp_pdu* pdu;
+    int status;
+    Exchange* exchange;
+};
+
+int received(int operation, netsnmp_session*, int, netsnmp_pdu* answer, void* magic) {
+    const auto* sent = static_cast<const Sent*>(magic);
+    --sent->exchange->on_their_way;
+    const bool right = operation == NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE && answer->errstat == sent->status;
+    if (!right) ++sent->exchange->wrong;
+    return 1;
+}
+
+void receive_some() {
+    int files = 0, block = 1;
+    fd_set readable;
+    FD_ZERO(&readable);
+    timeval most = {};
+    snmp_select_info(&files, &readable, &most, &block);
+    if (select(files, &readable, nullptr, nullptr, block ? nullptr : &most) > 0)
+        snmp_read(&readable);
+    else
+        snmp_timeout();
+}
+
+}  // namespace
+
+size_t Agent::exchange(const std::vector<Repeated>& requests, size_t count) {
+    Exchange exchange;
+    std::vector<Sent> all;
+    for (const Repeated& request : requests)
+        all.push_back({pdu_of(request.command, request.values), request.status, &exchange});
+    for (size_t i = 0; i < count; ++i) {
+        while (exchange.on_their_way >= most_on_their_way)
+            receive_some();
+        Sent& sent = all[i % all.size()];
+        netsnmp_pdu* pdu = snmp_clone_pdu(sent.pdu);
+        pdu->reqid = snmp_get_next_reqid();
+        if (snmp_async_send(session_, pdu, received, &sent) == 0) throw std::runtime_error("a request was not sent");
+        ++exchange.on_their_way;
     }
-    return send(pdu);
+    while (exchange.on_their_way > 0)
+        receive_some();
+    for (const Sent& sent : all)
+        snmp_free_pdu(sent.pdu);
+    return exchange.wrong;
 }
 
 std::vector<Varbind> Agent::walk(const std::string& root, size_t most) {

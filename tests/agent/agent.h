@@ -3,12 +3,15 @@
 // Each test has a namespace of its own (main.cc). An Agent has a folder of its own with the
 // store, which the project's tool fills, its configuration and its log. It is stopped at the end of its life; the test
 // fails when it ended in any other way than by being asked, or when its log tells of a module that was not loaded.
+//
+// With the environment variable AGENT_VALGRIND set, the agent runs under valgrind, and errors and leaks fail the test.
 #pragma once
 
 #include <sys/types.h>
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -46,6 +49,13 @@ struct Response {
     std::vector<Varbind> varbinds;
 };
 
+// A request that is sent many times, and the status that its answer must have.
+struct Repeated {
+    int command;  // SNMP_MSG_GET, SNMP_MSG_GETNEXT, SNMP_MSG_SET
+    std::vector<std::pair<std::string, Value>> values;
+    int status = 0;
+};
+
 // How the module meets the manager: in the agent that is asked, or in a subagent behind it (AgentX, RFC 2741).
 enum class Role { agent, subagent };
 
@@ -66,6 +76,7 @@ class Daemon {
 
   private:
     void run() const;
+    std::string tool() const;
 
     std::string folder_, name_, options_;
     pid_t pid_ = -1;
@@ -74,8 +85,9 @@ class Daemon {
 class Agent {
   public:
     // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's
-    // configuration.
-    explicit Agent(const std::string& configuration, Role role = Role::agent, const std::string& lines = "");
+    // configuration. `options`: of the agent's program where the agent is not a subagent.
+    explicit Agent(const std::string& configuration, Role role = Role::agent, const std::string& lines = "",
+                   const std::string& options = "");
     ~Agent();
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
@@ -85,21 +97,29 @@ class Agent {
     Response get_next(const std::vector<std::string>& oids);
     Response get_bulk(const std::vector<std::string>& oids, long repetitions);
     Response set(const std::vector<std::pair<std::string, Value>>& values);
+    // Sends `count` of the requests, in turn and with several on their way at any time. How many were not answered with
+    // their status.
+    size_t exchange(const std::vector<Repeated>& requests, size_t count);
     // All varbinds below an OID, by GETNEXT. Ends after `most` of them.
     std::vector<Varbind> walk(const std::string& root, size_t most = 100'000);
 
-    // Runs the store's tool on the agent's store: configure("set interface wlan0 ssid lobby").
-    void configure(const std::string& arguments) const;
+    // Runs the store's tool on the agent's store, or on another in its folder: configure("set interface wlan0 ssid
+    // lobby").
+    void configure(const std::string& arguments, const std::string& store = "store.db") const;
     std::string exported() const;  // the store's content
 
+    const std::string& folder() const { return folder_; }  // with its store, "store.db"
+    void replace_module() const;                           // by a file of its own with the same content
+
     agent_control& control() { return *control_; }
-    const std::string& folder() const { return folder_; }
     Daemon& daemon() { return *daemon_; }  // the one that has the module
     void restart_master();                 // of a subagent
+    // Has the agent load the modules of its "dlmod" lines again. False when it does not within half a minute.
+    bool reload(size_t lines = 1);
 
   private:
     void make_control();
-    void start(Role role, const std::string& lines);
+    void start(Role role, const std::string& lines, const std::string& options);
     void wait_for_tables();
     void write_file(const std::string& name, const std::string& text) const;
     Response send(netsnmp_pdu* pdu);
@@ -115,6 +135,12 @@ void add_interface(const std::string& name, unsigned index);
 void remove_interface(const std::string& name);
 
 int long_bits_of_agent();  // the size of a long where the agent runs: 32 or 64
+
+// Waits until the condition holds, for at most that long, and ten times as long under valgrind. False when it does not.
+bool wait_until(const std::function<bool()>& condition, std::chrono::seconds most = std::chrono::seconds(30));
+
+// The path of the built module. The agent loads a copy.
+std::string built_module();
 
 // Runs a shell command; the test fails when it does.
 void run(const std::string& command);
