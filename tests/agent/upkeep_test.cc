@@ -88,6 +88,8 @@ INSTANTIATE_TEST_SUITE_P(Roles, Module, testing::Values(Role::agent, Role::subag
 TEST_P(Module, UnloadedAndLoadedBySnmp) {
     start(full_configuration(2));
     const std::string status = ".1.3.6.1.4.1.2021.13.14.2.1.5.1";
+    // A subagent registers this table behind the module's.
+    EXPECT_TRUE(wait_until([&] { return get(status) == "INTEGER 1"; }));
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(agent->set({{status, Value::integer(5)}}).status, 0);
         EXPECT_EQ(get(status), "INTEGER 2");
