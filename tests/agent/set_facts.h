@@ -55,9 +55,9 @@ inline Value octets(size_t count) {
 
 // wlan0 has index 11; 99 is no interface. The unbacked tables have no rows.
 inline const std::string beacon = "1.1.1.12.11", rate_set = "1.1.1.11.11", privacy = "1.5.1.1.11",
-                  authentication = "1.2.1.3.11.1", key_address = "1.4.1.2.11.1", key_on = "1.4.1.3.11.1",
-                  key_value = "1.4.1.4.11.1", key_status = "1.4.1.5.11.1", group_address = "2.3.1.2.11.1",
-                  group_status = "2.3.1.3.11.1", erp_enabled = "4.14.1.2.11";
+                         authentication = "1.2.1.3.11.1", key_address = "1.4.1.2.11.1", key_on = "1.4.1.3.11.1",
+                         key_value = "1.4.1.4.11.1", key_status = "1.4.1.5.11.1", group_address = "2.3.1.2.11.1",
+                         group_status = "2.3.1.3.11.1", erp_enabled = "4.14.1.2.11";
 
 inline const std::vector<SetFact> set_facts = {
     // A table without rows takes a value, into a row of its own that nothing reads.
