@@ -286,8 +286,8 @@ void Agent::make_control() {
 }
 
 void Agent::start(Role role, const std::string& lines, const std::string& options) {
-    const std::string manager =
-        std::string("agentAddress udp:") + address + "\nrwcommunity " + community + " default\n";
+    const std::string manager = std::string("agentAddress udp:") + address +
+                                "\ndontLogTCPWrappersConnects yes\nrwcommunity " + community + " default\n";
     const std::string module = "dlmod ieee802dot11 " + folder_ + "/" + module_file + "\n";
     const std::string agentx = "agentXSocket unix:" + folder_ + "/agentx\n";
     if (role == Role::agent) {
