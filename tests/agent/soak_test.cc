@@ -45,7 +45,7 @@ rate = "110"
 std::vector<Repeated> sets() {
     std::vector<Repeated> requests;
     for (const SetFact& fact : set_facts)
-        requests.push_back({SNMP_MSG_SET, fact.values, fact.status});
+        if (!is_dropped(fact)) requests.push_back({SNMP_MSG_SET, fact.values, fact.status});
     return requests;
 }
 
