@@ -23,7 +23,7 @@ constexpr Fact table[] = {
     {"dot11-privacy-option-implemented",       interface, flag,       "2", 0, {}, "1", "0 2"},
     {"security",                               interface, text,       "2"},
     {"ssid",                                   interface, text,       "the text 0", 32},
-    {"rate",                                   rate,      number,     "one octet 00 as the operational rate set", rate_text_width},
+    {"rate",                                   rate,      rate_text,  "one octet 00 as the operational rate set", rate_text_width},
     {"beacon-interval",                        radio,     number,     "1"},
     {"dtim-period",                            bss,       number,     "1"},
     {"dot11d",                                 radio,     flag,       "implemented 2, enabled -1", 0, {}, "up", "down"},
@@ -47,7 +47,7 @@ constexpr Fact table[] = {
     {"wep-key-3",                              interface, text,       unset_wep_key, 64},
     {"wep-key-4",                              interface, text,       unset_wep_key, 64},
 
-    {"rts-threshold",                          radio,     number,     "2347", 0, "0"},
+    {"rts-threshold",                          radio,     number,     "2347, or 2346 when \"fragmentation-threshold\" is not set", 0, "0"},
     {"fragmentation-threshold",                radio,     number,     "2346, as the RTS threshold", 0, "0"},
     {"dot11-short-retry-limit",                interface, number,     "7", 0, "0"},
     {"dot11-long-retry-limit",                 interface, number,     "4", 0, "0"},

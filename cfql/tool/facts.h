@@ -20,13 +20,14 @@ enum class Holder {
 };
 
 enum class Conversion {
-    text,      // octets, clipped at the width
-    number,    // decimal text to a signed 32-bit number; -1 when it is none
-    phy_type,  // a number; what is not 0 to 3 becomes 1
-    mac,       // 12 hexadecimal digits, colons removed
-    flag,      // on when it is exactly the text `on`; `off` lists the texts that plainly mean the contrary
-    country,   // two characters
-    link,      // the name of an object in the table of the key's own name
+    text,       // octets, clipped at the width
+    number,     // decimal text to a signed 32-bit number; -1 when it is none
+    phy_type,   // a number; what is not 0 to 3 becomes 1
+    rate_text,  // a number, which the two tables of rates and the operational rate set each convert further
+    mac,        // 12 hexadecimal digits, colons removed
+    flag,       // on when it is exactly the text `on`; `off` lists the texts that plainly mean the contrary
+    country,    // two characters
+    link,       // the name of an object in the table of the key's own name
 };
 
 struct Fact {
@@ -45,8 +46,9 @@ std::span<const Fact> facts();
 // The limits of the agent's tables.
 inline constexpr std::string_view served_type = "service-set";  // the "type" of an interface that is served
 inline constexpr std::size_t longest_interface_name = 5;
-inline constexpr std::size_t most_interfaces = 128;  // with more, nothing is served
-inline constexpr std::size_t most_rates = 8;         // of one group
+inline constexpr std::size_t most_interfaces = 128;    // with more, nothing is served
+inline constexpr std::size_t most_rate_objects = 129;  // the others are skipped
+inline constexpr std::size_t most_rates = 8;           // of one group
 inline constexpr std::size_t most_rate_groups = 10;
 inline constexpr std::size_t rate_text_width = 5;  // octets
 inline constexpr int lowest_rate = 2;              // served for a smaller one, and for none

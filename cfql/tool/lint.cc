@@ -55,16 +55,25 @@ std::string number_served(const Fact& fact, int value) {
 
 std::string fault_of_number(const Fact& fact, std::string_view text) {
     const std::optional<Number> read = number(text);
-    if (!read) return excerpt(text) + " is no decimal number: served as " + number_served(fact, -1);
-    if (read->wrapped) return excerpt(text) + " does not fit 32 bits: served as " + number_served(fact, read->value);
+    const std::string served = ": served as " + number_served(fact, read ? read->value : -1);
+    if (!read || !read->has_digits) return excerpt(text) + " is no decimal number" + served;
+    if (read->wrapped) return excerpt(text) + " does not fit 32 bits" + served;
     if (read->value >= 0 || fact.negative.empty()) return {};
-    return excerpt(text) + " is negative: served as " + number_served(fact, read->value);
+    return excerpt(text) + " is negative" + served;
 }
 
 std::string fault_of_phy_type(std::string_view text) {
     const std::optional<Number> read = number(text);
-    if (read && read->value >= 0 && read->value <= 3) return {};
-    return excerpt(text) + " is not 0 to 3: served as 1";
+    const bool is_type = read && read->value >= 0 && read->value <= 3;
+    if (is_type && read->has_digits && !read->wrapped) return {};
+    return excerpt(text) + " is not 0 to 3: served as " + std::to_string(is_type ? read->value : 1);
+}
+
+std::string fault_of_rate(std::string_view text) {
+    const std::optional<Number> read = number(text);
+    if (read && read->has_digits && read->value >= 0) return {};  // too long a one is clipped
+    return excerpt(text) + " is no rate: served as " + std::to_string(served_rate(text)) +
+           ", and as the operational rate set " + std::to_string(operational_rate(text));
 }
 
 std::string fault_of_mac(std::string_view text) {
@@ -90,6 +99,8 @@ std::string fault_of(const Fact& fact, std::string_view value) {
             return fault_of_number(fact, value);
         case Conversion::phy_type:
             return fault_of_phy_type(value);
+        case Conversion::rate_text:
+            return fault_of_rate(value);
         case Conversion::mac:
             return fault_of_mac(value);
         case Conversion::flag:
@@ -202,6 +213,7 @@ class Lint {
         const Object* radio = follow(bss, "radio");
         const Object* own_radio = find("radio", name);
         if (radio != nullptr && radio != own_radio) warn_of_channel(name, *radio);
+        if (radio != nullptr) warn_of_thresholds(*radio);
         // In the order of Holder.
         const Object* const holders[] = {
             interface, bss, radio, own_radio, find("supported-rate", name), find(singleton_table, "")};
@@ -245,20 +257,31 @@ class Lint {
                                                        ": that one is looked up in " + place("radio", interface));
     }
 
+    // The default of the fragmentation threshold goes into the RTS threshold.
+    void warn_of_thresholds(const Object& radio) {
+        if (value_of(&radio, "rts-threshold").empty() || !value_of(&radio, "fragmentation-threshold").empty()) return;
+        findings_.warn(place("radio", radio.name),
+                       "key \"rts-threshold\": without \"fragmentation-threshold\" served as 2346");
+    }
+
     void examine_rates() {
         std::vector<std::string> names;
         std::vector<std::string> rates;
         for (const Object& object : contents_) {
             if (object.table != "supported-rate") continue;
             const std::string where = place(object.table, object.name);
-            const std::string reason = obstacle(object.name);
+            const std::string reason = names.size() < most_rate_objects
+                                           ? obstacle(object.name)
+                                           : "skipped: " + std::to_string(most_rate_objects) + " are before it";
             if (!reason.empty()) {
                 findings_.warn(where, reason);
                 continue;
             }
             const Object& first = *find(object.table, object.name);  // the others are only counted
-            if (!first.attributes.contains("rate"))
-                findings_.warn(where, "no \"rate\": the walk over the rates ends here");
+            if (!first.attributes.contains("rate")) {
+                findings_.warn(where, "no \"rate\": what is served of all rates depends on the requests before");
+                rates_are_foreseeable_ = false;
+            }
             names.push_back(object.name);
             rates.emplace_back(value_of(&first, "rate"));
         }
@@ -282,6 +305,7 @@ class Lint {
             findings_.warn(where, std::to_string(group.size) + " rates in a row: only " + std::to_string(most_rates) +
                                       " are served");
         }
+        if (!rates_are_foreseeable_) return;
         std::string values;
         for (const int value : group.served)
             values += (values.empty() ? "" : ", ") + std::to_string(value);
@@ -312,6 +336,7 @@ class Lint {
     const Contents& contents_;
     bool offline_;
     bool list_defaults_;
+    bool rates_are_foreseeable_ = true;
     std::map<std::pair<std::string, std::string>, const Object*> first_;  // by table and name
     Findings findings_;
 };

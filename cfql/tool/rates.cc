@@ -21,7 +21,7 @@ std::optional<Number> number(std::string_view text) {
         exact = std::min(exact * 10 + value, ceiling);
     }
     const std::uint64_t highest = (ceiling / 2) - (negative ? 0 : 1);
-    return Number{static_cast<int>(negative ? 0U - sum : sum), exact > highest};
+    return Number{static_cast<int>(negative ? 0U - sum : sum), exact > highest, !text.empty()};
 }
 
 namespace {
@@ -31,12 +31,12 @@ int as_number(std::string_view text) {
     return read ? read->value : -1;
 }
 
+}  // namespace
+
 int served_rate(std::string_view text) {
     const int rate = as_number(text.substr(0, rate_text_width));  // at most five digits: no overflow
     return std::max(rate * 2 / 10, lowest_rate);
 }
-
-}  // namespace
 
 // The agent takes the octet for the character of a hexadecimal digit where it happens to be the code of one.
 unsigned operational_rate(std::string_view text) {

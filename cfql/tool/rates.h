@@ -19,13 +19,17 @@ struct RateGroup {
 // positions.
 std::vector<RateGroup> rate_groups(const std::vector<std::string>& names, const std::vector<std::string>& rates);
 
+// One row's value, in units of 500 kbit/s, for the text of a rate.
+int served_rate(std::string_view text);
+
 // The one octet of the operational rate set, for the text of a rate.
 unsigned operational_rate(std::string_view text);
 
 // Decimal text as the agent reads it: an optional sign and digits, modulo 2^32; none when it holds anything else.
 struct Number {
     int value;
-    bool wrapped;  // it did not fit 32 bits
+    bool wrapped;     // it did not fit 32 bits
+    bool has_digits;  // a sign alone, too, is read as 0
 };
 std::optional<Number> number(std::string_view text);
 
