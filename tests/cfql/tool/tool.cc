@@ -30,10 +30,12 @@ struct Pipe {
 };
 
 // Only what is safe between fork and exec.
+// The program is opened before the rights are given up: another user may have no way into the folder of the build.
 [[noreturn]] void become_tool(const std::string& store, const std::vector<char*>& arguments, unsigned user) {
+    const int program = open(CFQL_TOOL, O_RDONLY | O_CLOEXEC);
     if (user != 0 && (setgroups(0, nullptr) != 0 || setgid(user) != 0 || setuid(user) != 0)) _exit(125);
     setenv("CFQL_STORE", store.c_str(), 1);
-    execv(CFQL_TOOL, arguments.data());
+    fexecve(program, arguments.data(), environ);
     _exit(126);
 }
 
