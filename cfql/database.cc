@@ -12,6 +12,8 @@
 
 #include <array>
 
+#include "code_pages.h"
+
 namespace cfql {
 namespace {
 
@@ -396,6 +398,8 @@ Status Database::configure(int wait_ms) {
     sqlite3_limit(connection_, SQLITE_LIMIT_LENGTH, longest_row);
     sqlite3_limit(connection_, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_db_config(connection_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // No pool of small blocks: it takes up to 120 kB at once to spare a few allocations.
+    sqlite3_db_config(connection_, SQLITE_DBCONFIG_LOOKASIDE, nullptr, 0, 0);
     // Without this the last connection to close would remove the log, which readers without write rights cannot make
     // again.
     int persist = 1;
@@ -642,6 +646,10 @@ Status Database::examine_checksums(Report report, void* context) {
         }
     }
     return status == Status::end ? Status::ok : status;
+}
+
+void Database::release_code() {
+    release_code_pages(reinterpret_cast<const void*>(&sqlite3_open_v2));
 }
 
 const char* Database::detail() const {

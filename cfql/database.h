@@ -188,6 +188,10 @@ class Database {
     using Report = void (*)(void* context, const char* line);
     Status check(Report report, void* context);
 
+    // Takes the program code of SQLite out of the process's memory until it runs again: more than a megabyte, which a
+    // process that keeps its answers elsewhere has no use for between two looks at the store.
+    static void release_code();
+
     // SQLite's own words about the last failure, one line, never null; valid until the next call.
     const char* detail() const;
     // The last failure is of a kind that a second attempt at once may well overcome.

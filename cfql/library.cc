@@ -188,6 +188,7 @@ int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_
     }
     if (status != cfql::Status::ok) writer.close();
     process.state.reader.expire();
+    cfql::Database::release_code();
     return status == cfql::Status::ok ? 1 : 0;
 }
 

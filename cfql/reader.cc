@@ -35,6 +35,7 @@ void Reader::refresh(bool at_once) {
     now_ = milliseconds();
     next_look_ = now_ + std::max(look_interval_ms, look_cost_factor * (now_ - begin));
     if (status != Status::ok && status != Status::absent) fail(status);
+    Database::release_code();
 }
 
 Status Reader::look() {
