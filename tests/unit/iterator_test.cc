@@ -242,6 +242,13 @@ TEST_F(NextRow, ReadsAgainAfterMoreThanFifteenSecondsOfSilence) {
         {largest_31_bits, largest_31_bits + 16, true},
         {0xFFFFFFFF, 0x10000000E, false},
         {0xFFFFFFFF, 0x10000000F, true},
+        // A clock of 32 bits goes on in 1901.
+        {largest_31_bits, -largest_31_bits - 1, false},
+        {0, -largest_31_bits - 1, false},
+        {-largest_31_bits - 1, -largest_31_bits + 14, false},
+        {-largest_31_bits - 1, -largest_31_bits + 15, true},
+        {-10, 5, false},
+        {-10, 6, true},
     };
     for (const auto& [before, after, read] : times) {
         if (static_cast<int64_t>(static_cast<time_t>(after)) != after) continue;
@@ -251,6 +258,19 @@ TEST_F(NextRow, ReadsAgainAfterMoreThanFifteenSecondsOfSilence) {
         EXPECT_EQ(backend.calls[0] == "entries", read) << before << " to " << after;
         EXPECT_EQ(last_pass, after);
     }
+}
+
+TEST_F(NextRow, AClockThatFailsIsOneThatStandsAtZero) {
+    device.clock_fails = true;
+    for (const LastPass before : {LastPass{0}, LastPass{largest_31_bits}}) {
+        last_pass = before;
+        next();
+        EXPECT_EQ(backend.calls[0], "count") << before;
+        EXPECT_EQ(last_pass, 0);
+    }
+    device.clock_fails = false;
+    next();
+    EXPECT_EQ(backend.calls[0], "entries") << "when it goes again";
 }
 
 TEST_F(NextRow, ATableUnderSteadyPollingIsNotReadAgain) {

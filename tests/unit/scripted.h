@@ -49,6 +49,7 @@ class ScriptedDevice {
 
     std::map<std::string, unsigned> interfaces;  // name and index
     int64_t now = 1'000'000'000;                 // seconds since the epoch
+    bool clock_fails = false;                    // as one of 32 bits does after 2038
     int64_t tick = 0;                            // seconds by which each look at the clock moves it
     // The device's files: what fopen of that path reads. Paths below /proc/net that are not here cannot be opened.
     std::map<std::string, std::string> files;

@@ -319,7 +319,9 @@ TEST_P(RateFacts, ReloadsAfterFiftySeconds) {
         {1, 51, 1},
         {1, 52, 2},
         {0, 1, 2},  // a last load of 0 is none
+        {0, 0, 2},
         {-5, 1, 2},
+        {-2'147'483'648, -2'147'483'647, 2},
         {4'294'968'000, 4'294'968'001, 2},  // past what the last load can hold
     };
     for (const auto& fact : facts) {
