@@ -194,27 +194,19 @@ class Damager {
     }
 
     int read_across(const char* suffix, const Bytes& damaged) {
-        int to_child[2];
-        int to_parent[2];
-        if (pipe(to_child) != 0 || pipe(to_parent) != 0) throw std::runtime_error("pipe");
-        const pid_t child = start([&] {
+        const SteppedChild child([](auto stop) {
             alarm(20);
-            char octet = 0;
             if (read_all() != 0 || !get("interface", "wlan0", "key-0")) return 10;
-            if (write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 11;
+            if (!stop()) return 11;
             return read_all();
         });
-        char octet = 0;
-        close(to_parent[1]);
-        if (read(to_parent[0], &octet, 1) == 1) {
+        if (child.wait_for_stop()) {
             save(path_ + suffix, damaged);
             // A write, if the store still allows one, makes the reader look at the pages again.
             in_child([] { return set("other", "o", "k", "v"); });
+            child.go_on();
         }
-        if (write(to_child[1], "x", 1) != 1) perror("pipe");
-        for (const int end : {to_child[0], to_child[1], to_parent[0]})
-            close(end);
-        return finish(child);
+        return child.finish();
     }
 
     std::string path_;

@@ -104,8 +104,9 @@ class OtherUser : public testing::Test {
     }
     template <class Body>
     int as(uid_t user, gid_t group, Body body) {
-        return in_child([&] { return setgid(group) == 0 && setuid(user) == 0 ? body() : 99; });
+        return in_child([&] { return become(user, group) ? body() : 99; });
     }
+    static bool become(uid_t user, gid_t group) { return setgid(group) == 0 && setuid(user) == 0; }
     Place place;
 };
 
@@ -129,27 +130,21 @@ TEST_F(OtherUser, AMemberOfTheGroupReadsAndDoesNotWrite) {
 }
 
 TEST_F(OtherUser, AMemberOfTheGroupSeesWhatRootWrites) {
-    int to_child[2];
-    int to_parent[2];
-    ASSERT_EQ(pipe(to_child), 0);
-    ASSERT_EQ(pipe(to_parent), 0);
-    const pid_t child = start([&] {
-        char octet = 0;
-        if (setgid(nobody) != 0 || setuid(nobody) != 0) return 99;
+    const SteppedChild child([](auto stop) {
+        if (!become(nobody, nobody)) return 99;
         for (const char* expected : {"office", "second", "third"}) {
             grid("interface");
             if (get("interface", "wlan0", "ssid") != expected) return 1;
-            if (write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 2;
+            if (!stop()) return 2;
         }
         return 0;
     });
-    char octet = 0;
     for (const char* next : {"second", "third", "last"}) {
-        ASSERT_EQ(read(to_parent[0], &octet, 1), 1);
+        ASSERT_TRUE(child.wait_for_stop());
         EXPECT_EQ(set("interface", "wlan0", "ssid", next), 1);
-        ASSERT_EQ(write(to_child[1], "x", 1), 1);
+        ASSERT_TRUE(child.go_on());
     }
-    EXPECT_EQ(finish(child), 0);
+    EXPECT_EQ(child.finish(), 0);
 }
 
 TEST_F(OtherUser, AStrangerReadsNothing) {
@@ -158,24 +153,18 @@ TEST_F(OtherUser, AStrangerReadsNothing) {
 }
 
 TEST_F(OtherUser, RightsThatAreTakenAwayLeaveTheLastGoodContents) {
-    int to_child[2];
-    int to_parent[2];
-    ASSERT_EQ(pipe(to_child), 0);
-    ASSERT_EQ(pipe(to_parent), 0);
-    const pid_t child = start([&] {
-        char octet = 0;
-        if (setgid(nobody) != 0 || setuid(nobody) != 0) return 99;
+    const SteppedChild child([](auto stop) {
+        if (!become(nobody, nobody)) return 99;
         if (get("interface", "wlan0", "ssid") != "office") return 1;
-        if (write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 2;
+        if (!stop()) return 2;
         // The child of a fork has no connection left and must open the store, which it may not.
         return in_child(
             [] { return grid("interface").size() == 1 && get("interface", "wlan0", "ssid") == "office" ? 0 : 3; });
     });
-    char octet = 0;
-    ASSERT_EQ(read(to_parent[0], &octet, 1), 1);
+    ASSERT_TRUE(child.wait_for_stop());
     ASSERT_EQ(chmod(place.directory().c_str(), 0700), 0);
-    ASSERT_EQ(write(to_child[1], "x", 1), 1);
-    EXPECT_EQ(finish(child), 0);
+    ASSERT_TRUE(child.go_on());
+    EXPECT_EQ(child.finish(), 0);
 }
 
 TEST_F(OtherUser, TheEnvironmentIsIgnoredUnderRaisedRights) {

@@ -228,21 +228,14 @@ TEST_F(Failure, AForkClosesTheConnectionsAndBothSidesGoOn) {
 
 TEST_F(Failure, TheChildOfAForkFollowsTheStore) {
     EXPECT_EQ(ssid(), "office");
-    int to_child[2];
-    int to_parent[2];
-    ASSERT_EQ(pipe(to_child), 0);
-    ASSERT_EQ(pipe(to_parent), 0);
-    const pid_t child = start([&] {
-        char octet = 0;
-        if (ssid() != "office" || write(to_parent[1], "x", 1) != 1 || read(to_child[0], &octet, 1) != 1) return 1;
+    const SteppedChild child([](auto stop) {
+        if (ssid() != "office" || !stop()) return 1;
         return ssid() == "parent" ? 0 : 2;
     });
-    char octet = 0;
-    close(to_parent[1]);
-    EXPECT_EQ(read(to_parent[0], &octet, 1), 1);
+    EXPECT_TRUE(child.wait_for_stop());
     EXPECT_EQ(set("interface", "wlan0", "ssid", "parent"), 1);
-    EXPECT_EQ(write(to_child[1], "x", 1), 1);
-    EXPECT_EQ(finish(child), 0);
+    EXPECT_TRUE(child.go_on());
+    EXPECT_EQ(child.finish(), 0);
 }
 
 TEST_F(Failure, TwoProcessesWriteAtOnceAndNothingIsLost) {

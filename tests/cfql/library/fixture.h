@@ -4,6 +4,7 @@
 
 #include <cfqlquery.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -138,6 +139,40 @@ template <class Body>
 int in_child(Body body) {
     return finish(start(body));
 }
+
+// A child that stops where its BODY calls the function that it is given, until the parent lets it go on. Who waits for
+// a side that has ended gets false.
+class SteppedChild {
+  public:
+    template <class Body>
+    explicit SteppedChild(Body body) {
+        int ends[2];
+        if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) throw std::runtime_error("socketpair");
+        child_ = start([&] {
+            close(ends[0]);
+            return body([parent = ends[1]] { return tell(parent) && hear(parent); });
+        });
+        close(ends[1]);
+        end_ = ends[0];
+    }
+    SteppedChild(const SteppedChild&) = delete;
+    SteppedChild& operator=(const SteppedChild&) = delete;
+    ~SteppedChild() { close(end_); }
+
+    bool wait_for_stop() const { return hear(end_); }
+    bool go_on() const { return tell(end_); }
+    int finish() const { return store_test::finish(child_); }
+
+  private:
+    static bool tell(int end) { return send(end, "x", 1, MSG_NOSIGNAL) == 1; }
+    static bool hear(int end) {
+        char octet = 0;
+        return read(end, &octet, 1) == 1;
+    }
+
+    pid_t child_ = -1;
+    int end_ = -1;
+};
 
 }  // namespace store_test
 
