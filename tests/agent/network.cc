@@ -58,7 +58,6 @@ shared-key-authentication = "off"
 )";
 
 constexpr char radio_keys[] = R"(
-channel = "11"
 beacon-interval = "100"
 dot11d = "up"
 rts-threshold = "2000"
@@ -100,8 +99,9 @@ std::string full_configuration(unsigned count) {
     for (unsigned i = 0; i < count; ++i) {
         const std::string name = interface_name(i);
         text += "[[interface]]\n" + line("name", name) + line("bss", "b" + name) + line("mac", mac(i)) + interface_keys;
-        text += "[[bss]]\n" + line("name", "b" + name) + line("radio", name) + bss_keys;
-        text += "[[radio]]\n" + line("name", name) + radio_keys;
+        text += "[[bss]]\n" + line("name", "b" + name) + line("radio", "r" + name) + bss_keys;
+        text += "[[radio]]\n" + line("name", "r" + name) + radio_keys;
+        text += "[[radio]]\n" + line("name", name) + line("channel", "11");
         text += "[[supported-rate]]\n" + line("name", name) + line("rate", "540");
     }
     return text;

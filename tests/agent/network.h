@@ -11,6 +11,7 @@ unsigned interface_index(unsigned i);
 // Makes so many interfaces.
 void add_interfaces(unsigned count);
 
-// A configuration of so many interfaces with every key that the agent reads, or with none but their names.
+// A configuration of so many interfaces with every key that the agent reads, or with none but their names. In a full
+// one each has a bss, whose radio is not the one of the interface's name: that has the channel alone.
 std::string full_configuration(unsigned count);
 std::string empty_configuration(unsigned count);

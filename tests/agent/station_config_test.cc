@@ -3,36 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "agent.h"
+#include "network.h"
 
 namespace {
 
-// wlan0 has every key, wlan1 none, wlan2 a BSS without a radio. The name of the fourth interface is too long to be
+// w0 has every key (network.cc), w1 none, w2 a BSS without a radio. The name of the fourth interface is too long to be
 // served, the fifth one is not in the system, the sixth is no service set.
-constexpr char configuration[] = R"(
+const std::string configuration = full_configuration(1) + R"(
 [[interface]]
-name = "wlan0"
-type = "service-set"
-mac = "00:1a:2b:3c:4d:5e"
-dot11-cf-pollable = "1"
-dot11-authentication-response-time-out = "60"
-dot11-privacy-option-implemented = "1"
-security = "wpa2"
-ssid = "Lobby"
-bss = "b0"
-dot11-association-response-time-out = "70"
-dot11-disassociate-reason = "8"
-dot11-disassociate-station = "00:11:22:33:44:55"
-dot11-deauthenticate-reason = "3"
-dot11-deauthenticate-station = "66:77:88:99:AA:BB"
-dot11-authenticate-fail-status = "13"
-dot11-authenticate-fail-station = "cc:dd:ee:ff:00:01"
-
-[[interface]]
-name = "wlan1"
+name = "w1"
 type = "service-set"
 
 [[interface]]
-name = "wlan2"
+name = "w2"
 type = "service-set"
 security = "plain-text"
 bss = "b2"
@@ -50,33 +33,14 @@ name = "eth0"
 type = "wired"
 
 [[bss]]
-name = "b0"
-radio = "r0"
-dtim-period = "2"
-
-[[bss]]
 name = "b2"
 dtim-period = "5"
-
-[[radio]]
-name = "r0"
-beacon-interval = "100"
-dot11d = "up"
-
-[[supported-rate]]
-name = "wlan0"
-rate = "540"
-
-[[system]]
-country = "CH"
 )";
 
 class StationConfig : public testing::Test {
   protected:
     StationConfig() {
-        add_interface("wlan0", 11);
-        add_interface("wlan1", 12);
-        add_interface("wlan2", 13);
+        add_interfaces(3);
         add_interface("wlan10", 14);
         add_interface("eth0", 15);
     }
@@ -87,14 +51,14 @@ constexpr char absent_mac[] = "STRING 00 00 00 00 00 00";
 struct ColumnFact {
     int column;
     const char* name;
-    const char* full;         // of wlan0
-    const char* empty;        // of wlan1
-    const char* half_linked;  // of wlan2, where it differs from wlan1
+    const char* full;         // of w0
+    const char* empty;        // of w1
+    const char* half_linked;  // of w2, where it differs from w1
 };
 
 // Column 11 is never answered, nor is any column behind it in the same request.
 constexpr ColumnFact columns[] = {
-    {1, "dot11StationID", "STRING 00 1a 2b 3c 4d 5e", absent_mac, nullptr},
+    {1, "dot11StationID", "STRING 00 00 5e 00 53 00", absent_mac, nullptr},
     {2, "dot11MediumOccupancyLimit", "INTEGER 100", "INTEGER 100", nullptr},
     {3, "dot11CFPollable", "INTEGER 1", "INTEGER 2", nullptr},
     {4, "dot11CFPPeriod", "INTEGER 0", "INTEGER 0", nullptr},
@@ -295,7 +259,7 @@ TEST_F(StationConfig, ServesWhatIsWrittenIntoTheStoreAfterTheNextReading) {
     Agent agent(configuration);
     agent.control().now = 1'000'000'000;
     EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Lobby"));
-    agent.configure("set interface wlan0 ssid Garden");
+    agent.configure("set interface w0 ssid Garden");
     EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Lobby"));
     agent.control().now = 1'000'000'016;
     EXPECT_EQ(agent.get({cell(9, 11)}).varbinds[0].value, shown_octets("Garden"));

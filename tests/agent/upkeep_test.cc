@@ -137,7 +137,7 @@ class Store : public Upkeep {
     void replace_store(const std::string& beacon_interval) const {
         agent->configure("init", "other.db");
         agent->configure("import " + agent->folder() + "/store.toml", "other.db");
-        agent->configure("set radio w0 beacon-interval " + beacon_interval, "other.db");
+        agent->configure("set radio rw0 beacon-interval " + beacon_interval, "other.db");
         remove_store();
         for (const char* suffix : {"-wal", "-shm", ""})
             if (std::filesystem::exists(agent->folder() + "/other.db" + suffix))
