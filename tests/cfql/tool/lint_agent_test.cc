@@ -216,6 +216,11 @@ const Field fields[] = {
     {"num_supported_pow_level", NUMBER(ptinfo, TxPowerRow, dot11NumberSupportedPowerLevels)},
     {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel1), {{"100 at level 1 and 0 at levels 2 to 8", "100"}}},
     {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel2), other_levels},
+    {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel3), other_levels},
+    {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel4), other_levels},
+    {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel5), other_levels},
+    {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel6), other_levels},
+    {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel7), other_levels},
     {"tx-power", NUMBER(ptinfo, TxPowerRow, dot11TxPowerLevel8), other_levels},
     {"curr_tx_power_level", NUMBER(ptinfo, TxPowerRow, dot11CurrentTxPowerLevel)},
     {"channel", NUMBER(pdsssinfo, DsssRow, dot11CurrentChannel)},
@@ -536,49 +541,68 @@ Lines rates_by_lint() {
     return groups;
 }
 
+// Lint's one list is of both tables, each of which has a cache of its own.
+struct RateTable {
+    const char* name;
+    int (*next)(uint32_t position, int32_t* index, void* record);
+    uint32_t& last_load;
+    RateGroupName*& groups;
+};
+
+const RateTable rate_tables[] = {
+    {"Rx", GetSuppDataRatesRxTableByIndex, SUPPDATARATESRXLastLoad, rx_tag},
+    {"Tx", GetSuppDataRatesTxTableByIndex, SUPPDATARATESTXLastLoad, tx_tag},
+};
+
+// A row's record, of either table.
+struct RateRecord {
+    uint32_t interface;
+    int32_t index, value;
+};
+
 struct RateRow {
     uint32_t group;
     int32_t value;
 };
 
 // One scan of the table, as each request makes it.
-std::vector<RateRow> scan() {
+std::vector<RateRow> scan(const RateTable& table) {
     std::vector<RateRow> rows;
-    SupportedDataRatesRxRow row = {};
+    RateRecord record = {};
     int32_t index = 1;
     for (uint32_t position = 0;;) {
-        const int result = GetSuppDataRatesRxTableByIndex(position, &index, &row);
+        const int result = table.next(position, &index, &record);
         if (result < 1) return rows;
-        rows.push_back({position, row.dot11SupportedDataRatesRxValue});
+        rows.push_back({position, record.value});
         if (result == 2) ++position, index = 1;
     }
 }
 
 // As a walk's last request does, whatever was asked before: a cache is emptied after a certain number of calls.
-void empty_cache() {
-    SupportedDataRatesRxRow row = {};
+void empty_cache(const RateTable& table) {
+    RateRecord record = {};
     int32_t index = 1;
     constexpr int calls_of_longest_walk = 130 * 130;
-    for (int i = 0; i < calls_of_longest_walk && SUPPDATARATESRXLastLoad != 0; ++i)
-        GetSuppDataRatesRxTableByIndex(UINT32_MAX, &index, &row);
-    EXPECT_EQ(SUPPDATARATESRXLastLoad, 0U);
+    for (int i = 0; i < calls_of_longest_walk && table.last_load != 0; ++i)
+        table.next(UINT32_MAX, &index, &record);
+    EXPECT_EQ(table.last_load, 0U);
 }
 
 // A walk from an empty cache to an empty cache: the request for the row N is answered by the scan N.
-Lines rates_by_agent() {
+Lines rates_by_agent(const RateTable& table) {
     Lines groups;
     std::size_t group = SIZE_MAX;
     for (std::size_t n = 0;; ++n) {
-        const std::vector<RateRow> rows = scan();
+        const std::vector<RateRow> rows = scan(table);
         if (n >= rows.size()) break;
         const std::string value = std::to_string(rows[n].value);
         if (rows[n].group == group)
             groups.back() += ", " + value;
         else
-            groups.push_back(std::string(rx_tag[rows[n].group]) + ": " + value);
+            groups.push_back(std::string(table.groups[rows[n].group]) + ": " + value);
         group = rows[n].group;
     }
-    EXPECT_EQ(SUPPDATARATESRXLastLoad, 0U) << "the cache is not emptied";
+    EXPECT_EQ(table.last_load, 0U) << "the cache is not emptied";
     return groups;
 }
 
@@ -613,7 +637,9 @@ TEST(LintAndAgent, Rates) {
     for (const Rates& rates : cases) {
         store_rates(rates);
         const Lines stated = rates_by_lint();
-        EXPECT_EQ(stated, rates_by_agent()) << rates.back().second->substr(0, 40) << " of " << rates.size();
+        for (const RateTable& table : rate_tables)
+            EXPECT_EQ(stated, rates_by_agent(table))
+                << table.name << ", " << rates.back().second->substr(0, 40) << " of " << rates.size();
     }
 }
 
@@ -621,9 +647,11 @@ TEST(LintAndAgent, Rates) {
 TEST(LintAndAgent, AGroupWithoutRate) {
     store_rates({{"w1", "110"}, {"w2", std::nullopt}, {"w3", "540"}});
     EXPECT_EQ(rates_by_lint(), Lines());
-    EXPECT_EQ(scan().size(), 1U);
-    EXPECT_EQ(scan().size(), 3U);
-    empty_cache();
+    for (const RateTable& table : rate_tables) {
+        EXPECT_EQ(scan(table).size(), 1U) << table.name;
+        EXPECT_EQ(scan(table).size(), 3U) << table.name;
+        empty_cache(table);
+    }
 }
 
 }  // namespace
