@@ -1,0 +1,245 @@
+// What the library makes of a disk that fails: a failed look and a failed write are tried once more at once where that
+// may help, and whatever fails, nobody is told what never was.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include "disk.h"
+#include "fixture.h"
+
+namespace {
+
+using namespace store_test;
+namespace fs = std::filesystem;
+
+using Ssid = std::optional<std::string>;
+constexpr uid_t nobody = 65534;
+
+Ssid ssid() {
+    return get("interface", "wlan0", "ssid");
+}
+
+// Whatever the time is, a grid looks at the store.
+Ssid look() {
+    grid("interface");
+    return ssid();
+}
+
+// A change of two values: they come together or not at all.
+void change() {
+    EXPECT_EQ(look(), "office");
+    put(cfql::store_path(), {{"interface", "wlan0", "ssid", "home"}, {"interface", "wlan1", "ssid", "home"}});
+}
+
+Ssid look_at_both() {
+    const std::size_t interfaces = grid("interface").size();
+    const Ssid found = ssid();
+    EXPECT_EQ(interfaces, found == "home" ? 2U : 1U);
+    return found;
+}
+
+Ssid write_home() {
+    return set("interface", "wlan0", "ssid", "home") == 1 ? "home" : "office";
+}
+
+// A call of the library, and what it tells of the ssid if it fails and if it does not.
+struct Operation {
+    const char* name;
+    void (*prepare)();
+    Ssid (*run)();
+    Ssid failed, done;
+    bool writes;
+};
+const Operation first_read = {"first read", [] {}, ssid, std::nullopt, "office", false};
+const Operation later_read = {"read after a change", change, look_at_both, "office", "home", false};
+const Operation first_write = {"write", [] {}, write_home, "office", "home", true};
+
+Disk::Fate fails_once(Call which, int code, int from = 1) {
+    return [=](Call call, int nth) { return call == which && nth == from ? code : SQLITE_OK; };
+}
+
+Disk::Fate fails_for_ever(Call which, int code, int from = 1) {
+    return [=](Call call, int nth) { return call == which && nth >= from ? code : SQLITE_OK; };
+}
+
+// Runs BODY in a process that has not asked the library yet. Its failed expectations are printed there.
+template <class Body>
+bool alone(Body body) {
+    return in_child([&] { return body(), testing::Test::HasFailure() ? 1 : 0; }) == 0;
+}
+
+// What another process finds. As a writer: without a log, only a writer undoes what was left unfinished.
+Ssid on_disk() {
+    const int found = in_child([] {
+        cfql::Database store;
+        cfql::Text value;
+        require(store.open(cfql::store_path(), cfql::Access::write));
+        require(store.get("interface", "wlan0", "ssid", value));
+        return value == "home" ? 1 : value == "office" ? 2 : 0;
+    });
+    return found == 1 ? Ssid("home") : found == 2 ? Ssid("office") : std::nullopt;
+}
+
+class Retry : public testing::Test {
+  protected:
+    Retry() { make_for("WAL"); }
+
+    // A store with the journal that is named, as a writer that was killed leaves it: the log holds something, and
+    // nobody keeps the log's index.
+    void make_for(const std::string& journal) {
+        fs::remove_all(kept);
+        begin();
+        make(place.path());
+        sql(place.path(), ("PRAGMA journal_mode=" + journal).c_str());
+        EXPECT_TRUE(alone([] { EXPECT_EQ(set("interface", "wlan0", "ssid", "office"), 1); }));
+        fs::copy(place.directory(), kept);
+    }
+
+    // The same store again.
+    void begin() {
+        for (const char* name : {"store.db", "store.db-wal", "store.db-shm", "store.db-journal"}) {
+            fs::remove(place.directory() / fs::path(name));
+            if (fs::exists(kept / name)) fs::copy_file(kept / name, place.directory() / fs::path(name));
+        }
+    }
+    Place place;
+    const fs::path kept = place.directory() + "/kept";
+};
+
+TEST_F(Retry, WithoutAFailureTheStoreIsAskedOnce) {
+    EXPECT_TRUE(alone([] {
+        disk.become(nullptr);
+        EXPECT_EQ(ssid(), "office");
+        EXPECT_EQ(disk.calls[Call::open_store], 1);
+        disk.become(nullptr);
+        EXPECT_EQ(look(), "office");
+        EXPECT_EQ(disk.calls, (std::map<Call, int>{{Call::shm_lock, 1}}));
+        EXPECT_EQ(write_home(), "home");
+        EXPECT_EQ(disk.calls[Call::open_store], 1);
+        disk.become(nullptr);
+        EXPECT_EQ(write_home(), "home");
+        EXPECT_EQ(disk.calls[Call::open_store], 0);
+        EXPECT_EQ(disk.calls[Call::sync], 1);
+    }));
+}
+
+const struct {
+    const Operation& operation;
+    Call call;
+    int code;
+    int tries;
+} facts[] = {
+    {first_read, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
+    {first_read, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
+    {first_read, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
+    {first_read, Call::open_store, SQLITE_IOERR, 2},
+    {first_read, Call::read, SQLITE_IOERR_READ, 2},
+    {first_read, Call::shm_lock, SQLITE_READONLY_DBMOVED, 1},
+    {first_read, Call::shm_lock, SQLITE_NOTADB, 1},
+    {first_read, Call::open_store, SQLITE_CANTOPEN, 1},
+    {later_read, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
+    {later_read, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
+    {later_read, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
+    {later_read, Call::shm_lock, SQLITE_NOTADB, 1},
+    {first_write, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
+    {first_write, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
+    {first_write, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
+    {first_write, Call::write, SQLITE_IOERR_WRITE, 2},
+    {first_write, Call::write, SQLITE_FULL, 1},
+    {first_write, Call::shm_lock, SQLITE_NOTADB, 1},
+};
+
+// The inner child has no connections: each of its attempts opens the store.
+TEST_F(Retry, WhatMayPassIsTriedOnceMore) {
+    for (const auto& fact : facts) {
+        for (const bool passes : {true, false}) {
+            SCOPED_TRACE(testing::Message() << fact.operation.name << ", code " << fact.code << ", passes " << passes);
+            const auto attempts = [&] {
+                const Ssid told = passes && fact.tries == 2 ? fact.operation.done : fact.operation.failed;
+                disk.become(passes ? fails_once(fact.call, fact.code) : fails_for_ever(fact.call, fact.code));
+                EXPECT_EQ(fact.operation.run(), told);
+                EXPECT_EQ(disk.calls[Call::open_store], fact.tries);
+                disk.mend();
+                EXPECT_EQ(on_disk(), fact.operation.writes ? told : fact.operation.done);
+            };
+            begin();
+            ASSERT_TRUE(alone([&] {
+                fact.operation.prepare();
+                EXPECT_TRUE(alone(attempts));
+            }));
+        }
+    }
+}
+
+TEST_F(Retry, TheNextTryFollowsInASecond) {
+    for (const Operation* operation : {&first_read, &later_read}) {
+        begin();
+        ASSERT_TRUE(alone([&] {
+            operation->prepare();
+            disk.become(fails_for_ever(Call::shm_lock, SQLITE_IOERR_SHMLOCK));
+            EXPECT_EQ(operation->run(), operation->failed);
+            EXPECT_EQ(disk.failures, 2);
+            disk.become(nullptr);
+            milliseconds += 999;
+            EXPECT_EQ(operation->run(), operation->failed);
+            EXPECT_EQ(disk.calls, (std::map<Call, int>{}));
+            milliseconds += 1;
+            EXPECT_EQ(operation->run(), operation->done);
+            EXPECT_EQ(disk.calls[Call::open_store], 1) << "the file is examined anew";
+        }));
+    }
+}
+
+// Gives up the rights with which root writes into files that nobody may write.
+void become_owner(const fs::path& directory) {
+    if (getuid() != 0) return;
+    for (const auto& file : fs::directory_iterator(directory))
+        ASSERT_EQ(chown(file.path().c_str(), nobody, nobody), 0);
+    ASSERT_EQ(chown(directory.c_str(), nobody, nobody), 0);
+    ASSERT_TRUE(setgid(nobody) == 0 && setuid(nobody) == 0);
+}
+
+// A reader that may not write the log's index, while another process stands STILL in the middle of recovering the log.
+// That one goes on before the second attempt, or only when both are over.
+void read_beside_recovery(bool (*still)(Call call), bool in_time) {
+    const pid_t writer = start([&] {
+        disk.become([still, stood = false](Call call, int) mutable {
+            if (!stood && still(call)) stood = raise(SIGSTOP) == 0;
+            return SQLITE_OK;
+        });
+        return write_home() == "home" ? 0 : 1;
+    });
+    waitpid(writer, nullptr, WUNTRACED);
+    bool stands = true;
+    const auto go_on = [&] {
+        EXPECT_TRUE(!std::exchange(stands, false) || (kill(writer, SIGCONT) == 0 && finish(writer) == 0));
+    };
+    EXPECT_EQ(chmod((cfql::store_path() + std::string("-shm")).c_str(), 0400), 0);
+    disk.become([&](Call call, int nth) {
+        if (in_time && call == Call::open_store && nth == 2) go_on();
+        return SQLITE_OK;
+    });
+    EXPECT_EQ(ssid(), in_time ? Ssid("home") : std::nullopt);
+    EXPECT_EQ(disk.calls[Call::open_store], 2);
+    go_on();
+    milliseconds += 1000;
+    EXPECT_EQ(look(), "home");
+}
+
+// SQLite says READONLY_RECOVERY before the other process has taken the locks for it, afterwards BUSY_RECOVERY.
+TEST_F(Retry, ARecoveryByAnotherProcessIsWaitedFor) {
+    const auto before = [](Call call) { return call == Call::shm_lock; };
+    const auto amid = [](Call call) { return call == Call::read && disk.calls[Call::shm_lock] == 2; };
+    for (bool (*still)(Call call) : {+before, +amid}) {
+        for (const bool in_time : {true, false}) {
+            SCOPED_TRACE(testing::Message() << (still == +before ? "before" : "amid") << ", in time " << in_time);
+            begin();
+            ASSERT_TRUE(alone([&] {
+                become_owner(place.directory());
+                read_beside_recovery(still, in_time);
+            }));
+        }
+    }
+}
+
+}  // namespace
