@@ -62,17 +62,19 @@ Status Reader::open() {
     return status;
 }
 
-// Counter and contents are of one transaction. The old contents stay until the new ones are complete.
+// Counter and contents are of one transaction. The old ones, of both, stay until the new ones are complete.
 Status Reader::load() {
     Snapshot next;
     bool fits = true;
+    std::int64_t counter = 0;
     Status status = store_.begin_read();
-    if (status == Status::ok) status = store_.change_counter(counter_);
+    if (status == Status::ok) status = store_.change_counter(counter);
     if (status == Status::ok) status = next.load(store_, fits);
     store_.rollback();
     if (status != Status::ok) return status;
     snapshot_.swap(next);
     contents_ = fits ? Contents::snapshot : Contents::too_large;
+    counter_ = counter;
     loaded_ = true;
     return status;
 }

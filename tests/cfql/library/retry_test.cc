@@ -242,4 +242,66 @@ TEST_F(Retry, ARecoveryByAnotherProcessIsWaitedFor) {
     }
 }
 
+struct Failure {
+    const char* name;
+    Call call;
+    int code;
+};
+const Failure failures[] = {
+    {"open the store", Call::open_store, SQLITE_IOERR},
+    {"open the log", Call::open, SQLITE_IOERR},
+    {"access", Call::access, SQLITE_IOERR_ACCESS},
+    {"remove", Call::remove, SQLITE_IOERR_DELETE},
+    {"read", Call::read, SQLITE_IOERR_READ},
+    {"write", Call::write, SQLITE_IOERR_WRITE},
+    {"truncate", Call::truncate, SQLITE_IOERR_TRUNCATE},
+    {"sync", Call::sync, SQLITE_IOERR_FSYNC},
+    {"size", Call::size, SQLITE_IOERR_FSTAT},
+    {"lock", Call::lock, SQLITE_IOERR_LOCK},
+    {"map the index", Call::shm_map, SQLITE_IOERR_SHMMAP},
+    {"lock the index", Call::shm_lock, SQLITE_IOERR_SHMLOCK},
+};
+
+enum Outcome { good, bad, not_reached };
+
+// The NTH call of a kind fails. A failure that passes is not noticed. One that stays is told of and changes nothing,
+// unless the disk refuses to make a write stable: then nobody can say what is there. Afterwards all is well.
+Outcome outcome(const Operation& operation, const Failure& failure, int nth, bool passes) {
+    operation.prepare();
+    disk.become(passes ? fails_once(failure.call, failure.code, nth) : fails_for_ever(failure.call, failure.code, nth));
+    const Ssid told = operation.run();
+    disk.mend();
+    const Ssid found = on_disk();
+    EXPECT_TRUE(told == operation.done || (!passes && told == operation.failed)) << told.value_or("nothing");
+    const bool stable = !operation.writes || told == operation.done || failure.call != Call::sync;
+    EXPECT_TRUE(found == (operation.writes ? told : operation.done) || (!stable && found == operation.done))
+        << found.value_or("nothing");
+    milliseconds += 1000;
+    EXPECT_EQ(look(), found);
+    EXPECT_EQ(write_home(), "home");
+    if (testing::Test::HasFailure()) return bad;
+    return disk.failures > 0 ? good : not_reached;
+}
+
+TEST_F(Retry, WhicheverCallFails) {
+    for (const char* journal : {"WAL", "TRUNCATE"}) {
+        make_for(journal);
+        for (const Operation* operation : {&later_read}) {
+            for (const Failure& failure : failures) {
+                for (const bool passes : {true, false}) {
+                    int result = good;
+                    for (int nth = 1; result == good; ++nth) {
+                        SCOPED_TRACE(testing::Message() << journal << ", " << operation->name << ", " << failure.name
+                                                        << " number " << nth << ", passes " << passes);
+                        begin();
+                        result = in_child([&] { return outcome(*operation, failure, nth, passes); });
+                        ASSERT_TRUE(result == good || result == not_reached) << result;
+                        ASSERT_LT(nth, 1000);
+                    }
+                }
+            }
+        }
+    }
+}
+
 }  // namespace
