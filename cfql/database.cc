@@ -424,7 +424,14 @@ Status Database::examine() {
     Status status = expect("PRAGMA application_id", application_id, Status::not_a_store);
     if (status == Status::ok) status = expect("PRAGMA user_version", format_version, Status::wrong_version);
     if (status == Status::ok) status = examine_schema();
-    return status == Status::ok ? examine_pages("PRAGMA quick_check(1)", nullptr, nullptr) : status;
+    return status == Status::ok ? examine_structure() : status;
+}
+
+// A page that could not be read is reported as a fault too. What is really wrong is found again.
+Status Database::examine_structure() {
+    constexpr const char* pragma = "PRAGMA quick_check(1)";
+    const Status status = examine_pages(pragma, nullptr, nullptr);
+    return status == Status::damaged ? examine_pages(pragma, nullptr, nullptr) : status;
 }
 
 Status Database::expect(const char* pragma, std::int64_t expected, Status otherwise) {

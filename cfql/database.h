@@ -218,6 +218,7 @@ class Database {
     Status examine();
     Status expect(const char* pragma, std::int64_t expected, Status otherwise);
     Status examine_schema();
+    Status examine_structure();
     Status examine_pages(const char* pragma, Report report, void* context);
     Status examine_checksums(Report report, void* context);
     Status examine_orphans(Report report, void* context);

@@ -53,6 +53,8 @@ struct Operation {
 const Operation first_read = {"first read", [] {}, ssid, std::nullopt, "office", false};
 const Operation later_read = {"read after a change", change, look_at_both, "office", "home", false};
 const Operation first_write = {"write", [] {}, write_home, "office", "home", true};
+const Operation later_write = {
+    "write by a reader", [] { EXPECT_EQ(look(), "office"); }, write_home, "office", "home", true};
 
 Disk::Fate fails_once(Call which, int code, int from = 1) {
     return [=](Call call, int nth) { return call == which && nth == from ? code : SQLITE_OK; };
@@ -286,7 +288,7 @@ Outcome outcome(const Operation& operation, const Failure& failure, int nth, boo
 TEST_F(Retry, WhicheverCallFails) {
     for (const char* journal : {"WAL", "TRUNCATE"}) {
         make_for(journal);
-        for (const Operation* operation : {&later_read}) {
+        for (const Operation* operation : {&first_read, &later_read, &first_write, &later_write}) {
             for (const Failure& failure : failures) {
                 for (const bool passes : {true, false}) {
                     int result = good;
