@@ -152,7 +152,8 @@ class Database {
     Status change_counter(std::int64_t& counter);
 
     // Transactions. Reads outside of one see each the latest state. commit() answers ok once everything is on stable
-    // storage; with any other answer nothing has changed and the transaction is still to be rolled back.
+    // storage; with any other answer nothing has changed, unless the medium refused just that, and the transaction is
+    // still to be rolled back.
     Status begin_read();
     Status begin_write();
     Status commit();

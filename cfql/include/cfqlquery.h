@@ -55,7 +55,8 @@ cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const ch
 
 /* Stores the one pair of PAIR in OBJECT of TABLE, making the object when there is none. FLAGS is reserved: pass 0.
  *
- * Returns 1 when the value is on stable storage, any other value when nothing has changed. Refused (0): an empty table
+ * Returns 1 when the value is on stable storage, any other value when nothing has changed. One exception: if the medium
+ * refuses to make the write stable, the call fails, and the value may turn up all the same. Refused (0): an empty table
  * or key, an empty object name except in "system", "name" as key, a table, name or key of more than 255 octets, a value
  * of more than 4096, a null value. */
 int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_node* pair, int flags);
