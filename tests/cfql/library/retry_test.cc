@@ -75,8 +75,8 @@ Ssid on_disk() {
     const int found = in_child([] {
         cfql::Database store;
         cfql::Text value;
-        require(store.open(cfql::store_path(), cfql::Access::write));
-        require(store.get("interface", "wlan0", "ssid", value));
+        cfql::Status status = store.open(cfql::store_path(), cfql::Access::write);
+        if (status == cfql::Status::ok) status = store.get("interface", "wlan0", "ssid", value);
         return value == "home" ? 1 : value == "office" ? 2 : 0;
     });
     return found == 1 ? Ssid("home") : found == 2 ? Ssid("office") : std::nullopt;
