@@ -48,6 +48,19 @@ TEST_F(AuthenticationAlgorithms, ReadsTheKeysInOrder) {
                                           "get bss b0 shared-key-authentication"));
 }
 
+TEST_F(AuthenticationAlgorithms, HandsBackBothAnswersWhenItHasReadTheValue) {
+    device.set("bss", "b0", "open-system-authentication", "on");
+    device.shows_releases = true;
+    fill();
+    device.calls.resize(6);
+    EXPECT_THAT(device.calls, ElementsAre("grid interface type=service-set",            //
+                                          "release interface",                          //
+                                          "get interface wlan0 bss",                    //
+                                          "get bss b0 open-system-authentication",      //
+                                          "release bss b0 open-system-authentication",  //
+                                          "release interface wlan0 bss"));
+}
+
 TEST_F(AuthenticationAlgorithms, HasTwoRowsForEveryInterface) {
     device.add_interface("wlan1", 5);
     device.set("interface", "wlan1", "bss", "b1");

@@ -35,6 +35,19 @@ TEST(Dsss, ReadsTheChannelOfTheRadioWithTheInterfacesName) {
     EXPECT_EQ(pdsssinfo[1].dot11CurrentChannel, 11);
 }
 
+TEST(Dsss, HandsBackTheChannelsAnswerBehindTheFile) {
+    ScriptedDevice device;
+    device.add_interface("wlan0", 3);
+    device.set("radio", "wlan0", "channel", "11");
+    device.shows_releases = true;
+    filled();
+    EXPECT_THAT(device.calls, ElementsAre("grid interface type=service-set",  //
+                                          "release interface",                //
+                                          "get radio wlan0 channel",          //
+                                          "open " + first_file,               //
+                                          "release radio wlan0 channel"));
+}
+
 TEST(Dsss, Numbers) {
     expect_numbers<Row>({{"radio", "channel", &Row::dot11CurrentChannel, 6, as_it_is}}, filled);
 }

@@ -133,6 +133,24 @@ TEST_F(Operation, ReadsTheKeysInOrder) {
                                           "get radio r0 manufacturer-product-name"));
 }
 
+// The answer for "bss" outlives those of the links behind it.
+TEST_F(Operation, HandsBackEachAnswerWhenItHasReadTheValue) {
+    store_everything();
+    device.shows_releases = true;
+    filled();
+    device.calls.resize(10);
+    EXPECT_THAT(device.calls, ElementsAre("grid interface type=service-set",  //
+                                          "release interface",                //
+                                          "get interface wlan0 mac",          //
+                                          "release interface wlan0 mac",      //
+                                          "get interface wlan0 bss",          //
+                                          "get bss b0 radio",                 //
+                                          "release bss b0 radio",             //
+                                          "get radio r0 rts-threshold",       //
+                                          "release radio r0 rts-threshold",   //
+                                          "release interface wlan0 bss"));
+}
+
 TEST_F(Operation, HasADefaultForEveryMissingKey) {
     EXPECT_EQ(filled(), defaults);
 }

@@ -81,11 +81,11 @@ void ScriptedDevice::fail_allocations_from(int n) {
     later_ones_fail_ = true;
 }
 
-cfqlquery_node* ScriptedDevice::make(const std::vector<Pair>& nodes) {
+cfqlquery_node* ScriptedDevice::make(const std::string& question, const std::vector<Pair>& nodes) {
     cfqlquery_node* list = nullptr;
     for (auto node = nodes.rbegin(); node != nodes.rend(); ++node)
         list = new cfqlquery_node{copy(node->first), copy(node->second), list, 0};
-    if (list) live_.insert(list);
+    if (list) live_[list] = question;
     return list;
 }
 
@@ -97,7 +97,7 @@ cfqlquery_node* ScriptedDevice::grid(const char* table, const cfqlquery_node* fi
         pairs.emplace_back(shown(node->name), shown(node->value));
     }
     calls.push_back(call);
-    if (grids_.contains(table)) return make(grids_[table]);
+    if (grids_.contains(table)) return make(shown(table), grids_[table]);
     std::vector<Pair> nodes;
     for (const Object& object : objects_) {
         if (object.table != table) continue;
@@ -105,7 +105,7 @@ cfqlquery_node* ScriptedDevice::grid(const char* table, const cfqlquery_node* fi
         nodes.insert(nodes.end(), pairs.begin(), pairs.end());
     }
     if (listings_before_loss > 0 && --listings_before_loss == 0) lose_objects();
-    return make(nodes);
+    return make(shown(table), nodes);
 }
 
 void ScriptedDevice::lose_objects() {
@@ -114,9 +114,10 @@ void ScriptedDevice::lose_objects() {
 }
 
 cfqlquery_node* ScriptedDevice::get(const char* table, const char* object, const char* key) {
-    calls.push_back("get " + shown(table) + " " + shown(object) + " " + shown(key));
+    const std::string question = shown(table) + " " + shown(object) + " " + shown(key);
+    calls.push_back("get " + question);
     const auto found = answers_.find({table, object ? object : "", key});
-    return found == answers_.end() ? nullptr : make(found->second);
+    return found == answers_.end() ? nullptr : make(question, found->second);
 }
 
 int32_t ScriptedDevice::write(const char* table, const char* object, const cfqlquery_node* pair) {
@@ -128,7 +129,10 @@ int32_t ScriptedDevice::write(const char* table, const char* object, const cfqlq
 
 void ScriptedDevice::destroy(cfqlquery_node* list) {
     if (!list) return;
-    ASSERT_EQ(live_.erase(list), 1U) << "an answer was handed back twice, or is no answer";
+    const auto answer = live_.find(list);
+    ASSERT_NE(answer, live_.end()) << "an answer was handed back twice, or is no answer";
+    if (shows_releases) calls.push_back("release " + answer->second);
+    live_.erase(answer);
     while (list) {
         cfqlquery_node* next = list->next;
         free(const_cast<char*>(list->name));
@@ -136,6 +140,13 @@ void ScriptedDevice::destroy(cfqlquery_node* list) {
         delete list;
         list = next;
     }
+}
+
+const std::string* ScriptedDevice::open(const std::string& path) {
+    opened.push_back(path);
+    if (shows_releases) calls.push_back("open " + path);
+    const auto file = files.find(path);
+    return file == files.end() ? nullptr : &file->second;
 }
 
 bool ScriptedDevice::allocation_fails() {
@@ -194,11 +205,10 @@ void* __wrap_calloc(size_t count, size_t size) {
 FILE* __real_fopen(const char* path, const char* mode);
 FILE* __wrap_fopen(const char* path, const char* mode) {
     if (!device || !std::string(path).starts_with("/proc/net")) return __real_fopen(path, mode);
-    device->opened.push_back(path);
-    const auto file = device->files.find(path);
-    if (file == device->files.end()) return nullptr;
+    const std::string* content = device->open(path);
+    if (!content) return nullptr;
     FILE* stream = tmpfile();
-    fwrite(file->second.data(), 1, file->second.size(), stream);
+    fwrite(content->data(), 1, content->size(), stream);
     rewind(stream);
     return stream;
 }

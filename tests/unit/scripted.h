@@ -42,6 +42,8 @@ class ScriptedDevice {
     // Every call, in order: "grid interface type=service-set", "get interface wlan0 mac", "set bss wlan0
     // dtim-period=3". A null object is written "-".
     std::vector<std::string> calls;
+    // Whether `calls` shows more: "release interface wlan0 mac" for the answer that is handed back, "open /proc/net/x".
+    bool shows_releases = false;
     std::vector<std::string> calls_of(const std::string& kind) const;  // those that begin with it, without it
 
     // -- the system
@@ -76,6 +78,7 @@ class ScriptedDevice {
     int32_t write(const char* table, const char* object, const cfqlquery_node* pair);
     void destroy(cfqlquery_node* list);
     bool allocation_fails();
+    const std::string* open(const std::string& path);  // what the file holds; null: it cannot be opened
 
   private:
     struct Object {
@@ -83,13 +86,13 @@ class ScriptedDevice {
     };
     using Address = std::vector<std::string>;  // table, object, key
 
-    cfqlquery_node* make(const std::vector<Pair>& nodes);
+    cfqlquery_node* make(const std::string& question, const std::vector<Pair>& nodes);
     void lose_objects();
 
     std::vector<Object> objects_;
     std::map<Address, std::vector<Pair>> answers_;
     std::map<std::string, std::vector<Pair>> grids_;
-    std::set<cfqlquery_node*> live_;
+    std::map<cfqlquery_node*, std::string> live_;  // answers, and what was asked
     int allocations_left_ = 0;
     bool allocation_failed_ = false;
     bool later_ones_fail_ = false;

@@ -36,49 +36,48 @@ constexpr const char* fragmentation_threshold = "fragmentation-threshold";
 
 // The names of this table's BSS and radio are looked up with find_value_or_last: their scratch lengths are never set
 // back. A name is released as soon as it has been used, so nothing of an earlier row is found again.
+bool find_bss_or_last(const cfqlquery_node* bss_answer) {
+    return find_value_or_last(bss_answer, "bss", oper_info.bss);
+}
+
 bool find_threshold(const char* key, ScratchText& scratch) {
     return find_radio_of_bss(oper_info.bss, oper_info.radio, find_value_or_last) &&
            find_value_of_radio(oper_info.radio, key, scratch);
 }
 
-bool find_bss_or_last(const char* interface) {
-    const Answer answer("interface", interface, "bss");
-    return find_value_or_last(answer.list(), "bss", oper_info.bss);
-}
-
 // Without a BSS the row keeps its earlier threshold, and no default is taken: meant.
-void read_rts_threshold(Row& row, const char* interface) {
-    if (!find_bss_or_last(interface)) return;
+void read_rts_threshold(Row& row, const cfqlquery_node* bss_answer) {
+    if (!find_bss_or_last(bss_answer)) return;
     row.dot11RTSThreshold = 2347;
     if (find_threshold(rts_threshold, oper_info.rts_threshold))
         row.dot11RTSThreshold = take_number(oper_info.rts_threshold, number_not_negative);
 }
 
 // The default goes into the RTS threshold, and the fragmentation threshold keeps its earlier value: meant.
-void read_fragmentation_threshold(Row& row, const char* interface) {
-    if (find_bss_or_last(interface) && find_threshold(fragmentation_threshold, oper_info.fragmentation_threshold))
+void read_fragmentation_threshold(Row& row, const cfqlquery_node* bss_answer) {
+    if (find_bss_or_last(bss_answer) && find_threshold(fragmentation_threshold, oper_info.fragmentation_threshold))
         row.dot11FragmentationThreshold = take_number(oper_info.fragmentation_threshold, number_not_negative);
     else
         row.dot11RTSThreshold = 2346;
 }
 
 // One answer for "bss" serves both.
-void read_identifiers(Row& row, const char* interface) {
-    const Answer bss_answer("interface", interface, "bss");
+void read_identifiers(Row& row, const cfqlquery_node* bss_answer) {
     for (const auto& identifier : identifiers)
-        read_radio_text(row, bss_answer.list(), oper_info.bss, oper_info.radio, identifier, find_value_or_last);
+        read_radio_text(row, bss_answer, oper_info.bss, oper_info.radio, identifier, find_value_or_last);
 }
 
-// False when memory ran out; what was read until then stays.
+// Each answer for "bss" is asked for anew, and handed back when the values behind it have been read. False when memory
+// ran out; what was read until then stays.
 bool fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     if (!read_mac_address(interface, "mac", oper_info.mac, row.dot11MACAddress)) return false;
     row.dot11MACAddressLen = 6;
-    read_rts_threshold(row, interface);
+    read_rts_threshold(row, Answer("interface", interface, "bss").list());
     read_interface_keys(row, interface, retry_limits);
-    read_fragmentation_threshold(row, interface);
+    read_fragmentation_threshold(row, Answer("interface", interface, "bss").list());
     read_interface_keys(row, interface, lifetimes);
-    read_identifiers(row, interface);
+    read_identifiers(row, Answer("interface", interface, "bss").list());
     return true;
 }
 

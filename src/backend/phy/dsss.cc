@@ -16,12 +16,6 @@ namespace {
 
 int32_t counter;
 
-// The interface's own name is taken as the radio's: meant, and kept.
-int32_t read_channel(const char* interface) {
-    const Answer answer("radio", interface, "channel");
-    return converted(answer.list(), "channel", phy_dsss_info.channel, number, 6);
-}
-
 // As atoi reads it where a long has 32 bits: numbers that are too great end at the limits.
 int32_t leading_number(const char* text) {
     return static_cast<int32_t>(std::clamp<long long>(strtoll(text, nullptr, 10), INT32_MIN, INT32_MAX));
@@ -45,6 +39,15 @@ int32_t read_ed_threshold(uint32_t position) {
     return threshold;
 }
 
+// The interface's own name is taken as the radio's: meant, and kept. The store's answer is handed back when the
+// driver's file has been read.
+void fill_row(DsssRow& row, const char* interface, uint32_t position) {
+    row.ifIndex = if_nametoindex(interface);
+    const Answer answer("radio", interface, "channel");
+    row.dot11CurrentChannel = converted(answer.list(), "channel", phy_dsss_info.channel, number, 6);
+    row.dot11EDThreshold = read_ed_threshold(position);
+}
+
 }  // namespace
 
 int GetPhyDsssEntries(void) {
@@ -56,11 +59,8 @@ uint32_t GetPhyDsssTableIndexCount(void) {
 }
 
 int GetPhyDsssTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i) {
-        pdsssinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
-        pdsssinfo[i].dot11CurrentChannel = read_channel(iface_tags[i]);
-        pdsssinfo[i].dot11EDThreshold = read_ed_threshold(i);
-    }
+    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+        fill_row(pdsssinfo[i], iface_tags[i], i);
     return 1;
 }
 

@@ -29,9 +29,10 @@ int32_t true_when_on(char* text) {
     return strcmp(text, "on") == 0 ? 1 : 2;
 }
 
-// An answer with the other algorithm's key is taken for this one's.
+// An answer with the other algorithm's key is taken for this one's. Both answers are handed back at the end.
 int32_t read_enable(const char* interface, uint32_t algorithm) {
-    if (!find_bss(interface, auth_info.bss)) return 2;
+    const Answer bss_answer("interface", interface, "bss");
+    if (!find_value(bss_answer.list(), "bss", auth_info.bss)) return 2;
     const Answer answer("bss", auth_info.bss.text, key_of(algorithm));
     release(auth_info.bss);
     if (!find_value_of_any(answer.list(), keys, auth_info.algorithm)) return 2;
