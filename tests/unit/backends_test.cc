@@ -1,6 +1,7 @@
 // What holds for every table with rows for each interface: which rows there are, whatever their columns.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <set>
@@ -21,6 +22,8 @@
 
 namespace {
 
+using Keys = std::vector<std::string>;
+
 struct Backend {
     const char* name;
     int (*entries)(void);
@@ -29,32 +32,52 @@ struct Backend {
     int (*entry_by_index)(uint32_t position, void* row);
     uint32_t rows_per_interface;
     size_t row_size;
+    const void* scratch;
+    Keys scratch_keys;  // of the scratch record's pairs, in their order, which other programs see; "": of none
 };
 
 // clang-format off
 const Backend backends[] = {
     {"station_config", GetStationConfigEntries, GetStationConfigTableIndexCount, GetStationConfigTableData,
-     GetStationConfigEntryByIndex, 1, 292},
+     GetStationConfigEntryByIndex, 1, 292,
+     &sta_info, {}},
     {"authentication_algorithms", GetAuthAlgorithmEntries, GetAuthenticationAlgorithmTableIndexCount, GetAuthAlgorithmTableData,
-     GetAuthAlgorithmEntryByIndex, 2, 16},
+     GetAuthAlgorithmEntryByIndex, 2, 16,
+     &auth_info, {"shared-key-authentication", "bss"}},
     {"privacy", GetPrivacyEntries, GetPrivacyTableIndexCount, GetPrivacyTableData,
-     GetPrivacyEntryByIndex, 1, 28},
+     GetPrivacyEntryByIndex, 1, 28,
+     &priv_info, {"dot11-privacy-invoked", "wep-default-key", "wep-key-mapping-length"}},
     {"wep_default_keys", GetDefaultWEPKeysEntries, GetWEPDefaultKeysTableIndexCount, GetDefaultWEPKeysTableData,
-     GetDefaultWEPKeysEntryByIndex, 4, 76},
+     GetDefaultWEPKeysEntryByIndex, 4, 76,
+     &wep_info, {"wep-key-4"}},
     {"operation", GetOperationsEntries, GetOperationTableIndexCount, GetOperationsTableData,
-     GetOperationsEntryByIndex, 1, 304},
+     GetOperationsEntryByIndex, 1, 304,
+     &oper_info, {"mac", "rts-threshold", "dot11-short-retry-limit", "dot11-long-retry-limit", "fragmentation-threshold",
+      "dot11-max-transmit-msdu-lifetime", "dot11-max-receive-lifetime", "manufacturer-id", "manufacturer-product-name",
+      "bss", "radio"}},
     {"counters", GetCountersEntries, GetCountersTableIndexCount, GetCountersTableData,
-     GetCountersEntryByIndex, 1, 60},
+     GetCountersEntryByIndex, 1, 60,
+     &cnt_info, {"transmitted-fragment-count", "multicast-transmitted-frame-count", "failed-count", "retry-count",
+      "multiple-retry-count", "frame-duplicate-count", "rts-success-count", "rts-failure-count", "ack-failure-count",
+      "received-fragment-count", "multicast-received-frame-count", "fcs-error-count", "transmitted-frame-count",
+      "wep-undecryptable-count"}},
     {"resource_info", GetResourceInfoEntries, GetResourceInfoTableIndexCount, GetResourceInfoTableData,
-     GetResourceInfoEntryByIndex, 1, 796},
+     GetResourceInfoEntryByIndex, 1, 796,
+     &res_info, {"radio", "bss", "manufacturer-oui", "manufacturer-name", "manufacturer-product-name",
+      "manufacturer-product-version"}},
     {"phy_operation", GetPhyOperationsEntries, GetPhyOperationTableIndexCount, GetPhyOperationsTableData,
-     GetPhyOperationsEntryByIndex, 1, 16},
+     GetPhyOperationsEntryByIndex, 1, 16,
+     &phy_oper_info, {"dot11-phy-type", "dot11-current-reg-domain", "dot11-temp-type"}},
     {"tx_power", GetPhyTxPowerEntries, GetPhyTxPowerTableIndexCount, GetPhyTxPowerTableData,
-     GetPhyTxPowerEntryByIndex, 1, 44},
+     GetPhyTxPowerEntryByIndex, 1, 44,
+     &phy_pow_info, {"num_supported_pow_level", "tx-power", "tx-power", "tx-power", "tx-power", "tx-power", "tx-power", "tx-power",
+      "tx-power", "curr_tx_power_level"}},
     {"dsss", GetPhyDsssEntries, GetPhyDsssTableIndexCount, GetPhyDsssTableData,
-     GetPhyDsssEntryByIndex, 1, 20},
+     GetPhyDsssEntryByIndex, 1, 20,
+     &phy_dsss_info, {"channel", "", "", ""}},
     {"reg_domains", GetRegDomainSupportedEntries, GetRegDomainsSupportedTableIndexCount, GetRegDomainSupportedTableData,
-     GetRegDomainSupportedEntryByIndex, 1, 12},
+     GetRegDomainSupportedEntryByIndex, 1, 12,
+     &reg_info, {"dot11-current-reg-domain"}},
 };
 // clang-format on
 
@@ -176,6 +199,20 @@ TEST_P(Backends, EnumeratesWithoutMemoryForTheFilterToo) {
         EXPECT_TRUE(device.allocation_failed());
         EXPECT_EQ(GetParam().index_count(), 2U);
     }
+}
+
+TEST_P(Backends, KeepsEachTextsLengthInItsPlace) {
+    const Keys& keys = GetParam().scratch_keys;
+    const auto length_of = [&](const std::string& key) {
+        return static_cast<uint32_t>(std::find(keys.begin(), keys.end(), key) - keys.begin() + 1);
+    };
+    add_interfaces(1);
+    answer_every_key([&](const std::string& key) {
+        return std::vector{ScriptedDevice::Pair{key, std::string(length_of(key), '1')}};
+    });
+    const auto* texts = static_cast<const ScratchText*>(GetParam().scratch);
+    for (size_t i = 0; i < keys.size(); ++i)
+        EXPECT_EQ(texts[i].length, keys[i].empty() ? 0 : length_of(keys[i])) << i << " " << keys[i];
 }
 
 const std::vector<std::optional<std::string>> garbage = {

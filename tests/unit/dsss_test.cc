@@ -90,6 +90,15 @@ TEST(Dsss, FilesAreNumberedByTheRowsPosition) {
     EXPECT_EQ(pdsssinfo[1].dot11EDThreshold, -61);
 }
 
+TEST(Dsss, TheLastRowsFile) {
+    ScriptedDevice device;
+    device.interfaces["wlan0"] = 3;
+    device.answer_grid("interface", Nodes(128, {"name", "wlan0"}));
+    filled();
+    EXPECT_EQ(device.opened.size(), 128U);
+    EXPECT_EQ(device.opened.back(), "/proc/net/mura/wlan127.11/info");
+}
+
 TEST(Dsss, Threshold) {
     using namespace std::string_literals;
     const std::string other_lines(1023, '\n');
@@ -164,6 +173,21 @@ TEST(Dsss, WithoutMemoryATextCountsAsAbsent) {
         EXPECT_EQ(GetPhyDsssTableData(), 1);
         EXPECT_EQ(pdsssinfo[0].dot11CurrentChannel, fact.channel);
         EXPECT_EQ(pdsssinfo[0].dot11EDThreshold, fact.threshold);
+    }
+}
+
+TEST(Dsss, TheThresholdsLengthIsFourWhereThereIsALine) {
+    const struct {
+        const char* file;
+        uint32_t length;  // of a scratch whose length was 9
+    } facts[] = {{"noise=3\n", 9}, {"caThreshold\n", 4}, {"caThreshold=0\n", 4}};
+    for (const auto& fact : facts) {
+        ScriptedDevice device;
+        device.add_interface("wlan0", 3);
+        device.files[first_file] = fact.file;
+        phy_dsss_info.ca_threshold.length = 9;
+        filled();
+        EXPECT_EQ(phy_dsss_info.ca_threshold.length, fact.length) << fact.file;
     }
 }
 

@@ -252,11 +252,13 @@ TEST_F(Operation, FindsNoNameThatHasBeenUsed) {
     const Fields fields = filled();
     EXPECT_EQ(fields.at("dot11RTSThreshold"), "2346");
     EXPECT_EQ(fields.at("dot11ManufacturerIDLen"), "1");
+    EXPECT_EQ(oper_info.bss.length, 2U);
     EXPECT_EQ(device.calls_of("get bss").size(), 4U);
 
     device.set("interface", "wlan0", "bss", "b0");
     device.answer("bss", "b0", "radio", {{std::nullopt, "r0"}});
     EXPECT_EQ(filled().at("dot11RTSThreshold"), "2346");
+    EXPECT_EQ(oper_info.radio.length, 2U);
     EXPECT_EQ(device.calls_of("get radio").size(), 4U);
 }
 
@@ -294,6 +296,33 @@ TEST_F(Operation, ConvertsTheAddress) {
     }
     device.set("interface", "wlan0", "mac", std::string(5000, '1'));
     EXPECT_EQ(filled().at("dot11MACAddress"), "11 11 11 11 11 11");
+}
+
+// The row whose address fails has its index and nothing more; the rows before it are whole, those behind it untouched.
+TEST_F(Operation, EndsTheFillWithoutMemoryForAnAddress) {
+    device.add_interface("wlan1", 5);
+    for (const char* interface : {"wlan0", "wlan1"})
+        device.set("interface", interface, "mac", "00:11:22:33:44:55");
+    const struct {
+        int failing;  // a row takes two allocations: the text and the working buffer
+        uint32_t first_index, second_index;
+        int32_t first_limit, second_limit;
+        std::string last_call;
+    } facts[] = {
+        {2, 3, 0, 0, 0, "get interface wlan0 mac"},
+        {4, 3, 5, 7, 0, "get interface wlan1 mac"},
+    };
+    for (const auto& fact : facts) {
+        memset(opinfo, 0, 2 * sizeof row());
+        ASSERT_EQ(GetOperationsEntries(), 1);
+        device.fail_allocation(fact.failing);
+        EXPECT_EQ(GetOperationsTableData(), -1);
+        EXPECT_EQ(opinfo[0].ifIndex, fact.first_index) << fact.failing;
+        EXPECT_EQ(opinfo[1].ifIndex, fact.second_index) << fact.failing;
+        EXPECT_EQ(opinfo[0].dot11ShortRetryLimit, fact.first_limit) << fact.failing;
+        EXPECT_EQ(opinfo[1].dot11ShortRetryLimit, fact.second_limit) << fact.failing;
+        EXPECT_EQ(device.calls.back(), fact.last_call);
+    }
 }
 
 // For an interface with every key. The first two are the enumeration's.

@@ -178,6 +178,8 @@ TEST_P(RateFacts, HundredsOfKilobitsBecomeFiveHundreds) {
 TEST_P(RateFacts, OnlyTheFirstNodeCounts) {
     for (const std::vector<ScriptedDevice::Pair>& nodes : {std::vector<ScriptedDevice::Pair>{{"other", "110"}},
                                                            {{"other", "110"}, {"rate", "110"}},
+                                                           {{"rates", "110"}},
+                                                           {{"RATE", "110"}},
                                                            {{std::nullopt, "110"}}}) {
         RateDevice device(GetParam());
         device.objects("a");
@@ -423,15 +425,18 @@ TEST_P(Rates, WithoutObjectsThereIsNoRow) {
 
 TEST_P(Rates, WhenTheObjectsVanishTheNextCallTriesAgain) {
     device.objects("a");
+    device.rate("a", "110");
     walker.scan();
     device.now += 51;
     device.answer_grid("supported-rate", {{"other", "a"}});
     walker.next();
     EXPECT_EQ(walker.result, -1);
     EXPECT_EQ(*side.last_load, 0U);
+    EXPECT_EQ(*side.next_text, 1) << "as it was";
     device.objects("a");
     EXPECT_EQ(walker.scan(), (Rows{{97, 1, 2}}));
     EXPECT_EQ(device.loads(), 3U);
+    EXPECT_THAT(device.fetches(), SizeIs(1)) << "that is no first visit";
 }
 
 TEST_P(Rates, WhenTheStoreFailsTheNextCallTriesAgain) {
@@ -447,6 +452,22 @@ TEST_P(Rates, WhenTheStoreFailsTheNextCallTriesAgain) {
     EXPECT_EQ(*side.last_load, device.now - 51) << "as it was";
     device.now -= 1;
     EXPECT_EQ(walker.scan(), (Rows{{97, 1, 22}})) << "and so are the rates";
+}
+
+// The fourth call ends a walk of one row, whatever came of the first ones.
+TEST_P(Rates, CallsThatFailCountToo) {
+    *side.stored_now = 5;
+    walker.next();
+    EXPECT_EQ(*side.stored_now, 0);
+    device.answer_grid("supported-rate", {{"other", "a"}});
+    walker.next();
+    EXPECT_EQ(walker.result, -1);
+    device.objects("a");
+    device.rate("a", "110");
+    EXPECT_TRUE(walker.next());
+    EXPECT_EQ(*side.last_load, device.now);
+    EXPECT_FALSE(walker.next());
+    EXPECT_EQ(*side.last_load, 0U);
 }
 
 TEST_P(Rates, AGroupWithoutAnswerEndsTheWalkOnce) {

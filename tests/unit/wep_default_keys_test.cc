@@ -140,6 +140,9 @@ TEST_F(WEPDefaultKeys, EndsTheFillWithoutMemoryForAKeysName) {
             const bool filled = n <= 2 || i < row || (i > row && !name_fails);
             const std::string expected = filled ? "FAKE0" : name_fails ? "" : missing;
             EXPECT_EQ(value_of(winfo[i]), expected) << "allocation " << n << ", row " << i;
+            const bool begun = !name_fails || i <= row;  // the indexes come before the name
+            EXPECT_EQ(winfo[i].ifIndex, begun ? 3U : 0U) << "allocation " << n << ", row " << i;
+            EXPECT_EQ(winfo[i].dot11WEPDefaultKeyIndex, begun ? i + 1 : 0U) << "allocation " << n << ", row " << i;
         }
     }
     device.fail_allocation(11);
