@@ -5,6 +5,7 @@
 
 #include <deque>
 
+#include "access/counters.h"
 #include "backend/phy/supported_data_rates.h"
 #include "backend/smt/authentication_algorithms.h"
 #include "backend/smt/privacy.h"
@@ -21,8 +22,14 @@ uint32_t interfaces = 0;              // in every table
 std::vector<uint32_t> row_positions;  // that the iterator asked for
 int site_check = 0;
 
-// What the rates' routine answers, and what it was called with: position and new-row flag.
+// What the next-row hook of a table was called with, and what it answers.
+std::vector<const void*> next_arguments;
+netsnmp_variable_list* next_result;
+
+// What the rates' routines answer, which table's was called last, and what each was called with: position and new-row
+// flag.
 std::deque<int> rate_results;
+std::string rate_table;
 std::vector<std::pair<uint32_t, int32_t>> rate_calls;
 
 int copy_indexes(uint32_t position, void* row) {
@@ -32,7 +39,8 @@ int copy_indexes(uint32_t position, void* row) {
     return 1;
 }
 
-int next_rate(uint32_t position, int32_t* flag, void* row) {
+int next_rate(const char* table, uint32_t position, int32_t* flag, void* row) {
+    rate_table = table;
     rate_calls.emplace_back(position, *flag);
     *flag = 5;  // stays unless the iterator sets it
     static_cast<uint32_t*>(row)[0] = 10 + position;
@@ -84,10 +92,17 @@ int GetDefaultWEPKeysEntryByIndex(uint32_t position, void* row) {
 }
 
 int GetSuppDataRatesRxTableByIndex(uint32_t position, int32_t* flag, void* row) {
-    return next_rate(position, flag, row);
+    return next_rate("dot11SupportedDataRatesRxTable", position, flag, row);
 }
 int GetSuppDataRatesTxTableByIndex(uint32_t position, int32_t* flag, void* row) {
-    return next_rate(position, flag, row);
+    return next_rate("dot11SupportedDataRatesTxTable", position, flag, row);
+}
+
+netsnmp_variable_list* dot11CountersTable_get_next_data_point(void** loop_context, void** data_context,
+                                                              netsnmp_variable_list* put_index_data,
+                                                              netsnmp_iterator_info* info) {
+    next_arguments = {loop_context, data_context, put_index_data, info};
+    return next_result;
 }
 
 int check_dot11BeaconPeriod_local(int, const void*, size_t, const void*, size_t) {
@@ -150,6 +165,26 @@ TEST(Replaced, IndexValuesAreTheFirstWordsOfTheRow) {
     EXPECT_THAT(Walk("dot11AuthenticationAlgorithmsTable").rows(), ElementsAre(std::pair(10, 100), std::pair(11, 101)));
 }
 
+TEST(Replaced, TheFirstRowIsTheNextOneOfAWalkPutBack) {
+    const auto first = symbol<Netsnmp_First_Data_Point>("dot11CountersTable_get_first_data_point");
+    netsnmp_variable_list index = {};
+    netsnmp_variable_list other = {};
+    netsnmp_iterator_info info = {};
+    void* loop = nullptr;
+    void* data = nullptr;
+    next_result = &other;
+    EXPECT_EQ(first(&loop, &data, &index, &info), &other);
+    EXPECT_THAT(next_arguments, ElementsAre(&loop, &data, &index, &info));
+    auto* words = static_cast<uint32_t*>(loop);
+    ASSERT_NE(words, nullptr);
+    words[0] = 7;
+    words[1] = 9;
+    next_result = nullptr;
+    EXPECT_EQ(first(&loop, &data, &index, &info), nullptr);
+    EXPECT_EQ(words[0], 0U) << "the position";
+    EXPECT_EQ(words[1], 9U) << "the row stays what it was";
+}
+
 class ReplacedRates : public testing::TestWithParam<std::string> {};
 
 INSTANTIATE_TEST_SUITE_P(Tables, ReplacedRates,
@@ -160,6 +195,7 @@ TEST_P(ReplacedRates, TheNextGroupBeginsBehindALastRow) {
     Walk walk(GetParam());
     EXPECT_THAT(walk.rows(),
                 ElementsAre(std::pair(10, 1), std::pair(10, 2), std::pair(10, 3), std::pair(11, 4), std::pair(11, 5)));
+    EXPECT_EQ(rate_table, GetParam());
     EXPECT_THAT(rate_calls, ElementsAre(std::pair(0, 1), std::pair(0, 5), std::pair(0, 5), std::pair(1, 1),
                                         std::pair(1, 5), std::pair(2, 1)));
 }

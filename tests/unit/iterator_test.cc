@@ -49,7 +49,8 @@ struct IndexVarbinds {
     IndexVarbinds& operator=(const IndexVarbinds&) = delete;
 };
 
-// The second index is 0 where the hook sets none.
+constexpr long unset = -1;  // an index varbind that the hook leaves alone
+
 struct Indexes {
     long first, second;
     bool operator==(const Indexes&) const = default;
@@ -99,7 +100,7 @@ class Walk {
 
   private:
     static long number(const netsnmp_variable_list& varbind) {
-        return varbind.val_len == sizeof(long) ? *varbind.val.integer : 0;
+        return varbind.val_len == sizeof(long) ? *varbind.val.integer : unset;
     }
     bool take(netsnmp_variable_list* result) {
         EXPECT_TRUE(!result || result == &varbinds_.first);
@@ -260,6 +261,13 @@ TEST_F(NextRow, ReadsAgainAfterMoreThanFifteenSecondsOfSilence) {
     }
 }
 
+TEST_F(NextRow, APassHasTheTimeAtWhichItBegan) {
+    device.tick = 20;
+    next();
+    EXPECT_EQ(last_pass, 1'000'000'000);
+    EXPECT_EQ(device.now, 1'000'000'020) << "the clock is looked at once";
+}
+
 TEST_F(NextRow, AClockThatFailsIsOneThatStandsAtZero) {
     device.clock_fails = true;
     for (const LastPass before : {LastPass{0}, LastPass{largest_31_bits}}) {
@@ -340,7 +348,7 @@ struct ReloadedTable {
     Hooks hooks;
     const void* records;
     size_t row_size;
-    std::vector<long> second_indexes;  // of one interface; 0: the table has none
+    std::vector<long> second_indexes;  // of one interface
     size_t capacity = 128;
 };
 void PrintTo(const ReloadedTable& table, std::ostream* out) {
@@ -348,16 +356,16 @@ void PrintTo(const ReloadedTable& table, std::ostream* out) {
 }
 
 const ReloadedTable reloaded_tables[] = {
-    {HOOKS(dot11StationConfigTable), sinfo, 292, {0}},
+    {HOOKS(dot11StationConfigTable), sinfo, 292, {unset}},
     {HOOKS(dot11AuthenticationAlgorithmsTable), ainfo, 16, {1, 2}, 256},
     {HOOKS(dot11WEPDefaultKeysTable), winfo, 76, {1, 2, 3, 4}, 512},
-    {HOOKS(dot11PrivacyTable), pinfo, 28, {0}},
-    {HOOKS(dot11OperationTable), opinfo, 304, {0}},
-    {HOOKS(dot11CountersTable), cinfo, 60, {0}},
-    {HOOKS(dot11ResourceInfoTable), rinfo, 796, {0}},
-    {HOOKS(dot11PhyOperationTable), poinfo, 16, {0}},
-    {HOOKS(dot11PhyTxPowerTable), ptinfo, 44, {0}},
-    {HOOKS(dot11PhyDSSSTable), pdsssinfo, 20, {0}},
+    {HOOKS(dot11PrivacyTable), pinfo, 28, {unset}},
+    {HOOKS(dot11OperationTable), opinfo, 304, {unset}},
+    {HOOKS(dot11CountersTable), cinfo, 60, {unset}},
+    {HOOKS(dot11ResourceInfoTable), rinfo, 796, {unset}},
+    {HOOKS(dot11PhyOperationTable), poinfo, 16, {unset}},
+    {HOOKS(dot11PhyTxPowerTable), ptinfo, 44, {unset}},
+    {HOOKS(dot11PhyDSSSTable), pdsssinfo, 20, {unset}},
     {HOOKS(dot11RegDomainsSupportedTable), rdinfo, 12, {1}},
 };
 
@@ -599,7 +607,7 @@ TEST_F(AllTables, FourHaveNoRowsAndTouchNothing) {
         EXPECT_FALSE(walk.next()) << table.name;
         EXPECT_EQ(walk.loop(), nullptr) << table.name;
         EXPECT_FALSE(walk.data_touched()) << table.name;
-        EXPECT_EQ(walk.indexes(), (Indexes{0, 0})) << table.name;
+        EXPECT_EQ(walk.indexes(), (Indexes{unset, unset})) << table.name;
         void* row = nullptr;
         EXPECT_EQ(table.commit(&row, 1), 0) << table.name;
     }
@@ -626,6 +634,14 @@ TEST_F(AllTables, OnlyKeyMappingsMakeRows) {
 // -- the supported rates: the backend says when a group of rates ends
 
 const Hooks rate_tables[] = {HOOKS(dot11SupportedDataRatesRxTable), HOOKS(dot11SupportedDataRatesTxTable)};
+
+TEST_F(AllTables, WalksOfTheTwoRateTablesDoNotDisturbEachOther) {
+    Walk rx(rate_tables[0]);
+    Walk tx(rate_tables[1]);
+    rx.first();
+    tx.first();
+    EXPECT_NE(rx.loop(), tx.loop());
+}
 
 class Rates : public OnDevice, public testing::TestWithParam<Hooks> {
   protected:

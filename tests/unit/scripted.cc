@@ -93,6 +93,7 @@ cfqlquery_node* ScriptedDevice::grid(const char* table, const cfqlquery_node* fi
     std::string call = "grid " + shown(table);
     std::vector<Pair> pairs;
     for (const cfqlquery_node* node = filter; node; node = node->next) {
+        EXPECT_EQ(node->reserved, 0U);
         call += " " + shown(node->name) + "=" + shown(node->value);
         pairs.emplace_back(shown(node->name), shown(node->value));
     }

@@ -347,12 +347,15 @@ TEST_F(StationConfig, ClipsTheSSID) {
     }
 }
 
-// A shorter address than the row's earlier one leaves nothing of it.
+// A shorter address than the row's earlier one leaves nothing of it, and a longer one goes no further.
 TEST_F(StationConfig, ReplacesAnAddressWhole) {
     device.set("interface", "wlan0", "mac", "ff:ff:ff:ff:ff:ff");
     fill();
     device.set("interface", "wlan0", "mac", "01:02");
     EXPECT_EQ(filled().at("dot11StationID"), "01 02 00 00 00 00");
+    device.set("interface", "wlan0", "mac", "ff:ff:ff:ff:ff:ff:ff:ff");
+    fill();
+    EXPECT_EQ(hex(row().dot11StationID, 8), "ff ff ff ff ff ff 00 00");
 }
 
 struct BrokenLink {

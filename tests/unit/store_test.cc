@@ -169,6 +169,7 @@ TEST_F(Enumeration, TakesNamesOfInterfacesThatAreThere) {
                                         {std::nullopt, "eth0"},  //
                                         {"name", std::nullopt},  //
                                         {"name", "\xff\xff"},    //
+                                        {"name", ""},            // empty, and there
                                         {"name", "eth0"},
                                         {"name", "eth0"},  // twice, as listed
                                         {"name", std::string(5000, 'x')},
@@ -176,8 +177,8 @@ TEST_F(Enumeration, TakesNamesOfInterfacesThatAreThere) {
                                     });
     int32_t counter = 77;
     EXPECT_EQ(enumerate_interfaces(counter), 1);
-    EXPECT_EQ(counter, 4);
-    EXPECT_THAT(names(counter), ElementsAre("wlan0", "eth0", "eth0", "ath00"));
+    EXPECT_EQ(counter, 5);
+    EXPECT_THAT(names(counter), ElementsAre("wlan0", "", "eth0", "eth0", "ath00"));
     EXPECT_THAT(device.calls, ElementsAre("grid interface type=service-set"));
 }
 
@@ -195,6 +196,7 @@ TEST_F(Enumeration, OverwritesTheNamesFromTheFirst) {
 }
 
 TEST_F(Enumeration, StoresOneNameMoreThanItServes) {
+    static_assert(sizeof iface_tags == 129 * 128 && sizeof iface_tags[0] == 128);
     for (const int32_t count : {127, 128, 129, 130, 1000}) {
         memset(iface_tags, 0, sizeof iface_tags);
         device.answer_grid("interface", Nodes(static_cast<size_t>(count), {"name", "wlan0"}));
