@@ -189,6 +189,7 @@ char* ConvertToMacAddrFromString(char* text, int32_t length) {
         *end++ = ':';
         *end++ = text[i];
     }
-    *end++ = '\0';
-    return static_cast<char*>(memcpy(text, rewritten, static_cast<size_t>(end - rewritten)));
+    *end = '\0';
+    // Not up to the end: a NUL among the characters ends the copy too.
+    return static_cast<char*>(memcpy(text, rewritten, strlen(rewritten) + 1));
 }

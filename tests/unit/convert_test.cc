@@ -615,7 +615,6 @@ TEST(ConvertToMacAddrFromString, KeepsEvenPositionsAfterColons) {
         {"0123456789abcdefghijkl", 22, ":0:2:4:6:8:a:c:e:g:i:k"},
         {"0123456789abcdefghijklm", 23, "0123456789abcdefghijklm"},
         {"0123456789abcdefghijklm", INT32_MAX, "0123456789abcdefghijklm"},
-        {std::string({1, 2, 0, 4, 5, 6}), 6, ":\x01:"},  // halves of bytes: the copy ends at the first 0
     };
     for (const auto& row : rows) {
         // As many bytes as the contract asks for, and not one more.
@@ -624,6 +623,23 @@ TEST(ConvertToMacAddrFromString, KeepsEvenPositionsAfterColons) {
             std::max(row.text.size() + 1, row.length < 0 || row.length > 22 ? 1 : static_cast<size_t>(row.length) + 2));
         EXPECT_EQ(ConvertToMacAddrFromString(buffer.data(), row.length), buffer.data());
         EXPECT_STREQ(buffer.data(), row.rewritten) << row.text << " " << row.length;
+    }
+}
+
+// Halves of bytes may be 0: what is behind the first one at an even position stays.
+TEST(ConvertToMacAddrFromString, TheCopyEndsAtItsFirstZero) {
+    struct {
+        std::string text;
+        std::string rewritten;
+    } const rows[] = {
+        {{1, 2, 0, 4, 5, 6, '#', '#'}, {':', 1, ':', 0, 5, 6, '#', '#'}},
+        {{0, 2, 3, 4, 5, 6, '#', '#'}, {':', 0, 3, 4, 5, 6, '#', '#'}},
+        {{1, 0, 3, 0, 5, 0, '#', '#'}, {':', 1, ':', 3, ':', 5, 0, '#'}},
+    };
+    for (const auto& row : rows) {
+        auto buffer = block(row.text);
+        ConvertToMacAddrFromString(buffer.data(), 6);
+        EXPECT_EQ(text_of(buffer), row.rewritten);
     }
 }
 
