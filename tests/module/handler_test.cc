@@ -10,12 +10,15 @@
 #include "access/group_addresses.h"
 #include "access/station_config.h"
 #include "access/wep_key_mappings.h"
+#include "checks/checks.h"
 #include "module.h"
 
 namespace {
 
+using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 constexpr int no_error = 0, generic_error = 5, wrong_type = 7, wrong_value = 10, no_creation = 11,
               inconsistent_value = 12, undo_failed = 15, not_writable = 17;
@@ -23,7 +26,7 @@ constexpr int no_error = 0, generic_error = 5, wrong_type = 7, wrong_value = 10,
 // What this program's own routines answer, and what they were called with.
 struct Own {
     bool answers = true;   // whether read accessors return a value
-    int write_status = 0;  // of dot11DTIMPeriod
+    int write_status = 0;  // of dot11DTIMPeriod and dot11ShortSlotTimeOptionImplemented
     std::vector<int32_t> written;
     std::vector<std::pair<void*, int>> commits;  // row, new-row flag
     std::vector<std::pair<long, long>> created;  // indexes
@@ -33,8 +36,17 @@ struct Own {
 int32_t own_number = 77;
 
 void* own_answer(size_t* length) {
+    EXPECT_EQ(*length, 0U) << "an accessor that sets no length has none";
     *length = own.answers ? sizeof own_number : 0;
     return own.answers ? &own_number : nullptr;
+}
+
+int own_write(const void* value, size_t length) {
+    int32_t number = 0;
+    EXPECT_EQ(length, sizeof number);
+    memcpy(&number, value, sizeof number);
+    own.written.push_back(number);
+    return own.write_status;
 }
 
 }  // namespace
@@ -45,11 +57,17 @@ void* get_dot11CFPollable(void*, size_t* length) {
 void* get_dot11DTIMPeriod(void*, size_t* length) {
     return own_answer(length);
 }
-int set_dot11DTIMPeriod(void*, const void* value, size_t) {
-    int32_t number = 0;
-    memcpy(&number, value, sizeof number);
-    own.written.push_back(number);
-    return own.write_status;
+int set_dot11DTIMPeriod(void*, const void* value, size_t length) {
+    return own_write(value, length);
+}
+int set_dot11ShortSlotTimeOptionImplemented(void*, const void* value, size_t length) {
+    return own_write(value, length);
+}
+int check_dot11DTIMPeriod_local(int, const void*, size_t length, const void* old_value, size_t old_length) {
+    EXPECT_EQ(length, sizeof own_number);
+    EXPECT_EQ(old_length, own.answers ? sizeof own_number : 0);
+    EXPECT_EQ(old_value ? *static_cast<const int32_t*>(old_value) : 0, own.answers ? own_number : 0);
+    return 0;
 }
 int dot11StationConfigTable_commit_row(void** row, int is_new) {
     own.commits.emplace_back(*row, is_new);
@@ -211,10 +229,15 @@ TEST(Get, AnswersEveryRequestOfTheList) {
 
 TEST(Get, AMissingRowIsNoInstanceAndTheListGoesOn) {
     StationConfig list;
-    list.add(12, {99}, nullptr).add(12, {11}, &list.first);
+    list.add(12, {99}, nullptr).add(11, {99}, nullptr).add(24, {99}, nullptr).add(12, {99}, nullptr);
+    list.add(12, {11}, &list.first);
+    list.forget_table_information(3);
+    const Log log;
     list.run(MODE_GET);
-    EXPECT_EQ(list.varbind(0).type, SNMP_NOSUCHINSTANCE);
-    EXPECT_EQ(list.number(1), 100);
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(list.varbind(i).type, SNMP_NOSUCHINSTANCE) << i << ": the row is looked up before the column";
+    EXPECT_EQ(list.number(4), 100);
+    EXPECT_THAT(log.lines, IsEmpty());
 }
 
 TEST(Get, RequestsThatAreProcessedOrHaveNoTableInformationAreLeftAlone) {
@@ -273,6 +296,19 @@ TEST(Modes, AnUnsupportedModeIsLogged) {
     }
 }
 
+TEST(Modes, OnlyReserve2RefusesAColumnThatIsNotWritable) {
+    for (const uint32_t column : {3U, 24U, 0U}) {
+        StationConfig list;
+        list.add(column, {11}, &list.first, 1);
+        EXPECT_THAT(list.run(MODE_SET_RESERVE1), ElementsAre(no_error)) << column;
+        EXPECT_THAT(list.run(MODE_SET_RESERVE2), ElementsAre(not_writable)) << column;
+        EXPECT_THAT(list.run(MODE_SET_ACTION), ElementsAre(no_error)) << column;
+        EXPECT_THAT(list.run(MODE_SET_COMMIT), ElementsAre(no_error)) << column;
+        EXPECT_THAT(own.commits, ElementsAre(Pair(&list.first, 0))) << column;
+        EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(no_error)) << column;
+    }
+}
+
 // -- RESERVE1
 
 TEST(Reserve1, AMissingRowIsRefusedWhereATableHasRows) {
@@ -280,6 +316,13 @@ TEST(Reserve1, AMissingRowIsRefusedWhereATableHasRows) {
     list.add(12, {99}, nullptr, 100).add(12, {11}, &list.first, 100);
     EXPECT_THAT(list.run(MODE_SET_RESERVE1), ElementsAre(no_creation, no_error));
     list.run(MODE_SET_FREE);
+}
+
+TEST(Reserve1, ARefusedRowHasACommitRecordAllTheSame) {
+    StationConfig list;
+    list.add(13, {99}, nullptr, 5);
+    list.run_set_to(MODE_SET_COMMIT);
+    EXPECT_THAT(own.commits, ElementsAre(Pair(_, 1)));
 }
 
 TEST(Reserve1, AMissingRowIsMadeForItsIndexes) {
@@ -330,6 +373,17 @@ TEST(Reserve2, AVarbindWithoutAValueIsAGenericError) {
         const_cast<netsnmp_variable_list&>(list.varbind(0)).type = type;
         EXPECT_THAT(list.run_set_to(MODE_SET_RESERVE2), ElementsAre(generic_error));
         list.run(MODE_SET_FREE);
+    }
+}
+
+TEST(Reserve2, ARefusedValueLeavesNoOldValueToUndo) {
+    for (const bool has_old_value : {true, false}) {
+        StationConfig list;
+        list.add(13, {11}, &list.first, 0);
+        own.answers = has_old_value;
+        EXPECT_THAT(list.run_set_to(MODE_SET_RESERVE2), ElementsAre(wrong_value));
+        EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(undo_failed));
+        EXPECT_THAT(own.written, IsEmpty());
     }
 }
 
@@ -408,14 +462,22 @@ TEST(Commit, ARowThatWasMadeIsNew) {
     EXPECT_EQ(own.row->dot11WEPKeyMappingWEPOn, 2);
 }
 
-TEST(Commit, EmptiesBothStores) {
-    StationConfig list;
-    list.add(13, {11}, &list.first, 5);
-    list.run_set_to(MODE_SET_COMMIT);
-    own.commits.clear();
-    list.run(MODE_SET_COMMIT);
-    EXPECT_THAT(own.commits, IsEmpty());
-    EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(undo_failed));
+TEST(Modes, CommitFreeAndUndoEmptyBothStores) {
+    for (const int last : {MODE_SET_COMMIT, MODE_SET_FREE, MODE_SET_UNDO}) {
+        StationConfig list;
+        list.add(13, {11}, &list.first, 5);
+        list.run_set_to(last);
+        own.commits.clear();
+        list.run(MODE_SET_COMMIT);
+        EXPECT_THAT(own.commits, IsEmpty()) << last;
+    }
+    for (const int last : {MODE_SET_COMMIT, MODE_SET_FREE, MODE_SET_UNDO}) {
+        StationConfig list;
+        list.add(13, {11}, &list.first, 5);
+        list.run_set_to(last);
+        list.run(MODE_SET_RESERVE1);
+        EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(undo_failed)) << last << ": the old value is gone";
+    }
 }
 
 // -- UNDO
@@ -445,6 +507,15 @@ TEST(Undo, StrictGivesTheAccessorsStatus) {
     own.write_status = 42;
     EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(42));
     EXPECT_THAT(own.written, ElementsAre(5, 77));
+}
+
+TEST(Undo, PlainGivesUndoFailedForIt) {
+    Erp list;
+    list.add(5, {11}, &list.row, 1);
+    list.run_set_to(MODE_SET_ACTION);
+    own.write_status = 42;
+    EXPECT_THAT(list.run(MODE_SET_UNDO), ElementsAre(undo_failed));
+    EXPECT_THAT(own.written, ElementsAre(1, 7));
 }
 
 TEST(Undo, StrictFailsWithoutAnOldValue) {
