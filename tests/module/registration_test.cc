@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -43,6 +44,15 @@ const void* base_of(const void* address) {
 }
 
 const void* module_base = nullptr;
+
+// What the module has obtained while it registers its tables, and released itself, in order.
+bool is_registering = false;
+std::vector<void*> obtained, released;
+int agents_releases = 0;  // of a handler registration, which leave nothing of it
+
+[[maybe_unused]] bool is_held(void* block) {
+    return std::count(obtained.begin(), obtained.end(), block) > std::count(released.begin(), released.end(), block);
+}
 
 std::string dotted(const oid* subids, size_t length) {
     std::string text;
@@ -92,16 +102,30 @@ extern "C" netsnmp_handler_registration* netsnmp_create_handler_registration(con
                                                                              const oid* root, size_t root_length,
                                                                              int modes) {
     if (fails(registrations_left)) return nullptr;
-    return next_definition<decltype(netsnmp_create_handler_registration)>("netsnmp_create_handler_registration")(
-        name, handler, root, root_length, modes);
+    auto* registration = next_definition<decltype(netsnmp_create_handler_registration)>(
+        "netsnmp_create_handler_registration")(name, handler, root, root_length, modes);
+    obtained.push_back(registration);
+    return registration;
+}
+
+extern "C" void netsnmp_handler_registration_free(netsnmp_handler_registration* registration) {
+    if (is_registering) ++agents_releases;
+    next_definition<decltype(netsnmp_handler_registration_free)>("netsnmp_handler_registration_free")(registration);
 }
 
 #if !defined(__SANITIZE_ADDRESS__)
 extern "C" void* __libc_calloc(size_t count, size_t size);
+extern "C" void __libc_free(void* block);
 extern "C" void* calloc(size_t count, size_t size) noexcept {
-    if (allocations_left > 0 && base_of(__builtin_return_address(0)) == module_base && fails(allocations_left))
-        return nullptr;
-    return __libc_calloc(count, size);
+    if (!is_registering || base_of(__builtin_return_address(0)) != module_base) return __libc_calloc(count, size);
+    if (fails(allocations_left)) return nullptr;
+    void* const block = __libc_calloc(count, size);
+    obtained.push_back(block);
+    return block;
+}
+extern "C" void free(void* block) noexcept {
+    if (is_registering && is_held(block)) released.push_back(block);
+    __libc_free(block);
 }
 #endif
 
@@ -148,11 +172,28 @@ class Registration : public testing::Test {
     static void forget() {
         registered.clear();
         wrong_routines.clear();
-        results_of_the_agent = allocations_left = registrations_left = 0;
+        obtained.clear();
+        released.clear();
+        agents_releases = results_of_the_agent = allocations_left = registrations_left = 0;
     }
 
-    static void initialize() { symbol<void()>("init_ieee802dot11")(); }
+    static void initialize() {
+        auto* entry = symbol<void()>("init_ieee802dot11");
+        is_registering = true;
+        entry();
+        is_registering = false;
+    }
     static void initialize_table(const std::string& table) { symbol<void()>("initialize_table_" + table)(); }
+
+    // A table that has two of its three records releases them itself, in the order in which they came, each with a
+    // plain free.
+    static void expect_released([[maybe_unused]] size_t table) {
+#ifndef __SANITIZE_ADDRESS__  // which has calloc and free for itself
+        ASSERT_EQ(obtained.size(), 3 * 17 - 1U);
+        EXPECT_THAT(released, ElementsAre(obtained[3 * table], obtained[3 * table + 1]));
+#endif
+        EXPECT_EQ(agents_releases, 0);
+    }
 
     // The tables that the agent has, in the order of their OIDs.
     static std::vector<netsnmp_handler_registration*> tables_in_agent() {
@@ -230,6 +271,7 @@ TEST_F(Registration, WithoutAHandlerRegistrationATableIsLeftOut) {
         std::vector<Registered> others = tables;
         others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
         EXPECT_EQ(names_of(registered), names_of(others));
+        expect_released(i);
         unregister_all();
         forget();
     }
@@ -246,6 +288,7 @@ TEST_F(Registration, WithoutMemoryATableIsLeftOut) {
         EXPECT_THAT(log.lines, ElementsAre("3 malloc failed in initialize_table_" + name));
         EXPECT_EQ(registered.size(), 16U);
         EXPECT_THAT(names_of(registered), testing::Not(testing::Contains(name)));
+        expect_released(allocation / 2);
         unregister_all();
         forget();
     }
