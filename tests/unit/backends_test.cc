@@ -198,6 +198,7 @@ TEST_P(Backends, EnumeratesWithoutMemoryForTheFilterToo) {
         EXPECT_EQ(GetParam().entries(), 1) << failing;
         EXPECT_TRUE(device.allocation_failed());
         EXPECT_EQ(GetParam().index_count(), 2U);
+        EXPECT_EQ(device.calls.back(), "grid interface -=-") << "half a filter is none";
     }
 }
 
