@@ -95,7 +95,6 @@ cfqlquery_node* ScriptedDevice::grid(const char* table, const cfqlquery_node* fi
     for (const cfqlquery_node* node = filter; node; node = node->next) {
         EXPECT_EQ(node->reserved, 0U);
         call += " " + shown(node->name) + "=" + shown(node->value);
-        EXPECT_EQ(node->reserved, 0U);
         pairs.emplace_back(shown(node->name), shown(node->value));
     }
     calls.push_back(call);
