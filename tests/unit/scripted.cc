@@ -194,7 +194,10 @@ char* __wrap_if_indextoname(unsigned index, char* name) {
 int __wrap_gettimeofday(timeval* time, void*) {
     if (device->clock_fails) return -1;
     *time = {static_cast<time_t>(device->now), 0};
-    device->now += device->tick;
+    if (device->ticks > 0) {
+        --device->ticks;
+        device->now += device->tick;
+    }
     return 0;
 }
 

@@ -4,6 +4,7 @@
 // answer of the store is not handed back exactly once.
 #pragma once
 
+#include <climits>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -53,6 +54,7 @@ class ScriptedDevice {
     int64_t now = 1'000'000'000;                 // seconds since the epoch
     bool clock_fails = false;                    // as one of 32 bits does after 2038
     int64_t tick = 0;                            // seconds by which each look at the clock moves it
+    int ticks = INT_MAX;                         // as many looks at most
     // The device's files: what fopen of that path reads. Paths below /proc/net that are not here cannot be opened.
     std::map<std::string, std::string> files;
     std::vector<std::string> opened;  // every path below /proc/net, in order
