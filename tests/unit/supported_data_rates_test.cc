@@ -133,6 +133,21 @@ class RateDevice : private WithEmptyCache, public ScriptedDevice {
     std::vector<std::string> fetches() const { return calls_of("get"); }
 };
 
+// Before all others, also where all run in one process.
+TEST(RatesAtLoad, AreEmpty) {
+    for (const Side& side : {rx, tx}) {
+        ScriptedDevice device;
+        device.interfaces["a"] = 97;
+        device.add("supported-rate", "a");
+        device.set("supported-rate", "a", "rate", "110");
+        EXPECT_EQ(*side.last_load, 0U);
+        EXPECT_EQ(*side.names, nullptr);
+        EXPECT_EQ(*side.texts, nullptr);
+        EXPECT_EQ(Iterator(side).walk(), (Rows{{97, 1, 22}}));
+        EXPECT_EQ(*side.last_load, 0U) << "the fourth call ends the walk";
+    }
+}
+
 class Rates : public testing::TestWithParam<Side> {
   protected:
     const Side& side = GetParam();
@@ -447,6 +462,7 @@ TEST_P(Rates, WhenTheStoreFailsTheNextCallTriesAgain) {
     EXPECT_EQ(walker.scan(), (Rows{{97, 1, 22}}));
     device.now += 51;
     device.objects("");
+    walker.restart();
     EXPECT_FALSE(walker.next());
     EXPECT_EQ(walker.result, 0);
     EXPECT_EQ(*side.last_load, device.now - 51) << "as it was";
@@ -454,19 +470,23 @@ TEST_P(Rates, WhenTheStoreFailsTheNextCallTriesAgain) {
     EXPECT_EQ(walker.scan(), (Rows{{97, 1, 22}})) << "and so are the rates";
 }
 
-// The fourth call ends a walk of one row, whatever came of the first ones.
+// The ninth call ends a walk of two rows, whatever came of the first three.
 TEST_P(Rates, CallsThatFailCountToo) {
-    *side.stored_now = 5;
-    walker.next();
-    EXPECT_EQ(*side.stored_now, 0);
-    device.answer_grid("supported-rate", {{"other", "a"}});
-    walker.next();
-    EXPECT_EQ(walker.result, -1);
-    device.objects("a");
+    device.objects("ab");
     device.rate("a", "110");
-    EXPECT_TRUE(walker.next());
-    EXPECT_EQ(*side.last_load, device.now);
+    device.rate("b", "55");
+    device.fail_allocation(1);
     EXPECT_FALSE(walker.next());
+    device.answer_grid("supported-rate", {{"other", "a"}});
+    EXPECT_FALSE(walker.next());
+    device.objects("");
+    *side.stored_now = 5;
+    EXPECT_FALSE(walker.next());
+    EXPECT_EQ(*side.stored_now, 0);
+    device.objects("ab");
+    EXPECT_EQ(walker.scan(), (Rows{{97, 1, 22}, {98, 1, 11}}));
+    EXPECT_EQ(*side.last_load, device.now);
+    walker.scan();
     EXPECT_EQ(*side.last_load, 0U);
 }
 
