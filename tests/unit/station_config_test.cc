@@ -444,7 +444,10 @@ TEST_F(StationConfig, EndsTheFillWithoutMemoryForAnAddress) {
     ASSERT_EQ(GetStationConfigEntries(), 1);
     device.fail_allocation(4);  // two copies of an address and their buffers: the second row's buffer
     EXPECT_EQ(GetStationConfigTableData(), -1);
-    EXPECT_EQ(hex(sinfo[0].dot11CountryString, 3), "3f 3f 3f");
+    EXPECT_EQ(differences(defaults, shown(sinfo[0])), (Fields{{"dot11StationID", "00 11 22 33 44 55"},
+                                                              {"dot11DisassociateStation", "00 ee ee ee ee ee"},
+                                                              {"dot11DeauthenticateStation", "00 ee ee ee ee ee"},
+                                                              {"dot11AuthenticateFailStation", "00 ee ee ee ee ee"}}));
     EXPECT_EQ(sinfo[1].ifIndex, 5U);
     EXPECT_EQ(hex(sinfo[1].dot11StationID, 6), "ee ee ee ee ee ee");
     EXPECT_EQ(sinfo[2].ifIndex, 0xeeeeeeeeU);
