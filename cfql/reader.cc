@@ -24,8 +24,8 @@ std::int64_t milliseconds() {
 
 }  // namespace
 
-// A large store takes a while to load. Counting the interval from the end, and in proportion, leaves most of the time
-// for answers even while somebody writes without pause.
+// A large store takes a while to load, and a locked one to give up. Counting the interval from the end, and in
+// proportion, leaves most of the time for answers even while somebody writes or locks without pause.
 void Reader::refresh(bool at_once) {
     now_ = milliseconds();
     if ((now_ < next_look_ && !at_once) || now_ < next_try_) return;
@@ -33,8 +33,9 @@ void Reader::refresh(bool at_once) {
     if (status != Status::ok && store_.worth_another_try()) status = look();
     const std::int64_t begin = now_;
     now_ = milliseconds();
-    next_look_ = now_ + std::max(look_interval_ms, look_cost_factor * (now_ - begin));
-    if (status != Status::ok && status != Status::absent) fail(status);
+    const std::int64_t pause = look_cost_factor * (now_ - begin);
+    next_look_ = now_ + std::max(look_interval_ms, pause);
+    if (status != Status::ok && status != Status::absent) fail(status, pause);
     Database::release_code();
 }
 
@@ -144,9 +145,9 @@ void Reader::forget() {
 }
 
 // The connection is given up: the next attempt examines the file anew.
-void Reader::fail(Status status) {
+void Reader::fail(Status status, std::int64_t pause) {
     close();
-    next_try_ = now_ + retry_interval_ms;
+    next_try_ = now_ + std::max(retry_interval_ms, pause);
     if (now_ < next_line_) return;
     next_line_ = now_ + log_interval_ms;
     syslog(LOG_ERR, "cfqlquery: %s: %s%s", store_path(), describe(status),

@@ -37,7 +37,7 @@ class Reader {
     Status load();
     Status walk(Text table, const cfqlquery_node* filter, Array<char>& names, std::size_t& count);
     Status carries(const Row& row, const cfqlquery_node* filter);
-    void fail(Status status);
+    void fail(Status status, std::int64_t pause = 0);
 
     Database store_;
     Snapshot snapshot_;

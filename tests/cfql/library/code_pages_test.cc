@@ -38,20 +38,20 @@ int database_code() {
     return resident(reinterpret_cast<const void*>(&sqlite3_open_v2));
 }
 
-TEST(the_databases_code, is_in_memory_while_it_runs) {
+TEST(TheDatabasesCode, IsInMemoryWhileItRuns) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
     EXPECT_GT(database_code(), page);
 }
 
-TEST(the_databases_code, is_released_after_the_first_read) {
+TEST(TheDatabasesCode, IsReleasedAfterTheFirstRead) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
     EXPECT_EQ(get("interface", "wlan0", "ssid"), "office");
     EXPECT_LE(database_code(), page);
 }
 
-TEST(the_databases_code, is_released_after_a_look_at_a_store_that_is_as_it_was) {
+TEST(TheDatabasesCode, IsReleasedAfterALookAtAStoreThatIsAsItWas) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
     for (int look = 1; look <= 3; ++look) {
@@ -60,7 +60,7 @@ TEST(the_databases_code, is_released_after_a_look_at_a_store_that_is_as_it_was) 
     }
 }
 
-TEST(the_databases_code, is_released_after_a_look_at_a_store_that_changed) {
+TEST(TheDatabasesCode, IsReleasedAfterALookAtAStoreThatChanged) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
     EXPECT_EQ(grid("interface"), (Pairs{{"name", "wlan0"}}));
@@ -70,7 +70,7 @@ TEST(the_databases_code, is_released_after_a_look_at_a_store_that_changed) {
     EXPECT_LE(database_code(), page);
 }
 
-TEST(the_databases_code, is_released_after_a_write_and_after_a_refused_one) {
+TEST(TheDatabasesCode, IsReleasedAfterAWriteAndAfterARefusedOne) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
     EXPECT_EQ(set("interface", "wlan0", "ssid", "lobby"), 1);
@@ -80,7 +80,7 @@ TEST(the_databases_code, is_released_after_a_write_and_after_a_refused_one) {
     EXPECT_EQ(get("interface", "wlan0", "ssid"), "lobby");
 }
 
-TEST(the_databases_code, is_released_when_there_is_no_store) {
+TEST(TheDatabasesCode, IsReleasedWhenThereIsNoStore) {
     const Place place;
     EXPECT_EQ(grid("interface"), Pairs());
     EXPECT_LE(database_code(), page);
@@ -105,7 +105,7 @@ class Library {
     void* handle_;
 };
 
-TEST(code_pages, are_released_with_the_constants_and_without_the_variables) {
+TEST(CodePages, AreReleasedWithTheConstantsAndWithoutTheVariables) {
     const Library library(CODE_PAGES_PLAIN);
     auto* const sum = library.the<int(int)>("sum");
     const auto* const constants = library.the<const char>("constants");
@@ -120,7 +120,7 @@ TEST(code_pages, are_released_with_the_constants_and_without_the_variables) {
     EXPECT_EQ(sum(0), 41);
 }
 
-TEST(code_pages, stay_where_the_loader_wrote_into_them) {
+TEST(CodePages, StayWhereTheLoaderWroteIntoThem) {
     const Library library(CODE_PAGES_RELOCATED);
     const auto* const constants = library.the<const char>("constants");
     auto* const word = library.the<const void*()>("word");
@@ -129,7 +129,7 @@ TEST(code_pages, stay_where_the_loader_wrote_into_them) {
     EXPECT_EQ(word(), constants);
 }
 
-TEST(code_pages, of_an_address_in_no_library_are_none) {
+TEST(CodePages, OfAnAddressInNoLibraryAreNone) {
     std::vector<char> heap(1 << 20, 'h');
     cfql::release_code_pages(heap.data());
     cfql::release_code_pages(nullptr);

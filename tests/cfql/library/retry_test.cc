@@ -192,6 +192,33 @@ TEST_F(Retry, TheNextTryFollowsInASecond) {
     }
 }
 
+// A look at a store that others keep locked may take long: most of the time is left for answers.
+TEST_F(Retry, TheNextTryFollowsInFourTimesWhatTheLastTook) {
+    const struct {
+        int failure, pause;  // what each of two failures takes, and what follows, in milliseconds
+    } times[] = {{100, 1000}, {125, 1000}, {126, 1008}, {200, 1600}, {5000, 40000}};
+    for (const auto& [failure, pause] : times) {
+        SCOPED_TRACE(failure);
+        begin();
+        ASSERT_TRUE(alone([failure = failure, pause = pause] {
+            change();
+            disk.become([=](Call call, int) {
+                if (call != Call::shm_lock) return SQLITE_OK;
+                milliseconds += failure;
+                return SQLITE_IOERR_SHMLOCK;
+            });
+            EXPECT_EQ(look(), "office");
+            EXPECT_EQ(disk.failures, 2);
+            disk.become(nullptr);
+            milliseconds += pause - 1;
+            EXPECT_EQ(look(), "office");
+            EXPECT_EQ(disk.calls, (std::map<Call, int>{}));
+            milliseconds += 1;
+            EXPECT_EQ(ssid(), "home") << "by a single value too";
+        }));
+    }
+}
+
 // Gives up the rights with which root writes into files that nobody may write.
 void become_owner(const fs::path& directory) {
     if (getuid() != 0) return;
@@ -224,7 +251,7 @@ void read_beside_recovery(bool (*still)(Call call), bool in_time) {
     EXPECT_EQ(ssid(), in_time ? Ssid("home") : std::nullopt);
     EXPECT_EQ(disk.calls[Call::open_store], 2);
     go_on();
-    milliseconds += 1000;
+    milliseconds += 4 * 2 * 250;  // two waits for a lock, 200 ms and a little more
     EXPECT_EQ(look(), "home");
 }
 
