@@ -1,9 +1,8 @@
 // SETs that run out of memory, at each allocation that the module makes for them.
 #include <gtest/gtest.h>
 
-#include "agent.h"
 #include "agent/set_records.h"
-#include "varbinds.h"
+#include "fixture.h"
 
 namespace {
 
@@ -53,15 +52,8 @@ const Case cases[] = {
     {"a channel, a retry limit", {{name({4, 5, 1, 1, 3}), number(1)}, {name({2, 1, 1, 3, 3}), number(7)}}},
 };
 
-class Memory : public testing::Test {
+class Memory : public Model {
   protected:
-    static void SetUpTestSuite() {
-        device_ = new ScriptedDevice;
-        set_up(*device_);
-        start_agent();
-    }
-    static void TearDownTestSuite() { delete device_; }
-
     static std::optional<Pdu> set(const Case& tried) { return answer_to({set_request, 1, 0, 0, tried.varbinds}); }
 
     // Sets with the n-th allocation failing, for every n; with enough memory the answer is then what it was before.
@@ -85,12 +77,7 @@ class Memory : public testing::Test {
     }
 
     static ScriptedDevice& device() { return *device_; }
-
-  private:
-    static ScriptedDevice* device_;
 };
-
-ScriptedDevice* Memory::device_;
 
 TEST_F(Memory, ASetWithoutOneOfItsAllocationsFails) {
     for (const Case& tried : cases)

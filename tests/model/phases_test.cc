@@ -2,21 +2,13 @@
 // that dies or comes late.
 #include <gtest/gtest.h>
 
-#include "agent.h"
+#include "fixture.h"
 #include "reference.h"
-#include "varbinds.h"
 
 namespace {
 
-class Phases : public testing::Test {
+class Phases : public Model {
   protected:
-    static void SetUpTestSuite() {
-        device_ = new ScriptedDevice;
-        set_up(*device_);
-        start_agent();
-    }
-    static void TearDownTestSuite() { delete device_; }
-
     // Leads a SET through its phases, up to the given one, and does `between` after that. The answer is the one that
     // the master gives: UNDO's when that is 15, otherwise the first error.
     template <class Between>
@@ -61,11 +53,9 @@ class Phases : public testing::Test {
     const std::vector<Varbind>& all = representative_varbinds();
 
   private:
-    static ScriptedDevice* device_;
     static long transaction_;
 };
 
-ScriptedDevice* Phases::device_;
 long Phases::transaction_;
 
 TEST_F(Phases, OfOneAndOfTwoVarbinds) {

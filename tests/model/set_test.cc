@@ -7,22 +7,14 @@
 #include <random>
 
 #include "access/wep_key_mappings.h"
-#include "agent.h"
 #include "agent/set_records.h"
+#include "fixture.h"
 #include "reference.h"
-#include "varbinds.h"
 
 namespace {
 
-class Sets : public testing::Test {
+class Sets : public Model {
   protected:
-    static void SetUpTestSuite() {
-        device_ = new ScriptedDevice;
-        set_up(*device_);
-        start_agent();
-    }
-    static void TearDownTestSuite() { delete device_; }
-
     // A first answer makes caches in the agent and loads the tables.
     void SetUp() override {
         for (const Varbind& varbind : all)
@@ -104,12 +96,10 @@ class Sets : public testing::Test {
     static bool warm_;
 
   private:
-    static ScriptedDevice* device_;
     int32_t request_id_ = 0;
     std::set<Oid> unknown_;
 };
 
-ScriptedDevice* Sets::device_;
 bool Sets::warm_;
 
 TEST_F(Sets, OfOneAndOfTwoVarbinds) {
