@@ -9,7 +9,7 @@
 #include <set>
 #include <sstream>
 
-#include "../library/fixture.h"
+#include "../cfql/fixture.h"
 #include "backend/mac/counters.h"
 #include "backend/mac/operation.h"
 #include "backend/mac/resource_info.h"
