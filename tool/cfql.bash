@@ -1,63 +1,134 @@
-# Completion of cfql for bash.
+# Completion of cfql for bash. Names of the store are data: nothing here expands them, and they are offered in quotes.
 
-# The values of one column of "cfql list WORDS...", each once.
-_cfql_column() {
-    local column=$1
-    shift
-    cfql list "$@" 2>/dev/null | cut -f"$column" | sort -u
+# Splits LINE into words as the shell does, but expands nothing. Sets the caller's variables:
+#   words    the finished words
+#   current  the word that LINE ends in, without its quotes
+#   quote    the quote that is still open: ', ", $' or nothing
+#   head     the part of current that readline keeps; what is offered goes behind it
+#   closed   not empty when current has a quote that was closed again
+_cfql_split() {
+    local line=$1 char next i raw=''
+    words=() current='' quote='' head='' closed=''
+    for ((i = 0; i < ${#line}; i++)); do
+        char=${line:i:1} next=${line:i+1:1}
+        case "$quote|$char" in
+            "'|'" | '"|"' | "\$'|'") _cfql_close ;;
+            "\$'|\\") raw+=$char$next i=$((i + 1)) ;;
+            "\$'|"*) raw+=$char ;;
+            "\"|\\") if [[ $next == [\"\\\$\`] ]]; then current+=$next i=$((i + 1)); else current+=$char; fi ;;
+            "'|"* | '"|'*) current+=$char ;;
+            "|\\") current+=$next i=$((i + 1)) ;;
+            "|'" | '|"') quote=$char head=$current ;;
+            '|$') if [[ $next == "'" ]]; then quote="\$'" i=$((i + 1)); else current+=$char; fi ;;
+            '|'[[:space:]]) if [[ -n $current$closed ]]; then words+=("$current") current='' head='' closed=''; fi ;;
+            *)
+                current+=$char
+                if [[ $COMP_WORDBREAKS == *"$char"* ]]; then head=$current; fi
+                ;;
+        esac
+    done
 }
 
-# The words that may stand at POSITION behind COMMAND; the words before are in WORDS.
+# Ends a quote of _cfql_split; only $' holds escapes.
+_cfql_close() {
+    if [[ -n $raw ]]; then printf -v raw '%b' "${raw//\\\'/\'}"; fi
+    current+=$raw raw='' quote='' closed=yes
+}
+
+# Adds the values of one column of "cfql list -- WORDS..." to candidates.
+_cfql_column() {
+    local column=$1 name
+    shift
+    while IFS= read -r name; do
+        printf -v name '%b' "$name"
+        if [[ -n $ended || $name != -* ]]; then candidates+=("$name"); fi
+    done < <(cfql "${store[@]}" list -- "$@" 2>/dev/null | cut -f"$column" | LC_ALL=C sort -u)
+}
+
+# Adds the words that may stand behind COMMAND and the words WORDS to candidates.
 _cfql_words() {
-    local command=$1 position=$2
-    shift 2
-    case $command:$position in
+    local command=$1
+    shift
+    case $command:$# in
         get:0 | set:0 | unset:0 | list:0)
-            echo interface bss radio supported-rate system
+            candidates=(interface bss radio supported-rate system)
             _cfql_column 1
             ;;
-        get:1 | set:1 | unset:1)
-            if [[ $1 == system ]]; then _cfql_column 3 system; else _cfql_column 2 "$1"; fi
-            ;;
+        get:1 | set:1 | unset:1) if [[ $1 == system ]]; then _cfql_column 3 system; else _cfql_column 2 "$1"; fi ;;
         list:1) _cfql_column 2 "$1" ;;
-        get:2 | set:2 | unset:2) [[ $1 == system ]] || _cfql_column 3 "$1" ;;
+        get:2 | set:2 | unset:2) [[ $1 == system ]] || _cfql_column 3 "$@" ;;
     esac
 }
 
+_cfql_options() {
+    candidates=(--help --version --store)
+    case $1 in
+        get) candidates+=(--nth --reveal) ;;
+        set | unset) candidates+=(--nth) ;;
+        list | watch) candidates+=(--reveal) ;;
+        import) candidates+=(--replace --allow-empty) ;;
+        export) candidates+=(--output --reveal) ;;
+        lint) candidates+=(--offline --defaults) ;;
+    esac
+}
+
+# NAME as it is typed inside the open quote, or outside of any. Fails for a name that cannot be typed there.
+_cfql_quoted() {
+    local plain
+    printf -v plain '%q' "$1"
+    case $quote in
+        '') quoted=$plain ;;
+        "'") quoted=${1//\'/\'\\\'\'} ;;
+        '"')
+            quoted=${1//\\/\\\\} quoted=${quoted//\"/\\\"} quoted=${quoted//\$/\\\$} quoted=${quoted//\`/\\\`}
+            quoted=${quoted//\!/\"\\!\"}
+            ;;
+        *) return 1 ;;
+    esac
+    # readline closes the quote, but not behind a character that looks like it.
+    if [[ -n $quote && $quoted == *"$quote" ]]; then quoted+=$quote; fi
+    [[ -z $quote || $plain != "\$'"* ]]
+}
+
+_cfql_offer() {
+    local name quoted
+    for name in "${candidates[@]}"; do
+        [[ -n $name && $name == "$current"* ]] || continue
+        if _cfql_quoted "${name:${#head}}"; then COMPREPLY+=("$quoted"); fi
+    done
+}
+
 _cfql() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command='' word i plain=() candidates
+    local words current quote head closed candidates=() store=() plain=() i ended=''
     COMPREPLY=()
-    if [[ $previous == --store ]]; then
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return
-    fi
-    for ((i = 1; i < COMP_CWORD; i++)); do
-        word=${COMP_WORDS[i]}
-        case $word in
-            --store | --nth) ((i++)) ;;
+    _cfql_split "${COMP_LINE:0:COMP_POINT}"
+    for ((i = 1; i < ${#words[@]}; i++)); do
+        case $ended${words[i]} in
+            --store | --nth | --output)
+                if ((i + 1 == ${#words[@]})); then
+                    [[ ${words[i]} == --nth ]] || compopt -o default
+                    return
+                fi
+                i=$((i + 1))
+                [[ ${words[i - 1]} != --store ]] || store=(--store "${words[i]}")
+                ;;
+            --store=*) store=("${words[i]}") ;;
+            --) ended=yes ;;
             -*) ;;
-            *) if [[ -z $command ]]; then command=$word; else plain+=("$word"); fi ;;
+            *) plain+=("${words[i]}") ;;
         esac
     done
-    candidates='--help --version --store'
-    if [[ -z $command ]]; then
-        candidates+=' init get set unset list import export check lint watch'
-    elif [[ $current == -* ]]; then
-        case $command in
-            get) candidates+=' --nth --reveal' ;;
-            set | unset) candidates+=' --nth' ;;
-            list | export | watch) candidates+=' --reveal' ;;
-            import) candidates+=' --replace' ;;
-            lint) candidates+=' --offline --defaults' ;;
-        esac
-    elif [[ $command == import ]]; then
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-        return
+    [[ -z $closed ]] || return
+    if [[ $current == -* && -z $ended ]]; then
+        _cfql_options "${plain[0]}"
+    elif ((${#plain[@]} == 0)); then
+        candidates=(init get set unset list import export check lint watch)
+    elif [[ ${plain[0]} == import ]]; then
+        compopt -o default
     else
-        candidates=$(_cfql_words "$command" "${#plain[@]}" "${plain[@]}")
+        _cfql_words "${plain[@]}"
     fi
-    mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$current")
+    _cfql_offer
 }
 
 complete -F _cfql cfql
