@@ -27,8 +27,12 @@ void flush_output() {
     throw Failure(Exit::output, "standard output: " + reason + "; what was printed is not complete");
 }
 
+void report(std::string_view line) {
+    print_line(printable_line(line));
+}
+
 void complain(std::string_view message) {
-    const std::string line = "cfql: " + std::string(message) + '\n';
+    const std::string line = "cfql: " + printable_line(message) + '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

@@ -15,7 +15,10 @@ void print_line(std::string_view text);
 // Throws Failure (Exit::output) when anything printed so far could not be written.
 void flush_output();
 
-// "cfql: MESSAGE" on standard error.
+// A line for people on standard output; what is in it of other hands steers no terminal.
+void report(std::string_view line);
+
+// "cfql: MESSAGE" on standard error, by the same rule.
 void complain(std::string_view message);
 
 bool on_terminal();

@@ -64,10 +64,10 @@ std::string escaped_octet(char octet) {
     }
 }
 
-bool is_control(std::string_view sequence) {
-    const std::uint8_t first = octet_at(sequence, 0);
-    return first < 0x20 || first == 0x7f || is_c1_control(sequence);
-}
+// Code points that steer a terminal, by ranges: C0, DEL and C1, and what changes lines or the direction of writing.
+constexpr std::pair<char32_t, char32_t> controls[] = {
+    {0x00, 0x1f}, {0x7f, 0x9f}, {0x61c, 0x61c}, {0x200e, 0x200f}, {0x2028, 0x202e}, {0x2066, 0x2069},
+};
 
 std::optional<unsigned> digit_value(char digit) {
     if (digit >= 'A' && digit <= 'F') digit = static_cast<char>(digit - 'A' + 'a');
@@ -78,15 +78,31 @@ std::optional<unsigned> digit_value(char digit) {
 
 }  // namespace
 
-bool is_c1_control(std::string_view text) {
-    return text.size() >= 2 && octet_at(text, 0) == 0xc2 && within(octet_at(text, 1), 0x80, 0x9f);
+char32_t Character::number() const {
+    if (octets.size() == 1) return octet_at(octets, 0);
+    char32_t number = octet_at(octets, 0) & (0x7fU >> octets.size());
+    for (std::size_t i = 1; i < octets.size(); ++i)
+        number = number << 6 | (octet_at(octets, i) & 0x3fU);
+    return number;
+}
+
+bool Character::is_control() const {
+    const char32_t code = number();
+    return well_formed && std::ranges::any_of(controls, [code](const auto& range) {
+               return code >= range.first && code <= range.second;
+           });
+}
+
+Character first_character(std::string_view octets) {
+    const std::size_t length = sequence_length(octets);
+    return {octets.substr(0, std::max<std::size_t>(length, 1)), length != 0};
 }
 
 bool is_utf8(std::string_view octets) {
     while (!octets.empty()) {
-        const std::size_t length = sequence_length(octets);
-        if (length == 0) return false;
-        octets.remove_prefix(length);
+        const Character character = first_character(octets);
+        if (!character.well_formed) return false;
+        octets.remove_prefix(character.octets.size());
     }
     return true;
 }
@@ -112,22 +128,26 @@ std::optional<std::string> from_hex(std::string_view digits) {
     return octets;
 }
 
-std::string printable(std::string_view octets) {
+std::string printable_line(std::string_view octets) {
     std::string line;
     while (!octets.empty()) {
-        const std::size_t length = std::max<std::size_t>(sequence_length(octets), 1);
-        const std::string_view sequence = octets.substr(0, length);
-        if (sequence == "\\") {
-            line += "\\\\";
-        } else if (sequence_length(sequence) == 0 || is_control(sequence)) {
-            for (const char octet : sequence)
-                line += escaped_octet(octet);
+        const Character character = first_character(octets);
+        if (character.well_formed && !character.is_control()) {
+            line += character.octets;
         } else {
-            line += sequence;
+            for (const char octet : character.octets)
+                line += escaped_octet(octet);
         }
-        octets.remove_prefix(length);
+        octets.remove_prefix(character.octets.size());
     }
     return line;
+}
+
+std::string printable(std::string_view octets) {
+    std::string doubled;
+    for (const char octet : octets)
+        doubled.append(octet == '\\' ? 2 : 1, octet);
+    return printable_line(doubled);
 }
 
 std::string quoted(std::string_view octets) {
@@ -140,6 +160,11 @@ std::string counted(std::size_t count, std::string_view noun) {
 
 bool is_secret(std::string_view key) {
     return key.starts_with("wep-key-") && key != "wep-key-mapping-length";
+}
+
+std::string refusal_of_mask(std::string_view key, std::string_view value) {
+    if (!is_secret(key) || value != mask) return {};
+    return "the value of " + quoted(key) + " is the mask that stands for a hidden one: give the value itself";
 }
 
 }  // namespace cfql::tool

@@ -8,20 +8,33 @@
 
 namespace cfql::tool {
 
-// Well-formed UTF-8 without NUL (RFC 3629: no overlong forms, no surrogates, nothing above U+10FFFF).
-bool is_utf8(std::string_view octets);
+// The first character of OCTETS, which must not be empty: well-formed UTF-8 (RFC 3629: no overlong forms, no
+// surrogates, nothing above U+10FFFF), no NUL. What does not begin with one begins with one stray octet.
+struct Character {
+    std::string_view octets;
+    bool well_formed;
 
-// TEXT begins with one of U+0080 to U+009F, which some terminals obey.
-bool is_c1_control(std::string_view text);
+    char32_t number() const;  // the code point of a well-formed one
+
+    // For a terminal to obey instead of showing it: a control character (C0, DEL, C1), a mark of the direction of
+    // writing, a separator of lines.
+    bool is_control() const;
+};
+Character first_character(std::string_view octets);
+
+bool is_utf8(std::string_view octets);
 
 std::string to_hex(std::string_view octets);
 std::optional<std::string> from_hex(std::string_view digits);
 
-// One printable line: control characters, backslashes and octets that are not UTF-8 become backslash escapes, so that
-// no value can break a line into two or steer a terminal.
+// One line that no value can break into two and that steers no terminal: control characters and stray octets become
+// backslash escapes. Backslashes stay, so that what is printable already passes unchanged.
+std::string printable_line(std::string_view octets);
+
+// The same for a name or a value, which can be had back: backslashes are doubled.
 std::string printable(std::string_view octets);
 
-// The same in double quotes, for messages.
+// printable() in double quotes, for messages.
 std::string quoted(std::string_view octets);
 
 // "1 value", "2 values"
@@ -32,6 +45,9 @@ bool is_secret(std::string_view key);
 
 // What stands for a secret on a terminal; says nothing about its length.
 inline constexpr std::string_view mask = "********";
+
+// Why VALUE cannot be that of KEY when it is the mask, as in an export that was copied from a terminal; else empty.
+std::string refusal_of_mask(std::string_view key, std::string_view value);
 
 }  // namespace cfql::tool
 

@@ -6,6 +6,7 @@
 #include "database.h"
 #include "failure.h"
 #include "text.h"
+#include "toml_nesting.h"
 #include "toml_parser.h"
 
 namespace cfql::tool {
@@ -14,24 +15,24 @@ namespace {
 
 constexpr std::string_view hex_prefix = "hex:";  // before a table or key by its octets
 
-// Control characters are escaped, those in two octets (U+0080 to U+009F), too: an export may be shown on a terminal.
+// CHARACTER, a well-formed one, within double quotes. Controls are escaped: an export may be shown on a terminal.
+std::string basic(const Character& character) {
+    const std::string octets(character.octets);
+    if (octets == "\"" || octets == "\\") return '\\' + octets;
+    if (octets == "\n") return "\\n";
+    if (octets == "\t") return "\\t";
+    if (!character.is_control()) return octets;
+    const char32_t number = character.number();
+    const char pair[] = {static_cast<char>(number >> 8), static_cast<char>(number)};
+    return "\\u" + to_hex({pair, sizeof pair});
+}
+
 std::string basic_string(std::string_view text) {
     std::string line = "\"";
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char octet = text[i];
-        if (octet == '"' || octet == '\\') {
-            line += {'\\', octet};
-        } else if (octet == '\n') {
-            line += "\\n";
-        } else if (octet == '\t') {
-            line += "\\t";
-        } else if (static_cast<unsigned char>(octet) < 0x20 || octet == 0x7f) {
-            line += "\\u00" + to_hex({&octet, 1});
-        } else if (is_c1_control(text.substr(i))) {
-            line += "\\u00" + to_hex(text.substr(++i, 1));
-        } else {
-            line += octet;
-        }
+    while (!text.empty()) {
+        const Character character = first_character(text);
+        line += basic(character);
+        text.remove_prefix(character.octets.size());
     }
     return line + '"';
 }
@@ -59,10 +60,18 @@ class Reader {
     explicit Reader(std::string_view source) : source_(source) {}
 
     Contents read(std::string_view text) const {
+        if (const std::optional<Excess> excess = excess_of_nesting(text))
+            fail(excess->line, excess->column, excess->what);
         const toml::table root = parse(text);
         Contents contents;
-        for (const Block& block : blocks(root))
+        bool has_system = false;
+        for (const Block& block : blocks(root)) {
             contents.push_back(object(block));
+            if (contents.back().table != singleton_table) continue;
+            if (has_system)
+                fail(block.table->source(), "the table \"system\" has one object: put its keys into one block");
+            has_system = true;
+        }
         return contents;
     }
 
@@ -72,9 +81,13 @@ class Reader {
         const toml::table* table;
     };
 
+    [[noreturn]] void fail(std::size_t line, std::size_t column, const std::string& what) const {
+        throw Failure(Exit::input,
+                      std::string(source_) + ':' + std::to_string(line) + ':' + std::to_string(column) + ": " + what);
+    }
+
     [[noreturn]] void fail(const toml::source_region& where, const std::string& what) const {
-        throw Failure(Exit::input, std::string(source_) + ':' + std::to_string(where.begin.line) + ':' +
-                                       std::to_string(where.begin.column) + ": " + what);
+        fail(where.begin.line, where.begin.column, what);
     }
 
     toml::table parse(std::string_view text) const {
@@ -93,7 +106,7 @@ class Reader {
             if (array == nullptr) fail(key.source(), misplaced(key.str(), node));
             for (const toml::node& element : *array) {
                 if (!element.is_table())
-                    fail(element.source(), "expected a block such as [[" + std::string(key.str()) + "]]");
+                    fail(element.source(), "expected a block such as [[" + key_text(key.str()) + "]]");
                 found.push_back({&key, element.as_table()});
             }
         }
@@ -105,7 +118,7 @@ class Reader {
     }
 
     static std::string misplaced(std::string_view key, const toml::node& node) {
-        if (node.is_table()) return "a block is headed by two brackets: write [[" + std::string(key) + "]]";
+        if (node.is_table()) return "a block is headed by two brackets: write [[" + key_text(key) + "]]";
         return quoted(key) + " belongs to no object: put it below a heading such as [[interface]]";
     }
 
@@ -130,6 +143,8 @@ class Reader {
         allow(key.source(), refusal_of_key(name));
         const std::string text = value(name, node);
         allow(node.source(), refusal_of_value(text));
+        const std::string refusal = refusal_of_mask(name, text);
+        if (!refusal.empty()) fail(node.source(), refusal);
         if (!made.attributes.emplace(name, text).second)
             fail(key.source(), quoted(name) + " is given twice in this block");
     }
