@@ -9,8 +9,12 @@ namespace cfql::tool {
 
 namespace {
 
+void allow(const std::string& refusal) {
+    if (!refusal.empty()) throw Failure(Exit::input, refusal + "; nothing has changed");
+}
+
 void allow(const char* refusal) {
-    if (refusal != nullptr) throw Failure(Exit::input, std::string(refusal) + "; nothing has changed");
+    if (refusal != nullptr) allow(std::string(refusal));
 }
 
 Place place_of(const Request& request) {
@@ -66,6 +70,7 @@ Exit set(const Request& request) {
     allow(refusal_of_object(request.table, request.object));
     allow(refusal_of_key(request.key));
     allow(refusal_of_value(value));
+    allow(refusal_of_mask(request.key, value));
     Store store(request.store, Access::write);
     Database& database = store.database();
     store.require(database.begin_write());
@@ -113,10 +118,10 @@ Exit check(const Request& request) {
     store.require(store.database().check(
         [](void* count, const char* line) {
             ++*static_cast<std::size_t*>(count);
-            print_line(line);
+            report(line);
         },
         &faults));
-    print_line(store.path() + ": " + (faults == 0 ? "no faults" : counted(faults, "fault")));
+    report(store.path() + ": " + (faults == 0 ? "no faults" : counted(faults, "fault")));
     return faults == 0 ? Exit::done : Exit::no;
 }
 

@@ -12,10 +12,11 @@ namespace cfql::tool {
 struct Request {
     std::string store;
     std::string table, object, key, value;
-    std::string file;
+    std::string file;  // of import, and of export --output
     std::size_t nth = 1;
     bool reveal = false;
     bool replace = false;
+    bool allow_empty = false;
     bool offline = false;
     bool defaults = false;
 };

@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "input.h"
 #include "output.h"
+#include "private_file.h"
 #include "store.h"
 #include "text.h"
 #include "toml_text.h"
@@ -43,10 +44,14 @@ class Import {
     std::map<Place, std::int64_t> ids_;
 };
 
+std::string source_of(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
+
 Contents contents_of(const std::string& file) {
     const std::string text = text_of(file);
     try {
-        return from_toml(text, file == "-" ? "standard input" : file);
+        return from_toml(text, source_of(file));
     } catch (const Failure& failure) {
         throw Failure(failure.exit(), std::string(failure.what()) + "; nothing has been imported");
     }
@@ -56,6 +61,11 @@ Contents contents_of(const std::string& file) {
 
 Exit import_contents(const Request& request) {
     const Contents contents = contents_of(request.file);
+    if (contents.empty() && request.replace && !request.allow_empty) {
+        throw Failure(Exit::input, source_of(request.file) +
+                                       ": there is no object in it; nothing has changed. To empty the store, add "
+                                       "--allow-empty");
+    }
     const std::vector<Place> targets = places(contents);
     Store store(request.store, Access::write);
     Import import(store, request.replace);
@@ -72,7 +82,7 @@ Exit import_contents(const Request& request) {
 Exit export_contents(const Request& request) {
     Store store(request.store, Access::read);
     Reading reading = store.read();
-    const bool hide = on_terminal() && !request.reveal;
+    const bool hide = request.file.empty() && on_terminal() && !request.reveal;
     std::size_t hidden = 0;
     for (Object& object : reading.contents) {
         for (auto& [key, value] : object.attributes) {
@@ -81,8 +91,14 @@ Exit export_contents(const Request& request) {
             ++hidden;
         }
     }
-    print(to_toml(reading.contents));
-    if (hidden > 0) complain(counted(hidden, "secret") + " masked on the terminal; write to a file, or add --reveal");
+    const std::string text = to_toml(reading.contents);
+    if (request.file.empty()) {
+        print(text);
+    } else {
+        write_private_file(request.file, text);
+        report("exported " + counted(reading.contents.size(), "object") + " to " + request.file);
+    }
+    if (hidden > 0) complain(counted(hidden, "secret") + " masked on the terminal; add --output FILE, or --reveal");
     complain_of_damage(store, reading);
     return reading.damage.empty() ? Exit::done : Exit::store;
 }

@@ -1,4 +1,5 @@
 // The command init: the store's directory, its file, and who may use them.
+#include <fcntl.h>
 #include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,13 +18,15 @@ namespace cfql::tool {
 
 namespace {
 
-// The set-group-ID bit hands the directory's group to every file made in it, the write-ahead log among them.
+// The set-group-ID bit hands the directory's group to every file made in it, the journal among them.
 constexpr mode_t directory_mode = 02750;
 constexpr mode_t file_mode = 0640;
 constexpr const char* group_name = "cfql";
 
 [[noreturn]] void fail_at(const std::string& path, const std::string& remedy) {
-    throw Failure(Exit::store, path + ": " + std::strerror(errno) + "; " + remedy);
+    const bool ask_root = geteuid() != 0 && (errno == EACCES || errno == EPERM);
+    throw Failure(Exit::store,
+                  path + ": " + std::strerror(errno) + "; " + (ask_root ? "ask root to run this command" : remedy));
 }
 
 // The group that is to read the store; none when only root could set it, or when the system has no such group.
@@ -34,18 +37,42 @@ std::optional<gid_t> readers() {
     return entry->gr_gid;
 }
 
-void own(const std::string& path, mode_t mode, std::optional<gid_t> group) {
-    if (group && chown(path.c_str(), 0, *group) != 0) fail_at(path, "see that the file system keeps owners");
-    if (chmod(path.c_str(), mode) != 0) fail_at(path, "see that the file system keeps modes");
-}
+// A directory or file at PATH itself, not behind a link that somebody has put there: what init gives away is what it
+// holds open.
+class Handle {
+  public:
+    Handle(const std::string& path, int flags, mode_t kind) : path_(path) {
+        descriptor_ = open(path.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+        if (descriptor_ < 0) fail_at(path_, "name a place for the store that is no link, in a directory that is there");
+        struct stat entry = {};
+        const bool is_ours = fstat(descriptor_, &entry) == 0 && (entry.st_mode & S_IFMT) == kind &&
+                             entry.st_uid == geteuid() && (kind == S_IFDIR || entry.st_nlink == 1);
+        if (is_ours) return;
+        close(descriptor_);
+        throw Failure(Exit::store,
+                      path_ + ": belongs to somebody else, or is no plain file; name another with --store");
+    }
+    ~Handle() { close(descriptor_); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+
+    void give(mode_t mode, std::optional<gid_t> group) const {
+        if (group && fchown(descriptor_, 0, *group) != 0) fail_at(path_, "see that the file system keeps owners");
+        if (fchmod(descriptor_, mode) != 0) fail_at(path_, "see that the file system keeps modes");
+    }
+
+  private:
+    std::string path_;
+    int descriptor_;
+};
 
 // True when the directory had to be made.
 bool make_directory(const std::string& directory, std::optional<gid_t> group) {
-    if (mkdir(directory.c_str(), 0750) == 0) {
-        own(directory, directory_mode, group);
+    if (mkdir(directory.c_str(), 0700) == 0) {
+        Handle(directory, O_RDONLY | O_DIRECTORY, S_IFDIR).give(directory_mode, group);
         return true;
     }
-    if (errno != EEXIST) fail_at(directory, "make the directory above it, or become root");
+    if (errno != EEXIST) fail_at(directory, "make the directory above it first");
     return false;
 }
 
@@ -55,7 +82,7 @@ std::string octal(mode_t mode) {
 }
 
 void say_made(const std::string& what, const std::string& path, mode_t mode, std::optional<gid_t> group) {
-    print_line("made the " + what + ' ' + path + ", mode " + octal(mode) + (group ? ", root:cfql" : ""));
+    report("made the " + what + ' ' + path + ", mode " + octal(mode) + (group ? ", root:cfql" : ""));
 }
 
 void say_readers(std::optional<gid_t> group) {
@@ -77,10 +104,11 @@ Exit init(const Request& request) {
     const std::string directory = above.empty() ? "." : above.string();
     const std::optional<gid_t> group = readers();
     if (make_directory(directory, group)) say_made("directory", directory, directory_mode, group);
+    const Handle file(path, O_RDWR | O_CREAT, S_IFREG);
     Database database;
     const Status status = database.create(path.c_str());
     if (status != Status::ok) fail(path, status, "");
-    own(path, file_mode, group);
+    file.give(file_mode, group);
     say_made("store", path, file_mode, group);
     say_readers(group);
     return Exit::done;

@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "database.h"
+#include "nearest.h"
 #include "output.h"
 #include "text.h"
 
@@ -39,10 +40,39 @@ struct Words {
     throw Failure(Exit::usage, what + "; see \"cfql " + name + "--help\"");
 }
 
-// What is left over is most likely a value such as -x.
-std::string dash_hint(const CLI::ParseError& error) {
-    const bool left_over = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr;
-    return left_over ? "; -- goes before values that begin with a dash" : "";
+std::vector<std::string> names_of_options(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    return names;
+}
+
+std::vector<std::string> names_of_commands(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.emplace_back(command->get_name());
+    return names;
+}
+
+// What COMMAND, or the program itself, has no place for.
+std::string left_over(const CLI::App& command) {
+    const std::string first = command.remaining().front();
+    if (first.starts_with('-')) {
+        const std::string hint = first.starts_with("--") ? suggestion(first, names_of_options(command)) : "";
+        return "unknown option " + tool::quoted(first) +
+               (hint.empty() ? "; -- goes before values that begin with a dash" : hint);
+    }
+    if (command.get_parent() != nullptr) return "one argument too many: " + tool::quoted(first);
+    return "unknown command " + tool::quoted(first) + suggestion(first, names_of_commands(command));
+}
+
+[[noreturn]] void misused(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<CLI::App*> used = app.get_subcommands();
+    const CLI::App& command = used.empty() ? app : *used.front();
+    const bool is_left_over = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !command.remaining().empty();
+    misused(command, is_left_over ? left_over(command) : error.what());
 }
 
 // The object of the table "system" has no name: OBJECT is left out. WANTED counts the words of the command, OBJECT
@@ -55,6 +85,7 @@ void address(const CLI::App& command, const Words& words, std::size_t least, std
         misused(command, std::string("wrong number of arguments") +
                              (nameless ? ": the object of the table \"system\" has no name, leave OBJECT out" : ""));
     }
+    if (nameless && request.nth > 1) misused(command, "the table \"system\" has one object: leave --nth out");
     if (request.nth == 0) misused(command, "--nth counts from 1");
     for (std::size_t i = 0; i < words.count(); ++i) {
         std::string* target = targets[i > 0 && nameless ? i + 1 : i];
@@ -142,11 +173,17 @@ const Command commands[] = {
              "--replace", request.replace,
              "Replace the whole contents. Without it, the objects of the text are updated or added, and all "
              "else stays");
+         command.add_flag("--allow-empty", request.allow_empty,
+                          "With --replace: empty the store when there is no object in the text");
      },
      complete_nothing, import_contents},
     {"export", "Print the contents as TOML text that import reads back",
-     [](CLI::App& command, Words&, Request& request) { add_reveal(command, request); }, complete_nothing,
-     export_contents},
+     [](CLI::App& command, Words&, Request& request) {
+         command.add_option("--output", request.file, "Write to FILE, which only you may read, all of it or nothing")
+             ->type_name("FILE");
+         add_reveal(command, request);
+     },
+     complete_nothing, export_contents},
     {"check", "Examine the file: structure, indexes, checksums", declare_nothing, complete_nothing, check},
     {"lint", "Tell what the agent will do with the contents",
      [](CLI::App& command, Words&, Request& request) {
@@ -187,8 +224,7 @@ int run(int argc, char** argv) {
         flush_output();
         return 0;
     } catch (const CLI::ParseError& error) {
-        const std::vector<CLI::App*> used = app.get_subcommands();
-        misused(used.empty() ? app : *used.front(), error.what() + dash_hint(error));
+        misused(app, error);
     }
     if (app.get_subcommands().empty()) misused(app, "a command is missing");
     const CLI::App* used = app.get_subcommands().front();

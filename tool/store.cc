@@ -1,5 +1,7 @@
 #include "store.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -12,6 +14,7 @@ namespace cfql::tool {
 namespace {
 
 const char* remedy(Status status) {
+    const bool is_root = geteuid() == 0;
     switch (status) {
         case Status::absent:
             return "make one with \"cfql init\", or name another with --store";
@@ -24,9 +27,11 @@ const char* remedy(Status status) {
         case Status::damaged:
             return "move the file away, make a new one with \"cfql init\", and import your last export";
         case Status::denied:
-            return "become root or a member of the group \"cfql\"";
+            return is_root ? "see the modes of the file and of its directory"
+                           : "ask root to put you into the group \"cfql\", whose members read the store";
         case Status::read_only:
-            return "become root, and see that the file system is mounted for writing";
+            return is_root ? "see that the file system is mounted for writing"
+                           : "only root writes to it: ask root to run this command";
         case Status::busy:
             return "try again; \"fuser\" tells which process holds it";
         case Status::full:

@@ -104,8 +104,25 @@ TEST_F(Commands, AnswerAndExitStatus) {
         {{"set", "interface", "wlan0", "ssid", "-x"},
          2,
          "",
-         "cfql: The following argument was not expected: -x; -- goes before values that begin with a dash; see \"cfql "
-         "set --help\"\n"},
+         "cfql: unknown option \"-x\"; -- goes before values that begin with a dash; see \"cfql set --help\"\n"},
+        {{"set", "interface", "wlan0", "wep-key-1", "********"},
+         4,
+         "",
+         "cfql: the value of \"wep-key-1\" is the mask that stands for a hidden one: give the value itself; nothing "
+         "has "
+         "changed\n"},
+        {{"set", "interface", "wlan0", "wep-key-1", "-"},
+         4,
+         "",
+         "cfql: the value of \"wep-key-1\" is the mask that stands for a hidden one: give the value itself; nothing "
+         "has "
+         "changed\n",
+         "********\n"},
+        {{"get", "interface", "wlan0", "wep-key-1"}, 0, "FAKE1\n", ""},
+        {{"set", "system", "country", "X", "--nth", "2"},
+         2,
+         "",
+         "cfql: the table \"system\" has one object: leave --nth out; see \"cfql set --help\"\n"},
         {{"set", "interface", "wlan0", "ssid", "x", "--nth", "0"},
          2,
          "",
@@ -173,12 +190,18 @@ TEST_F(Commands, AnswerAndExitStatus) {
 
         {{"check"}, 0, "STORE: no faults\n", ""},
         {{}, 2, "", "cfql: a command is missing; see \"cfql --help\"\n"},
-        {{"drop"},
+        {{"drop"}, 2, "", "cfql: unknown command \"drop\"; see \"cfql --help\"\n"},
+        {{"exprot"}, 2, "", "cfql: unknown command \"exprot\"; did you mean \"export\"?; see \"cfql --help\"\n"},
+        {{"import", "-", "--relpace"},
          2,
          "",
-         "cfql: The following argument was not expected: drop; -- goes before values that begin with a dash; see "
-         "\"cfql "
-         "--help\"\n"},
+         "cfql: unknown option \"--relpace\"; did you mean \"--replace\"?; see \"cfql import --help\"\n"},
+        {{"--versoin"},
+         2,
+         "",
+         "cfql: unknown option \"--versoin\"; did you mean \"--version\"?; see \"cfql --help\"\n"},
+        {{"check", "it"}, 2, "", "cfql: one argument too many: \"it\"; see \"cfql check --help\"\n"},
+        {{"a\x1b[2J\xc2\x9b"}, 2, "", "cfql: unknown command \"a\\x1b[2J\\xc2\\x9b\"; see \"cfql --help\"\n"},
         {{"import"}, 2, "", "cfql: FILE is required; see \"cfql import --help\"\n"},
         {{"import", "/nowhere"},
          4,
@@ -254,6 +277,36 @@ TEST_F(Commands, ATerminalIsNotSteered) {
     EXPECT_EQ(done({"get", "interface", "wlan1", "ssid"}), "\x1b[2J\n");
 }
 
+// No octet of a name, a path or a text steers the terminal that shows the message about it.
+TEST_F(Commands, MessagesDoNotSteerATerminal) {
+    const std::string steering =
+        "\x1b[2J\xc2\x9b"
+        "2J\xff\r\x7f\xe2\x80\xae";
+    const std::string shown = R"(\x1b[2J\xc2\x9b2J\xff\r\x7f\xe2\x80\xae)";
+    const std::string file = write("a" + steering, "k = \x1b\n");
+    const Case cases[] = {
+        {{"get", steering, steering, steering}, 1, "", shown},
+        {{"unset", "interface", "wlan0", steering}, 1, "", shown},
+        {{"list", "--store", directory + '/' + steering}, 3, "", shown},
+        {{"init", "--store", directory + '/' + steering + "/a/b"}, 3, "", shown},
+        {{"import", directory + "/b" + steering}, 4, "", shown},
+        {{"import", file}, 4, "", shown},
+        {{"import", "-"}, 4, "", "1:5: ", "k = \x1b[2J\n"},
+        {{"import", "-"}, 4, "", R"(k\xc2\x9b2J)", "\"k\xc2\x9b\x32J\"='1'\n\"k\xc2\x9b\x32J\"='2'\n"},
+        {{"import", "-"}, 4, "", R"([["a\u009b"]])", "[\"a\xc2\x9b\"]\n"},
+        {{"import", "-"}, 4, "", "1:3: ", "[[a\xff]]\n"},
+        {{"export", "--output", directory + '/' + steering + "/x"}, 5, "", shown},
+        {{"get", "--" + steering}, 2, "", shown},
+    };
+    for (const Case& expected : cases) {
+        SCOPED_TRACE(expected.words.front() + ' ' + expected.input);
+        const Outcome outcome = run(expected.words, {.input = expected.input});
+        EXPECT_EQ(outcome.status, expected.status);
+        EXPECT_EQ(outcome.err.find_first_of("\x1b\xc2\xff\r\x7f\xe2"), std::string::npos) << outcome.err;
+        EXPECT_NE(outcome.err.find(expected.err), std::string::npos) << outcome.err;
+    }
+}
+
 TEST_F(Commands, OutputThatCannotBeWritten) {
     for (const Words& words : {Words{"list"}, Words{"export"}, Words{"--help"}}) {
         const Outcome outcome = run(words, {.output = "/dev/full"});
@@ -318,13 +371,18 @@ TEST_F(Commands, ReadOnlyForOthers) {
     const Outcome refused = run({"set", "system", "country", "FR"}, {.user = nobody});
     EXPECT_EQ(refused.status, 3);
     EXPECT_EQ(refused.err, "cfql: " + store +
-                               ": the store may not be written; become root, and see that the file system is mounted "
-                               "for writing\n");
+                               ": the store may not be written; only root writes to it: ask root to run this "
+                               "command\n");
     ASSERT_EQ(chmod(store.c_str(), 0600), 0);
     const Outcome denied = run({"get", "system", "country"}, {.user = nobody});
     EXPECT_EQ(denied.status, 3);
     EXPECT_EQ(denied.err,
-              "cfql: " + store + ": the store may not be opened; become root or a member of the group \"cfql\"\n");
+              "cfql: " + store +
+                  ": the store may not be opened; ask root to put you into the group \"cfql\", whose members read the "
+                  "store\n");
+    const Outcome not_made = run({"init"}, {.path = directory + "/other.db", .user = nobody});
+    EXPECT_EQ(not_made.status, 3);
+    EXPECT_EQ(not_made.err, "cfql: " + directory + "/other.db: Permission denied; ask root to run this command\n");
 }
 
 TEST_F(Commands, AnotherWriterHoldsTheStore) {
@@ -337,6 +395,11 @@ TEST_F(Commands, AnotherWriterHoldsTheStore) {
                                ": another process holds the store locked; try again; \"fuser\" tells which process "
                                "holds it\n");
     EXPECT_EQ(done({"get", "system", "country"}), "DE\n");
+}
+
+std::string text_of(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // Changes one octet of every value "Guests" in the file, behind SQLite's back. Its structure stays sound.
@@ -446,7 +509,32 @@ TEST_F(Tool, InitRefuses) {
     const Outcome no_parent = run({"init", "--store", directory + "/a/b/store.db"});
     EXPECT_EQ(no_parent.status, 3);
     EXPECT_EQ(no_parent.err,
-              "cfql: " + directory + "/a/b: No such file or directory; make the directory above it, or become root\n");
+              "cfql: " + directory + "/a/b: No such file or directory; make the directory above it first\n");
+}
+
+// In a directory where others may write, too, somebody was faster.
+TEST_F(Tool, InitFollowsNoLink) {
+    if (getuid() != 0) GTEST_SKIP() << "only root can own files of another user";
+    const std::string empty = write("empty", "");
+    ASSERT_EQ(chmod(empty.c_str(), 0600), 0);
+    const std::string theirs = write("theirs", "");
+    ASSERT_EQ(chown(theirs.c_str(), 65534, 65534), 0);
+    const std::string pipe = directory + "/pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_symlink(empty, directory + "/link");
+    std::filesystem::create_symlink(directory + "/new", directory + "/dangling");
+    std::filesystem::create_hard_link(empty, directory + "/hard");
+    for (const char* name : {"link", "dangling", "hard", "theirs", "pipe"}) {
+        SCOPED_TRACE(name);
+        const std::string path = directory + '/' + name;
+        const Outcome outcome = run({"init", "--store", path});
+        EXPECT_EQ(outcome.status, 3);
+        EXPECT_TRUE(outcome.err.starts_with("cfql: " + path + ": ")) << outcome.err;
+    }
+    EXPECT_EQ(std::filesystem::file_size(empty), 0U);
+    EXPECT_EQ(mode_of(empty), 0600U);
+    EXPECT_EQ(std::filesystem::file_size(theirs), 0U);
+    EXPECT_FALSE(std::filesystem::exists(directory + "/new"));
 }
 
 // ---- import and export
@@ -474,6 +562,41 @@ TEST_F(Commands, ImportReplaces) {
     EXPECT_EQ(done({"import", "--replace", "-"}, {.input = "[[radio]]\nname = \"r\"\nchannel = \"1\"\n"}),
               "imported 1 object with 1 value\n");
     EXPECT_EQ(done({"list"}), "radio\tr\tchannel\t1\n");
+}
+
+// What an export that failed upstream leaves behind.
+TEST_F(Commands, ReplacingByNothingIsAskedFor) {
+    const std::string before = done({"export"});
+    const std::string empty = write("empty.toml", "# nothing\n");
+    const struct {
+        Words words;
+        std::string source;
+    } cases[] = {{{"import", "--replace", "-"}, "standard input"}, {{"import", "--replace", empty}, empty}};
+    for (const auto& expected : cases) {
+        const Outcome outcome = run(expected.words);
+        EXPECT_EQ(outcome.status, 4);
+        EXPECT_EQ(outcome.err, "cfql: " + expected.source +
+                                   ": there is no object in it; nothing has changed. To empty the store, add "
+                                   "--allow-empty\n");
+        EXPECT_EQ(done({"export"}), before);
+    }
+    EXPECT_EQ(done({"import", "-"}), "imported 0 objects with 0 values\n");
+    EXPECT_EQ(done({"export"}), before);
+    EXPECT_EQ(done({"import", "--replace", "--allow-empty", "-"}), "imported 0 objects with 0 values\n");
+    EXPECT_EQ(done({"list"}), "");
+}
+
+TEST_F(Commands, ADeepTextIsRefusedAndNotFatal) {
+    std::string deep = "a";
+    for (int i = 0; i < 100'000; ++i)
+        deep += ".a";
+    for (const std::string& text : {deep + "='v'\n", "[[" + deep + "]]\n", "[" + deep + "]\n"}) {
+        const Outcome outcome = run({"import", "-"}, {.input = text});
+        EXPECT_EQ(outcome.status, 4);
+        EXPECT_NE(outcome.err.find(": more than 8 names joined by dots; nothing has been imported\n"),
+                  std::string::npos)
+            << outcome.err;
+    }
 }
 
 TEST_F(Commands, AFailedImportChangesNothing) {
@@ -513,6 +636,48 @@ TEST_F(Commands, ExportIsReadBackAndStable) {
     EXPECT_EQ(done({"export"}), exported);
     done({"import", "-"}, {.input = exported});
     EXPECT_EQ(done({"export"}), exported);
+}
+
+TEST_F(Commands, ExportToAFile) {
+    const std::string exported = done({"export"});
+    const std::string file = directory + "/backup.toml";
+    const mode_t before = umask(0);
+    EXPECT_EQ(done({"export", "--output", file}), "exported 6 objects to " + file + '\n');
+    umask(before);
+    EXPECT_EQ(mode_of(file), 0600U);
+    EXPECT_EQ(text_of(file), exported);
+    ASSERT_EQ(chmod(file.c_str(), 0644), 0);
+    done({"unset", "system"});
+    done({"export", "--output", file});
+    EXPECT_EQ(mode_of(file), 0600U);
+    EXPECT_EQ(text_of(file), done({"export"}));
+}
+
+// Keys are masked on a terminal, not in the file that is written from one.
+TEST_F(Commands, ExportToAFileFromATerminal) {
+    const std::string file = directory + "/backup.toml";
+    EXPECT_EQ(run_on_terminal({"export", "--output", file}).out, "exported 6 objects to " + file + '\n');
+    EXPECT_NE(text_of(file).find("FAKE1"), std::string::npos);
+}
+
+TEST_F(Commands, ExportThatCannotBeWritten) {
+    std::filesystem::create_symlink(directory + "/target", directory + "/link");
+    const struct {
+        std::string file, message;
+    } cases[] = {
+        {directory + "/none/backup.toml",
+         ": No such file or directory; name a file in a directory that you may write\n"},
+        {directory, ": is not a regular file; name another one\n"},
+        {directory + "/link", ": is not a regular file; name another one\n"},
+        {"/dev/null", ": is not a regular file; name another one\n"},
+    };
+    for (const auto& expected : cases) {
+        const Outcome outcome = run({"export", "--output", expected.file});
+        EXPECT_EQ(outcome.status, 5);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "cfql: " + expected.file + expected.message);
+    }
+    EXPECT_FALSE(std::filesystem::exists(directory + "/target"));
 }
 
 // ---- watch

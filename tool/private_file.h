@@ -1,0 +1,16 @@
+// A file that only its owner reads.
+#ifndef CFQL_TOOL_PRIVATE_FILE_H
+#define CFQL_TOOL_PRIVATE_FILE_H
+
+#include <string>
+#include <string_view>
+
+namespace cfql::tool {
+
+// Makes or replaces FILE, mode 0600, with TEXT, wholly or not at all. Throws Failure (Exit::output); what
+// is there and is no regular file stays.
+void write_private_file(const std::string& file, std::string_view text);
+
+}  // namespace cfql::tool
+
+#endif
