@@ -11,7 +11,7 @@ class Lint : public Tool {
     void SetUp() override { done({"init"}); }
 
     Outcome lint(const std::string& contents, const Words& words = {"lint", "--offline", "--defaults"}) {
-        done({"import", "--replace", "-"}, {.input = contents});
+        done({"import", "--replace", "--allow-empty", "-"}, {.input = contents});
         return run(words);
     }
 };
