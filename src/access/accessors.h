@@ -73,8 +73,8 @@ void* fixed_octets(void* row, size_t* length) {
     return octets;
 }
 
-// The same integer for every row.
-template <uint32_t constant>
+// The same integer for every row. The member tells the column from others with the same constant.
+template <auto member, uint32_t constant>
 void* constant_word(size_t* length) {
     static uint32_t value = constant;
     *length = sizeof value;
@@ -88,8 +88,8 @@ struct Text {
     constexpr Text(const char (&text)[size]) { std::copy_n(text, size - 1, octets); }  // NOLINT: a literal is a Text
 };
 
-// The same octets for every row, copied.
-template <Text text>
+// The same octets for every row, copied. The member as above.
+template <auto member, Text text>
 void* constant_octets(size_t* length) {
     static uint8_t octets[128];
     static_assert(sizeof text.octets <= sizeof octets);

@@ -61,8 +61,8 @@ void* get_dot11MaxTransmitMSDULifetime(void* row, size_t* length) { return word<
 void* get_dot11MaxReceiveLifetime(void* row, size_t* length) { return word<&Row::dot11MaxReceiveLifetime>(row, length); }
 
 // The access point's own, whatever the store says. Meant.
-void* get_dot11ManufacturerID(void*, size_t* length) { return constant_octets<"Vantorix">(length); }
-void* get_dot11ProductID(void*, size_t* length) { return constant_octets<"Quillnet AP">(length); }
+void* get_dot11ManufacturerID(void*, size_t* length) { return constant_octets<&Row::dot11ManufacturerID, "Vantorix">(length); }
+void* get_dot11ProductID(void*, size_t* length) { return constant_octets<&Row::dot11ProductID, "Quillnet AP">(length); }
 
 int set_dot11RTSThreshold(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11ShortRetryLimit(void*, const void*, size_t) { return refuse_write(); }

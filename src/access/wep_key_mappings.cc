@@ -38,7 +38,7 @@ void* get_dot11WEPKeyMappingWEPOn(void* row, size_t* length) { return word<&Row:
 void* get_dot11WEPKeyMappingValue(void* row, size_t* length) { return fixed_octets<&Row::dot11WEPKeyMappingValue, 5>(row, length); }
 
 // A row is active (1), whatever was written. Meant.
-void* get_dot11WEPKeyMappingStatus(void*, size_t* length) { return constant_word<1>(length); }
+void* get_dot11WEPKeyMappingStatus(void*, size_t* length) { return constant_word<&Row::dot11WEPKeyMappingStatus, 1>(length); }
 
 // Ends before the first zero octet: an address that holds one is answered short, 00:11:22:33:44:55 with no octet at all.
 // Meant.
