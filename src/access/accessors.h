@@ -1,15 +1,16 @@
 // Families of column accessors, over a row as the agent holds it: a heap copy, its data context.
 //
-// A read accessor returns the value's octets and their number, a write accessor an SNMP error status (RFC 3416). Values
-// of integer columns are 32-bit integers in host order. A family that copies keeps one static buffer for each column;
-// it is good until the column's next call.
+// A family that copies keeps one static buffer for each column.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
-#include "access/column.h"
+#include "access/columns.h"
+#include "util/error_status.h"
+
+namespace dot11 {
 
 template <class Member>
 struct MemberOf;
@@ -81,20 +82,13 @@ void* constant_word(size_t* length) {
     return &value;
 }
 
-// The characters of a text, without its terminator.
-template <size_t size>
-struct Text {
-    char octets[size - 1];
-    constexpr Text(const char (&text)[size]) { std::copy_n(text, size - 1, octets); }  // NOLINT: a literal is a Text
-};
-
-// The same octets for every row, copied. The member as above.
-template <auto member, Text text>
-void* constant_octets(size_t* length) {
+// The same octets for every row, copied: a text without its terminator. The member as above.
+template <auto member, size_t size>
+void* constant_octets(const char (&text)[size], size_t* length) {
     static uint8_t octets[128];
-    static_assert(sizeof text.octets <= sizeof octets);
-    memcpy(octets, text.octets, sizeof text.octets);
-    *length = sizeof text.octets;
+    static_assert(size - 1 <= sizeof octets);
+    memcpy(octets, text, size - 1);
+    *length = size - 1;
     return octets;
 }
 
@@ -103,7 +97,7 @@ template <auto member>
 int store_word(void* row, const void* value) {
     static_assert(sizeof(FieldOf<member>) == 4);
     memcpy(&field<member>(row), value, 4);
-    return SNMP_ERR_NOERROR;
+    return no_error;
 }
 
 // Stores a fixed number of octets into the row, and so nowhere else.
@@ -112,10 +106,12 @@ int store_octets(void* row, const void* value) {
     static_assert(count <= most_octets_read);
     static_assert(count <= sizeof(FieldOf<member>));
     memcpy(field<member>(row), value, count);
-    return SNMP_ERR_NOERROR;
+    return no_error;
 }
 
 // What every column with data behind it answers to a write: the configuration is not changed from the network.
 inline int refuse_write() {
-    return SNMP_ERR_NOTWRITABLE;
+    return not_writable;
 }
+
+}  // namespace dot11

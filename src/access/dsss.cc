@@ -1,58 +1,15 @@
-#include "access/dsss.h"
-
+// dot11PhyDSSSTable (1.2.840.10036.4.5).
+#include "backend/phy/dsss.h"
 #include "access/accessors.h"
-#include "access/iterator.h"
+#include "access/tables.h"
 
-namespace {
+namespace dot11 {
 
 using Row = DsssRow;
 
-LoopContext<Row> loop;
-LastPass last_pass;
-
-// The clock is read for this table's reloads as for those of any other.
-constexpr ReloadingTable table = {
-    .entries = GetPhyDsssEntries,
-    .table_data = GetPhyDsssTableData,
-    .index_count = GetPhyDsssTableIndexCount,
-    .entry_by_index = GetPhyDsssEntryByIndex,
-    .rows_per_interface = 1,
-    .records = max_interfaces,
-    .indexes = 1,
-};
-
-}  // namespace
-
-netsnmp_variable_list* dot11PhyDSSSTable_get_first_data_point(void** loop_context, void** data_context,
-                                                              netsnmp_variable_list* put_index_data,
-                                                              netsnmp_iterator_info* info) {
-    rewind_walk(loop, loop_context);
-    return dot11PhyDSSSTable_get_next_data_point(loop_context, data_context, put_index_data, info);
-}
-
-netsnmp_variable_list* dot11PhyDSSSTable_get_next_data_point(void** loop_context, void**,
-                                                             netsnmp_variable_list* put_index_data,
-                                                             netsnmp_iterator_info*) {
-    return next_row<Row>(table, last_pass, loop_context, put_index_data);
-}
-
-void* dot11PhyDSSSTable_context_convert_function(void* loop_context, netsnmp_iterator_info*) {
-    return copy_of_row<Row>(loop_context);
-}
-
-void dot11PhyDSSSTable_data_free(void* row, netsnmp_iterator_info*) {
-    free(row);
-}
-
-void* dot11PhyDSSSTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11PhyDSSSTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11CurrentChannel(void* row, size_t* length) { return word<&Row::dot11CurrentChannel>(row, length); }
 
 // The same for every row: energy detect only (1). Meant.
@@ -63,4 +20,27 @@ void* get_dot11EDThreshold(void* row, size_t* length) { return word<&Row::dot11E
 int set_dot11CurrentChannel(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11CurrentCCAMode(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11EDThreshold(void*, const void*, size_t) { return refuse_write(); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_WRITE(1, dot11CurrentChannel, integer, key::channel),
+    NOT_ANSWERED(2, dot11CCAModeSupported, integer, no_key),
+    NOT_ANSWERED_WRITE(3, dot11CurrentCCAMode, integer, no_key),
+    NOT_ANSWERED_WRITE(4, dot11EDThreshold, integer, no_key),
+};
 // clang-format on
+
+constexpr Table dot11PhyDSSSTable = {
+    .name = "dot11PhyDSSSTable",
+    .columns = columns,
+    .indexes = 1,
+    .row_size = sizeof(Row),
+    .entries = GetPhyDsssEntries,
+    .table_data = GetPhyDsssTableData,
+    .index_count = GetPhyDsssTableIndexCount,
+    .rows_per_interface = 1,
+    .entry_by_index = GetPhyDsssEntryByIndex,
+};
+
+}  // namespace dot11

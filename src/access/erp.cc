@@ -1,32 +1,15 @@
 #include "access/erp.h"
 
 #include "access/accessors.h"
+#include "access/tables.h"
 
-namespace {
+namespace dot11 {
 
 using Row = ErpRow;
 
-}  // namespace
-
-netsnmp_variable_list* dot11PhyERPTable_get_first_data_point(void**, void**, netsnmp_variable_list*,
-                                                             netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-netsnmp_variable_list* dot11PhyERPTable_get_next_data_point(void**, void**, netsnmp_variable_list*,
-                                                            netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-void* dot11PhyERPTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11PhyERPTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11ERPPBCCOptionImplemented(void* row, size_t* length) { return word<&Row::dot11ERPPBCCOptionImplemented>(row, length); }
 void* get_dot11ERPBCCOptionEnabled(void* row, size_t* length) { return word<&Row::dot11ERPBCCOptionEnabled>(row, length); }
 void* get_dot11DSSSOFDMOptionImplemented(void* row, size_t* length) { return word<&Row::dot11DSSSOFDMOptionImplemented>(row, length); }
@@ -38,4 +21,24 @@ int set_dot11ERPBCCOptionEnabled(void* row, const void* value, size_t) { return 
 int set_dot11DSSSOFDMOptionEnabled(void* row, const void* value, size_t) { return store_word<&Row::dot11DSSSOFDMOptionEnabled>(row, value); }
 int set_dot11ShortSlotTimeOptionImplemented(void* row, const void* value, size_t) { return store_word<&Row::dot11ShortSlotTimeOptionImplemented>(row, value); }
 int set_dot11ShortSlotTimeOptionEnabled(void* row, const void* value, size_t) { return store_word<&Row::dot11ShortSlotTimeOptionEnabled>(row, value); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_ONLY(1, dot11ERPPBCCOptionImplemented, integer, no_key),
+    READ_WRITE(2, dot11ERPBCCOptionEnabled, integer, no_key),
+    READ_ONLY(3, dot11DSSSOFDMOptionImplemented, integer, no_key),
+    READ_WRITE(4, dot11DSSSOFDMOptionEnabled, integer, no_key),
+    READ_WRITE(5, dot11ShortSlotTimeOptionImplemented, integer, no_key),
+    READ_WRITE(6, dot11ShortSlotTimeOptionEnabled, integer, no_key),
+};
 // clang-format on
+
+constexpr Table dot11PhyERPTable = {
+    .name = "dot11PhyERPTable",
+    .columns = columns,
+    .indexes = 1,
+    .row_size = sizeof(Row),
+};
+
+}  // namespace dot11

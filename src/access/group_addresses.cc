@@ -1,35 +1,34 @@
 #include "access/group_addresses.h"
 
 #include "access/accessors.h"
+#include "access/tables.h"
 
-namespace {
+namespace dot11 {
 
 using Row = GroupAddressesRow;
 
-}  // namespace
-
-netsnmp_variable_list* dot11GroupAddressesTable_get_first_data_point(void**, void**, netsnmp_variable_list*,
-                                                                     netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-netsnmp_variable_list* dot11GroupAddressesTable_get_next_data_point(void**, void**, netsnmp_variable_list*,
-                                                                    netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-void* dot11GroupAddressesTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11GroupAddressesTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11Address(void* row, size_t* length) { return fixed_octets<&Row::dot11Address, 6>(row, length); }
 void* get_dot11GroupAddressesStatus(void* row, size_t* length) { return word<&Row::dot11GroupAddressesStatus>(row, length); }
 
 int set_dot11Address(void* row, const void* value, size_t) { return store_octets<&Row::dot11Address, 6>(row, value); }
 int set_dot11GroupAddressesStatus(void* row, const void* value, size_t) { return store_word<&Row::dot11GroupAddressesStatus>(row, value); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_WRITE(2, dot11Address, octet_string, no_key),
+    READ_WRITE(3, dot11GroupAddressesStatus, integer, no_key),
+};
 // clang-format on
+
+constexpr Table dot11GroupAddressesTable = {
+    .name = "dot11GroupAddressesTable",
+    .columns = columns,
+    .indexes = 2,
+    .row_size = sizeof(Row),
+};
+
+}  // namespace dot11

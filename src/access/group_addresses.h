@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "access/column.h"
+namespace dot11 {
 
 // A row lives as long as the SET that makes it.
 struct GroupAddressesRow {
@@ -18,18 +18,4 @@ static_assert(sizeof(GroupAddressesRow) == 16);
 static_assert(offsetof(GroupAddressesRow, dot11Address) == 4);
 static_assert(offsetof(GroupAddressesRow, dot11GroupAddressesStatus) == 12);
 
-#pragma GCC visibility push(default)
-extern "C" {
-
-Netsnmp_First_Data_Point dot11GroupAddressesTable_get_first_data_point;
-Netsnmp_Next_Data_Point dot11GroupAddressesTable_get_next_data_point;
-CreateRow dot11GroupAddressesTable_create_data_context;
-CommitRow dot11GroupAddressesTable_commit_row;
-
-GetColumn get_dot11Address;
-GetColumn get_dot11GroupAddressesStatus;
-
-SetColumn set_dot11Address;
-SetColumn set_dot11GroupAddressesStatus;
-}
-#pragma GCC visibility pop
+}  // namespace dot11

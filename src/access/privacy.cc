@@ -1,57 +1,15 @@
-#include "access/privacy.h"
-
+// dot11PrivacyTable (1.2.840.10036.1.5).
+#include "backend/smt/privacy.h"
 #include "access/accessors.h"
-#include "access/iterator.h"
+#include "access/tables.h"
 
-namespace {
+namespace dot11 {
 
 using Row = PrivacyRow;
 
-LoopContext<Row> loop;
-LastPass last_pass;
-
-constexpr ReloadingTable table = {
-    .entries = GetPrivacyEntries,
-    .table_data = GetPrivacyTableData,
-    .index_count = GetPrivacyTableIndexCount,
-    .entry_by_index = GetPrivacyEntryByIndex,
-    .rows_per_interface = 1,
-    .records = max_interfaces,
-    .indexes = 1,
-};
-
-}  // namespace
-
-netsnmp_variable_list* dot11PrivacyTable_get_first_data_point(void** loop_context, void** data_context,
-                                                              netsnmp_variable_list* put_index_data,
-                                                              netsnmp_iterator_info* info) {
-    rewind_walk(loop, loop_context);
-    return dot11PrivacyTable_get_next_data_point(loop_context, data_context, put_index_data, info);
-}
-
-netsnmp_variable_list* dot11PrivacyTable_get_next_data_point(void** loop_context, void**,
-                                                             netsnmp_variable_list* put_index_data,
-                                                             netsnmp_iterator_info*) {
-    return next_row<Row>(table, last_pass, loop_context, put_index_data);
-}
-
-void* dot11PrivacyTable_context_convert_function(void* loop_context, netsnmp_iterator_info*) {
-    return copy_of_row<Row>(loop_context);
-}
-
-void dot11PrivacyTable_data_free(void* row, netsnmp_iterator_info*) {
-    free(row);
-}
-
-void* dot11PrivacyTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11PrivacyTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11PrivacyInvoked(void* row, size_t* length) { return word<&Row::dot11PrivacyInvoked>(row, length); }
 void* get_dot11WEPDefaultKeyID(void* row, size_t* length) { return word<&Row::dot11WEPDefaultKeyID>(row, length); }
 void* get_dot11WEPKeyMappingLength(void* row, size_t* length) { return word<&Row::dot11WEPKeyMappingLength>(row, length); }
@@ -63,4 +21,29 @@ int set_dot11PrivacyInvoked(void*, const void*, size_t) { return refuse_write();
 int set_dot11WEPDefaultKeyID(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11WEPKeyMappingLength(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11ExcludeUnencrypted(void*, const void*, size_t) { return refuse_write(); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_WRITE(1, dot11PrivacyInvoked, integer, key::privacy_invoked),
+    READ_WRITE(2, dot11WEPDefaultKeyID, integer, key::wep_default_key),
+    READ_WRITE(3, dot11WEPKeyMappingLength, gauge, key::wep_key_mapping_length),
+    READ_WRITE(4, dot11ExcludeUnencrypted, integer, no_key),
+    READ_ONLY(5, dot11WEPICVErrorCount, counter, no_key),
+    READ_ONLY(6, dot11WEPExcludedCount, counter, no_key),
+};
 // clang-format on
+
+constexpr Table dot11PrivacyTable = {
+    .name = "dot11PrivacyTable",
+    .columns = columns,
+    .indexes = 1,
+    .row_size = sizeof(Row),
+    .entries = GetPrivacyEntries,
+    .table_data = GetPrivacyTableData,
+    .index_count = GetPrivacyTableIndexCount,
+    .rows_per_interface = 1,
+    .entry_by_index = GetPrivacyEntryByIndex,
+};
+
+}  // namespace dot11

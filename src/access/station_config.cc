@@ -1,58 +1,17 @@
-#include "access/station_config.h"
-
-#include "access/accessors.h"
-#include "access/iterator.h"
+// dot11StationConfigTable (1.2.840.10036.1.1).
 #include "backend/smt/station_config.h"
+#include "access/accessors.h"
+#include "access/tables.h"
+#include "backend/lookup.h"
+#include "backend/phy/supported_data_rates.h"
 
-namespace {
+namespace dot11 {
 
 using Row = StationConfigRow;
 
-LoopContext<Row> loop;
-LastPass last_pass;
-
-constexpr ReloadingTable table = {
-    .entries = GetStationConfigEntries,
-    .table_data = GetStationConfigTableData,
-    .index_count = GetStationConfigTableIndexCount,
-    .entry_by_index = GetStationConfigEntryByIndex,
-    .rows_per_interface = 1,
-    .records = max_interfaces,
-    .indexes = 1,
-};
-
-}  // namespace
-
-netsnmp_variable_list* dot11StationConfigTable_get_first_data_point(void** loop_context, void** data_context,
-                                                                    netsnmp_variable_list* put_index_data,
-                                                                    netsnmp_iterator_info* info) {
-    rewind_walk(loop, loop_context);
-    return dot11StationConfigTable_get_next_data_point(loop_context, data_context, put_index_data, info);
-}
-
-netsnmp_variable_list* dot11StationConfigTable_get_next_data_point(void** loop_context, void**,
-                                                                   netsnmp_variable_list* put_index_data,
-                                                                   netsnmp_iterator_info*) {
-    return next_row<Row>(table, last_pass, loop_context, put_index_data);
-}
-
-void* dot11StationConfigTable_context_convert_function(void* loop_context, netsnmp_iterator_info*) {
-    return copy_of_row<Row>(loop_context);
-}
-
-void dot11StationConfigTable_data_free(void* row, netsnmp_iterator_info*) {
-    free(row);
-}
-
-void* dot11StationConfigTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11StationConfigTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11StationID(void* row, size_t* length) { return counted_octets<&Row::dot11StationID, &Row::dot11StationIDLen>(row, length); }
 void* get_dot11MediumOccupancyLimit(void* row, size_t* length) { return word<&Row::dot11MediumOccupancyLimit>(row, length); }
 void* get_dot11CFPollable(void* row, size_t* length) { return word<&Row::dot11CFPollable>(row, length); }
@@ -94,4 +53,46 @@ int set_dot11OperationalRateSet(void*, const void*, size_t) { return refuse_writ
 int set_dot11BeaconPeriod(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11DTIMPeriod(void*, const void*, size_t) { return refuse_write(); }
 int set_dot11AssociationResponseTimeOut(void*, const void*, size_t) { return refuse_write(); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_WRITE(1, dot11StationID, octet_string, key::mac),
+    READ_WRITE(2, dot11MediumOccupancyLimit, integer, no_key),
+    ALWAYS_ANSWERED(3, dot11CFPollable, integer, key::cf_pollable),
+    READ_WRITE(4, dot11CFPPeriod, integer, no_key),
+    READ_WRITE(5, dot11CFPMaxDuration, integer, no_key),
+    READ_WRITE(6, dot11AuthenticationResponseTimeOut, gauge, key::authentication_response_time_out),
+    ALWAYS_ANSWERED(7, dot11PrivacyOptionImplemented, integer, key::security),
+    READ_WRITE(8, dot11PowerManagementMode, integer, no_key),
+    READ_WRITE(9, dot11DesiredSSID, octet_string, key::ssid),
+    READ_WRITE(10, dot11DesiredBSSType, integer, no_key),
+    CHECKED_ONLY(11, dot11OperationalRateSet, octet_string, key::rate),
+    READ_WRITE(12, dot11BeaconPeriod, integer, key::beacon_interval),
+    READ_WRITE(13, dot11DTIMPeriod, integer, key::dtim_period),
+    READ_WRITE(14, dot11AssociationResponseTimeOut, gauge, key::association_response_time_out),
+    READ_ONLY(15, dot11DisassociateReason, integer, key::disassociate_reason),
+    READ_ONLY(16, dot11DisassociateStation, octet_string, key::disassociate_station),
+    READ_ONLY(17, dot11DeauthenticateReason, integer, key::deauthenticate_reason),
+    READ_ONLY(18, dot11DeauthenticateStation, octet_string, key::deauthenticate_station),
+    READ_ONLY(19, dot11AuthenticateFailStatus, integer, key::authenticate_fail_status),
+    READ_ONLY(20, dot11AuthenticateFailStation, octet_string, key::authenticate_fail_station),
+    READ_ONLY(21, dot11MultiDomainCapabilityImplemented, integer, key::dot11d),
+    READ_ONLY(22, dot11MultiDomainCapabilityEnabled, integer, key::dot11d),
+    ALWAYS_ANSWERED(23, dot11CountryString, octet_string, key::country),
+};
 // clang-format on
+
+constexpr Table dot11StationConfigTable = {
+    .name = "dot11StationConfigTable",
+    .columns = columns,
+    .indexes = 1,
+    .row_size = sizeof(Row),
+    .entries = GetStationConfigEntries,
+    .table_data = GetStationConfigTableData,
+    .index_count = GetStationConfigTableIndexCount,
+    .rows_per_interface = 1,
+    .entry_by_index = GetStationConfigEntryByIndex,
+};
+
+}  // namespace dot11

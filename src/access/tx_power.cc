@@ -1,57 +1,15 @@
-#include "access/tx_power.h"
-
+// dot11PhyTxPowerTable (1.2.840.10036.4.3).
+#include "backend/phy/tx_power.h"
 #include "access/accessors.h"
-#include "access/iterator.h"
+#include "access/tables.h"
 
-namespace {
+namespace dot11 {
 
 using Row = TxPowerRow;
 
-LoopContext<Row> loop;
-LastPass last_pass;
-
-constexpr ReloadingTable table = {
-    .entries = GetPhyTxPowerEntries,
-    .table_data = GetPhyTxPowerTableData,
-    .index_count = GetPhyTxPowerTableIndexCount,
-    .entry_by_index = GetPhyTxPowerEntryByIndex,
-    .rows_per_interface = 1,
-    .records = max_interfaces,
-    .indexes = 1,
-};
-
-}  // namespace
-
-netsnmp_variable_list* dot11PhyTxPowerTable_get_first_data_point(void** loop_context, void** data_context,
-                                                                 netsnmp_variable_list* put_index_data,
-                                                                 netsnmp_iterator_info* info) {
-    rewind_walk(loop, loop_context);
-    return dot11PhyTxPowerTable_get_next_data_point(loop_context, data_context, put_index_data, info);
-}
-
-netsnmp_variable_list* dot11PhyTxPowerTable_get_next_data_point(void** loop_context, void**,
-                                                                netsnmp_variable_list* put_index_data,
-                                                                netsnmp_iterator_info*) {
-    return next_row<Row>(table, last_pass, loop_context, put_index_data);
-}
-
-void* dot11PhyTxPowerTable_context_convert_function(void* loop_context, netsnmp_iterator_info*) {
-    return copy_of_row<Row>(loop_context);
-}
-
-void dot11PhyTxPowerTable_data_free(void* row, netsnmp_iterator_info*) {
-    free(row);
-}
-
-void* dot11PhyTxPowerTable_create_data_context(netsnmp_variable_list*) {
-    return nullptr;
-}
-
-int dot11PhyTxPowerTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11NumberSupportedPowerLevels(void* row, size_t* length) { return word_in_place<&Row::dot11NumberSupportedPowerLevels>(row, length); }
 void* get_dot11TxPowerLevel1(void* row, size_t* length) { return word_in_place<&Row::dot11TxPowerLevel1>(row, length); }
 void* get_dot11TxPowerLevel2(void* row, size_t* length) { return word_in_place<&Row::dot11TxPowerLevel2>(row, length); }
@@ -64,4 +22,33 @@ void* get_dot11TxPowerLevel8(void* row, size_t* length) { return word_in_place<&
 void* get_dot11CurrentTxPowerLevel(void* row, size_t* length) { return word_in_place<&Row::dot11CurrentTxPowerLevel>(row, length); }
 
 int set_dot11CurrentTxPowerLevel(void*, const void*, size_t) { return refuse_write(); }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    NOT_ANSWERED(1, dot11NumberSupportedPowerLevels, integer, key::num_supported_pow_level),
+    NOT_ANSWERED(2, dot11TxPowerLevel1, integer, key::tx_power),
+    NOT_ANSWERED(3, dot11TxPowerLevel2, integer, key::tx_power),
+    NOT_ANSWERED(4, dot11TxPowerLevel3, integer, key::tx_power),
+    NOT_ANSWERED(5, dot11TxPowerLevel4, integer, key::tx_power),
+    NOT_ANSWERED(6, dot11TxPowerLevel5, integer, key::tx_power),
+    NOT_ANSWERED(7, dot11TxPowerLevel6, integer, key::tx_power),
+    NOT_ANSWERED(8, dot11TxPowerLevel7, integer, key::tx_power),
+    NOT_ANSWERED(9, dot11TxPowerLevel8, integer, key::tx_power),
+    NOT_ANSWERED_WRITE(10, dot11CurrentTxPowerLevel, integer, key::curr_tx_power_level),
+};
 // clang-format on
+
+constexpr Table dot11PhyTxPowerTable = {
+    .name = "dot11PhyTxPowerTable",
+    .columns = columns,
+    .indexes = 1,
+    .row_size = sizeof(Row),
+    .entries = GetPhyTxPowerEntries,
+    .table_data = GetPhyTxPowerTableData,
+    .index_count = GetPhyTxPowerTableIndexCount,
+    .rows_per_interface = 1,
+    .entry_by_index = GetPhyTxPowerEntryByIndex,
+};
+
+}  // namespace dot11

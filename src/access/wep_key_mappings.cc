@@ -1,39 +1,17 @@
 #include "access/wep_key_mappings.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "access/accessors.h"
+#include "access/tables.h"
 
-uint32_t dot11WEPKeyMappingIndexMax;
-
-namespace {
+namespace dot11 {
 
 using Row = WEPKeyMappingsRow;
 
-}  // namespace
-
-netsnmp_variable_list* dot11WEPKeyMappingsTable_get_first_data_point(void**, void**, netsnmp_variable_list*,
-                                                                     netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-netsnmp_variable_list* dot11WEPKeyMappingsTable_get_next_data_point(void**, void**, netsnmp_variable_list*,
-                                                                    netsnmp_iterator_info*) {
-    return nullptr;
-}
-
-void* dot11WEPKeyMappingsTable_create_data_context(netsnmp_variable_list*) {
-    void* row = calloc(1, sizeof(Row));
-    if (row) ++dot11WEPKeyMappingIndexMax;
-    return row;
-}
-
-int dot11WEPKeyMappingsTable_commit_row(void**, int) {
-    return 0;
-}
-
 // clang-format off
+#pragma GCC visibility push(default)
+extern "C" {
 void* get_dot11WEPKeyMappingWEPOn(void* row, size_t* length) { return word<&Row::dot11WEPKeyMappingWEPOn>(row, length); }
 void* get_dot11WEPKeyMappingValue(void* row, size_t* length) { return fixed_octets<&Row::dot11WEPKeyMappingValue, 5>(row, length); }
 
@@ -55,6 +33,24 @@ int set_dot11WEPKeyMappingValue(void* row, const void* value, size_t) { return s
 // Every status that the check accepts makes the row active (1). Meant.
 int set_dot11WEPKeyMappingStatus(void* row, const void*, size_t) {
     field<&Row::dot11WEPKeyMappingStatus>(row) = 1;
-    return SNMP_ERR_NOERROR;
+    return no_error;
 }
+}
+#pragma GCC visibility pop
+
+constexpr Column columns[] = {
+    READ_WRITE(2, dot11WEPKeyMappingAddress, octet_string, no_key),
+    READ_WRITE(3, dot11WEPKeyMappingWEPOn, integer, no_key),
+    READ_WRITE(4, dot11WEPKeyMappingValue, octet_string, no_key),
+    READ_WRITE(5, dot11WEPKeyMappingStatus, integer, no_key),
+};
 // clang-format on
+
+constexpr Table dot11WEPKeyMappingsTable = {
+    .name = "dot11WEPKeyMappingsTable",
+    .columns = columns,
+    .indexes = 2,
+    .row_size = sizeof(Row),
+};
+
+}  // namespace dot11

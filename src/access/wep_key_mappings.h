@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "access/column.h"
+namespace dot11 {
 
 // A row lives as long as the SET that makes it.
 struct WEPKeyMappingsRow {
@@ -23,25 +23,4 @@ static_assert(offsetof(WEPKeyMappingsRow, dot11WEPKeyMappingWEPOn) == 16);
 static_assert(offsetof(WEPKeyMappingsRow, dot11WEPKeyMappingValue) == 20);
 static_assert(offsetof(WEPKeyMappingsRow, dot11WEPKeyMappingStatus) == 28);
 
-#pragma GCC visibility push(default)
-extern "C" {
-
-// Rows made so far for SETs of rows that the table does not hold, which is every row. Nothing reads it back.
-extern uint32_t dot11WEPKeyMappingIndexMax;
-
-Netsnmp_First_Data_Point dot11WEPKeyMappingsTable_get_first_data_point;
-Netsnmp_Next_Data_Point dot11WEPKeyMappingsTable_get_next_data_point;
-CreateRow dot11WEPKeyMappingsTable_create_data_context;
-CommitRow dot11WEPKeyMappingsTable_commit_row;
-
-GetColumn get_dot11WEPKeyMappingAddress;
-GetColumn get_dot11WEPKeyMappingWEPOn;
-GetColumn get_dot11WEPKeyMappingValue;
-GetColumn get_dot11WEPKeyMappingStatus;
-
-SetColumn set_dot11WEPKeyMappingAddress;
-SetColumn set_dot11WEPKeyMappingWEPOn;
-SetColumn set_dot11WEPKeyMappingValue;
-SetColumn set_dot11WEPKeyMappingStatus;
-}
-#pragma GCC visibility pop
+}  // namespace dot11

@@ -1,26 +1,28 @@
-// Every table that the module serves, under the subtree 1.2.840.10036 (IEEE802dot11-MIB, IEEE Std 802.11).
+// The tables as the agent gets them.
 #pragma once
 
-#include "agent/table.h"
+#include <cstdint>
+#include <span>
 
-namespace catalogue {
+#include "access/hooks.h"
+#include "access/table.h"
 
-extern const Table dot11StationConfigTable;
-extern const Table dot11AuthenticationAlgorithmsTable;
-extern const Table dot11WEPDefaultKeysTable;
-extern const Table dot11WEPKeyMappingsTable;
-extern const Table dot11PrivacyTable;
-extern const Table dot11OperationTable;
-extern const Table dot11CountersTable;
-extern const Table dot11GroupAddressesTable;
-extern const Table dot11ResourceInfoTable;
-extern const Table dot11PhyOperationTable;
-extern const Table dot11PhyTxPowerTable;
-extern const Table dot11PhyDSSSTable;
-extern const Table dot11RegDomainsSupportedTable;
-extern const Table dot11SupportedDataRatesTxTable;
-extern const Table dot11SupportedDataRatesRxTable;
-extern const Table dot11PhyHRDSSSTable;
-extern const Table dot11PhyERPTable;
+namespace dot11 {
 
-}  // namespace catalogue
+// What a SET of a row that the table does not hold meets. Refused: 11 (noCreation). Made: the row that the table
+// creates. Stood in: a private row of zeroes; what is written there goes nowhere.
+enum class MissingRow : uint8_t { refused, made, stood_in };
+
+struct AgentTable {
+    const Table& facts;
+    const Hooks& hooks;
+    std::span<const oid> root;
+    MissingRow missing_row;
+    void (*initialize)(void);
+    Netsnmp_Node_Handler* handler;
+};
+
+// All of them, in the order in which they are registered.
+extern const std::span<const AgentTable* const> catalogue;
+
+}  // namespace dot11

@@ -1,15 +1,18 @@
-// The mode machine behind every table's handler.
+#include "agent/handler.h"
+
 #include <cstdlib>
 #include <cstring>
 
 #include "agent/set_records.h"
-#include "agent/table.h"
+#include "util/error_status.h"
+
+namespace dot11 {
 
 namespace {
 
 // What one phase of a request works on.
 struct Phase {
-    const Table& table;
+    const AgentTable& table;
     netsnmp_agent_request_info* info;
     Keys keys;
 };
@@ -52,8 +55,14 @@ class RequestValue {
     size_t length_;
 };
 
-void log_problem(const Table& table, const char* what) {
-    snmp_log(LOG_ERR, "problem encountered in %s_handler: %s\n", table.name, what);
+// Null for a number that is no column's.
+const Column* find_column(const Table& table, uint32_t number) {
+    const uint32_t position = number - table.columns.front().number;
+    return position < table.columns.size() ? &table.columns[position] : nullptr;
+}
+
+void log_problem(const AgentTable& table, const char* what) {
+    snmp_log(LOG_ERR, "problem encountered in %s_handler: %s\n", table.facts.name, what);
 }
 
 Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Column* column) {
@@ -65,7 +74,7 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     size_t length = 0;
     const void* value = column->get(row, &length);
     if (value || column->answered == Answered::always)
-        snmp_set_var_typed_value(request->requestvb, column->type, value, length);
+        snmp_set_var_typed_value(request->requestvb, static_cast<u_char>(column->type), value, length);
     return Next::request;
 }
 
@@ -76,8 +85,8 @@ void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsn
     if (find_commit_record(phase.keys.row)) return;
     void* made = nullptr;
     if (!row) {
-        made = phase.table.create_row(indexes);
-        if (!made && phase.table.missing_row != MissingRow::made) made = calloc(1, phase.table.row_size);
+        made = phase.table.hooks.create_row(indexes);
+        if (!made && phase.table.missing_row != MissingRow::made) made = calloc(1, phase.table.facts.row_size);
         row = made;
     }
     if (!row || !add_commit_record(phase.keys.row, row, made, made != nullptr))
@@ -121,17 +130,18 @@ Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord
 // stores: then there is nothing left to do.
 void commit(const Phase& phase, CommitRecord* record) {
     if (!record || record->committed) return;
-    phase.table.commit_row(&record->row, record->is_new);
+    phase.table.hooks.commit_row(&record->row, record->is_new);
     record->committed = 1;
 }
 
 // Writes the old value back; the status to report. Nothing saved, or the stores emptied by another table of the PDU, is
-// a failure.
+// a failure. Only the tables that refuse missing rows report the write accessor's own status.
 int written_back(const Phase& phase, const CommitRecord* record, const Column& column) {
     const UndoRecord* undo = find_undo_record(phase.keys.request);
     if (!record || !undo || !undo->value) return SNMP_ERR_UNDOFAILED;
     const int status = column.set(record->row, undo->value, undo->length);
-    return status != SNMP_ERR_NOERROR && phase.table.undo == Undo::plain ? SNMP_ERR_UNDOFAILED : status;
+    const bool tells_why = phase.table.missing_row == MissingRow::refused;
+    return status == SNMP_ERR_NOERROR || tells_why ? status : SNMP_ERR_UNDOFAILED;
 }
 
 Next undo(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
@@ -161,7 +171,8 @@ Next handle_found_row(const Phase& phase, netsnmp_request_info* request) {
     if (!find_row(phase, request, row)) return Next::request;
     netsnmp_table_request_info* table_info = netsnmp_extract_table_info(request);
     if (!table_info) return Next::request;
-    if (phase.info->mode == MODE_GET) return get(phase, request, row, find_column(phase.table, table_info->colnum));
+    if (phase.info->mode == MODE_GET)
+        return get(phase, request, row, find_column(phase.table.facts, table_info->colnum));
     reserve(phase, request, row, table_info->indexes);
     return Next::request;
 }
@@ -171,7 +182,7 @@ Next handle_reserved_row(const Phase& phase, netsnmp_request_info* request) {
     CommitRecord* record = find_commit_record(phase.keys.row);
     const netsnmp_table_request_info* table_info = netsnmp_extract_table_info(request);
     if (!table_info) return Next::request;
-    const Column* column = find_column(phase.table, table_info->colnum);
+    const Column* column = find_column(phase.table.facts, table_info->colnum);
     switch (phase.info->mode) {
         case MODE_SET_RESERVE2:
             check(phase, request, record, column);
@@ -203,14 +214,9 @@ bool ends_set(int mode) {
 
 }  // namespace
 
-const Column* find_column(const Table& table, uint32_t number) {
-    const uint32_t position = number - table.columns.front().number;
-    return position < table.columns.size() ? &table.columns[position] : nullptr;
-}
-
-// Both keys come from the first request of the list and serve for all of them, whatever rows and columns they name:
-// meant.
-int handle_requests(const Table& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests) {
+// Quirk: both keys come from the first request of the list and serve for all of them, whatever rows and columns they
+// name.
+int handle_requests(const AgentTable& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests) {
     Phase phase = {table, info, {}};
     if (!requests) return SNMP_ERR_NOERROR;
     make_keys(table.root, *requests->requestvb, phase.keys);
@@ -219,3 +225,5 @@ int handle_requests(const Table& table, netsnmp_agent_request_info* info, netsnm
     if (ends_set(info->mode)) empty_stores();
     return SNMP_ERR_NOERROR;
 }
+
+}  // namespace dot11

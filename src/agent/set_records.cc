@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "access/column.h"
+#include "access/table.h"
+
+namespace dot11 {
 
 namespace {
 
@@ -129,3 +131,5 @@ void ieee802dot11_free_undoInfo(void* record) {
     undo->value = nullptr;
     free(undo);
 }
+
+}  // namespace dot11

@@ -12,6 +12,8 @@
 
 #include "util/net_snmp.h"
 
+namespace dot11 {
+
 // A column's value before the SET.
 struct UndoRecord {
     void* value;
@@ -65,3 +67,5 @@ void empty_stores();
 #pragma GCC visibility push(default)
 extern "C" void ieee802dot11_free_undoInfo(void* record);
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -3,18 +3,15 @@
 #include <cstdint>
 #include <cstring>
 
+#include "util/error_status.h"
+
+namespace dot11 {
+
 // Net-SNMP's rule for RowStatus (RFC 2579): 0 or an error-status. Declared here because nothing else of the agent's is
 // needed.
 extern "C" char check_rowstatus_transition(int old_status, int new_status);
 
 namespace {
-
-// error-status (RFC 3416, section 3)
-constexpr int no_error = 0;
-constexpr int generic_error = 5;
-constexpr int wrong_type = 7;
-constexpr int wrong_value = 10;
-constexpr int inconsistent_value = 12;
 
 // ASN.1 universal tags (ITU-T X.680)
 constexpr int integer = 2;
@@ -157,3 +154,5 @@ CHECK(dot11FragmentationThreshold,         Range{256, 2346})
 CHECK(dot11MaxTransmitMSDULifetime,        Range{1, INT32_MAX})
 CHECK(dot11MaxReceiveLifetime,             Range{1, INT32_MAX})
 // clang-format on
+
+}  // namespace dot11

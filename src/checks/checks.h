@@ -25,6 +25,8 @@
 
 #include <cstddef>
 
+namespace dot11 {
+
 using Check = int(int type, const void* value, size_t length, const void* old_value, size_t old_length);
 
 #pragma GCC visibility push(default)
@@ -88,3 +90,5 @@ Check check_dot11MaxReceiveLifetime,             check_dot11MaxReceiveLifetime_l
 
 }  // extern "C"
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace dot11 {
+
 bool copy_value(const cfqlquery_node& node, ScratchText& scratch) {
     const char* value = node.value ? node.value : "";
     const size_t length = strnlen(value, UINT32_MAX - 1);
@@ -15,22 +17,22 @@ bool copy_value(const cfqlquery_node& node, ScratchText& scratch) {
     return true;
 }
 
-bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch) {
+bool find_value_or_last(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch) {
     if (!list) return false;
-    if (list->name && strcmp(list->name, key) == 0) copy_value(*list, scratch);
+    if (list->name && strcmp(list->name, key.name) == 0) copy_value(*list, scratch);
     if (scratch.length == 0) release(scratch);
     return scratch.text != nullptr;
 }
 
-bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch) {
+bool find_value(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch) {
     if (!list) return false;
     release(scratch);
     scratch.length = 0;
     return find_value_or_last(list, key, scratch);
 }
 
-bool find_value_of_any(const cfqlquery_node* list, std::span<const char* const> keys, ScratchText& scratch) {
-    for (const char* key : keys)
+bool find_value_of_any(const cfqlquery_node* list, std::span<const StoreKey> keys, ScratchText& scratch) {
+    for (const StoreKey& key : keys)
         if (find_value(list, key, scratch)) return true;
     return false;
 }
@@ -40,3 +42,5 @@ void release(ScratchText& scratch) {
     free(scratch.text);
     scratch.text = nullptr;
 }
+
+}  // namespace dot11

@@ -6,6 +6,8 @@
 
 #include "cfqlquery.h"
 
+namespace dot11 {
+
 // A value taken out of an answer: a heap copy and its length in octets, without the terminator. Global, one for each
 // key of a backend; the copy lives from the lookup to the conversion that releases it.
 struct ScratchText {
@@ -13,10 +15,16 @@ struct ScratchText {
     uint32_t length;
 };
 
+// A key of the store: in which table's objects it stands, and its name.
+struct StoreKey {
+    const char* table;
+    const char* name;
+};
+
 // Hands the list of a get call back to the store at the end of the scope.
 class Answer {
   public:
-    Answer(const char* table, const char* object, const char* key) : list_(cfqlquery_get_pv(table, object, key)) {}
+    Answer(const StoreKey& key, const char* object) : list_(cfqlquery_get_pv(key.table, object, key.name)) {}
     ~Answer() { cfqlquery_destroy_pv(list_); }
     Answer(const Answer&) = delete;
     Answer& operator=(const Answer&) = delete;
@@ -27,17 +35,17 @@ class Answer {
     cfqlquery_node* list_;
 };
 
-// Whether the answer's first node is `key` with a value that is not empty; then `scratch` holds a copy of it, which the
-// caller releases with `release`. Later nodes are never looked at. A null answer leaves `scratch` as it is; any other
-// answer first sets the length to 0. Without memory for the copy the key counts as not found.
-bool find_value(const cfqlquery_node* list, const char* key, ScratchText& scratch);
+// Whether the answer's first node is `key`, of whatever table, with a value that is not empty; then `scratch` holds a
+// copy of it, which the caller releases with `release`. Later nodes are never looked at. A null answer leaves `scratch`
+// as it is; any other answer first sets the length to 0. Without memory for the copy the key counts as not found.
+bool find_value(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
 // As find_value, for an answer that may be any of `keys`.
-bool find_value_of_any(const cfqlquery_node* list, std::span<const char* const> keys, ScratchText& scratch);
+bool find_value_of_any(const cfqlquery_node* list, std::span<const StoreKey> keys, ScratchText& scratch);
 
 // As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as
 // found, as long as the text has not been released.
-bool find_value_or_last(const cfqlquery_node* list, const char* key, ScratchText& scratch);
+bool find_value_or_last(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
 // Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False without memory.
 bool copy_value(const cfqlquery_node& node, ScratchText& scratch);
@@ -45,3 +53,5 @@ bool copy_value(const cfqlquery_node& node, ScratchText& scratch);
 // Overwrites and frees the copy, which may be a secret, and clears the pointer, so that no text is used or freed twice.
 // The length stays.
 void release(ScratchText& scratch);
+
+}  // namespace dot11

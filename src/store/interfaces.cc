@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace dot11 {
+
 char iface_tags[max_interfaces + 1][iface_tag_size];
 
 namespace {
@@ -52,3 +54,5 @@ int enumerate_interfaces(int32_t& counter) {
     cfqlquery_destroy_pv(answer);
     return counter != 0 && counter <= static_cast<int32_t>(max_interfaces) ? 1 : 0;
 }
+
+}  // namespace dot11

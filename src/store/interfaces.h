@@ -7,6 +7,8 @@
 
 #include "cfqlquery.h"
 
+namespace dot11 {
+
 constexpr uint32_t max_interfaces = 128;
 constexpr size_t iface_tag_size = 128;
 
@@ -33,3 +35,5 @@ int enumerate_interfaces(int32_t& counter);
 constexpr uint32_t names_to_fill(int32_t counter) {
     return std::min(static_cast<uint32_t>(counter), max_interfaces);
 }
+
+}  // namespace dot11

@@ -5,6 +5,8 @@
 #include "cfqlquery.h"
 #include "util/convert.h"
 
+namespace dot11 {
+
 int32_t setTableData(const char* table, const char* object, const char* key, const char* value) {
     const size_t key_size = strlen(key) + 1;
     const size_t value_size = strlen(value) + 1;
@@ -28,17 +30,19 @@ InterfaceName::InterfaceName(uint32_t index) : text_(static_cast<char*>(calloc(2
     if (text_) if_indextoname(index, text_);
 }
 
-int32_t write_number(const char* table, const char* object, const char* key, uint32_t value, int32_t without_memory) {
+int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t without_memory) {
     uint32_t length = 0;
     char* text = ConvertToStringFromUnsignedInteger(&value, &length);
     if (!text) return without_memory;
-    const int32_t result = setTableData(table, object, key, text);
+    const int32_t result = setTableData(key.table, object, key.name, text);
     free(text);
     return result;
 }
 
-int32_t write_interface_number(uint32_t index, const char* key, uint32_t value, int32_t without_memory) {
+int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t without_memory) {
     const InterfaceName name(index);
     if (!name.text()) return without_memory;
-    return write_number("interface", name.text(), key, value, without_memory);
+    return write_number(key, name.text(), value, without_memory);
 }
+
+}  // namespace dot11

@@ -6,6 +6,10 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "store/answer.h"
+
+namespace dot11 {
+
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -31,7 +35,9 @@ class InterfaceName {
 };
 
 // setTableData with the decimal text of `value`. Returns `without_memory` when there is none for the text.
-int32_t write_number(const char* table, const char* object, const char* key, uint32_t value, int32_t without_memory);
+int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t without_memory);
 
-// write_number on the object of the interface with that index in table "interface".
-int32_t write_interface_number(uint32_t index, const char* key, uint32_t value, int32_t without_memory);
+// write_number on the object of the interface with that index.
+int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t without_memory);
+
+}  // namespace dot11

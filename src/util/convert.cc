@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace dot11 {
+
 namespace {
 
 // Lengths of texts travel as int32_t, and a text may have one component more than it has characters.
@@ -193,3 +195,5 @@ char* ConvertToMacAddrFromString(char* text, int32_t length) {
     // Not up to the end: a NUL among the characters ends the copy too.
     return static_cast<char*>(memcpy(text, rewritten, strlen(rewritten) + 1));
 }
+
+}  // namespace dot11

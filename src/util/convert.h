@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace dot11 {
+
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -89,3 +91,5 @@ char* ConvertToMacAddrFromString(char* text, int32_t length);
 
 }  // extern "C"
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -12,6 +12,8 @@
 #include "demand.h"
 #include "util/convert.h"
 
+using namespace dot11;
+
 namespace {
 
 struct Input {

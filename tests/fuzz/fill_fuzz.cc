@@ -45,6 +45,8 @@
 #include "backend/smt/wep_default_keys.h"
 #include "demand.h"
 
+using namespace dot11;
+
 namespace {
 
 using Text = std::optional<std::string>;  // nullopt is a null pointer

@@ -7,10 +7,12 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "agent/tables.h"
+#include "agent/module.h"
 #include "util/net_snmp.h"
 // Needs what the other headers of the agent declare.
 #include <net-snmp/agent/agent_callbacks.h>
+
+using namespace dot11;
 
 extern "C" {
 // The agent's own, which its headers do not declare.

@@ -4,6 +4,8 @@
 #include "agent/set_records.h"
 #include "fixture.h"
 
+using namespace dot11;
+
 namespace {
 
 const Value six_octets = text("\x11\x22\x33\x44\x55\x66");

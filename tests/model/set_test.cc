@@ -6,10 +6,12 @@
 #include <optional>
 #include <random>
 
-#include "access/wep_key_mappings.h"
+#include "access/hooks.h"
 #include "agent/set_records.h"
 #include "fixture.h"
 #include "reference.h"
+
+using namespace dot11;
 
 namespace {
 

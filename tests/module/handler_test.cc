@@ -8,10 +8,13 @@
 
 #include "access/erp.h"
 #include "access/group_addresses.h"
-#include "access/station_config.h"
+#include "access/hooks.h"
 #include "access/wep_key_mappings.h"
+#include "backend/smt/station_config.h"
 #include "checks/checks.h"
 #include "module.h"
+
+using namespace dot11;
 
 namespace {
 
@@ -51,6 +54,8 @@ int own_write(const void* value, size_t length) {
 
 }  // namespace
 
+extern "C" {
+
 void* get_dot11CFPollable(void*, size_t* length) {
     return own_answer(length);
 }
@@ -81,6 +86,8 @@ int dot11WEPKeyMappingsTable_commit_row(void** row, int is_new) {
     own.commits.emplace_back(*row, is_new);
     return 0;
 }
+
+}  // extern "C"
 
 namespace {
 

@@ -5,13 +5,15 @@
 
 #include <deque>
 
-#include "access/counters.h"
+#include "access/hooks.h"
 #include "backend/phy/supported_data_rates.h"
 #include "backend/smt/authentication_algorithms.h"
 #include "backend/smt/privacy.h"
 #include "backend/smt/wep_default_keys.h"
 #include "checks/checks.h"
 #include "module.h"
+
+using namespace dot11;
 
 namespace {
 
@@ -51,6 +53,8 @@ int next_rate(const char* table, uint32_t position, int32_t* flag, void* row) {
 }
 
 }  // namespace
+
+extern "C" {
 
 int GetPrivacyEntries(void) {
     return 1;
@@ -108,6 +112,8 @@ netsnmp_variable_list* dot11CountersTable_get_next_data_point(void** loop_contex
 int check_dot11BeaconPeriod_local(int, const void*, size_t, const void*, size_t) {
     return site_check;
 }
+
+}  // extern "C"
 
 namespace {
 

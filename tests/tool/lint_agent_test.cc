@@ -27,6 +27,8 @@
 #include "facts.h"
 #include "text.h"
 
+using namespace dot11;
+
 extern "C" unsigned __wrap_if_nametoindex(const char* name) {
     static std::vector<std::string> known;
     if (*name != 'w') return 0;

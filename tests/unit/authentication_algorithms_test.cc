@@ -9,6 +9,8 @@
 #include "rows.h"
 #include "scripted.h"
 
+using namespace dot11;
+
 namespace {
 
 using testing::ElementsAre;

@@ -7,31 +7,16 @@
 #include <algorithm>
 #include <string>
 
+#include "access/tables.h"
 #include "surface.h"
+
+using namespace dot11;
 
 namespace {
 
-using namespace catalogue;
-
-const Table* const tables[] = {
-    &dot11StationConfigTable,
-    &dot11AuthenticationAlgorithmsTable,
-    &dot11WEPDefaultKeysTable,
-    &dot11WEPKeyMappingsTable,
-    &dot11PrivacyTable,
-    &dot11OperationTable,
-    &dot11CountersTable,
-    &dot11GroupAddressesTable,
-    &dot11ResourceInfoTable,
-    &dot11PhyOperationTable,
-    &dot11PhyTxPowerTable,
-    &dot11PhyDSSSTable,
-    &dot11RegDomainsSupportedTable,
-    &dot11SupportedDataRatesTxTable,
-    &dot11SupportedDataRatesRxTable,
-    &dot11PhyHRDSSSTable,
-    &dot11PhyERPTable,
-};
+const AgentTable& of_agent(const Table& table) {
+    return **std::ranges::find_if(catalogue, [&](const AgentTable* entry) { return &entry->facts == &table; });
+}
 
 TEST(Catalogue, AColumnHasACheckAndAWriteAccessorOrNeither) {
     for (const Table* table : tables)
@@ -42,15 +27,40 @@ TEST(Catalogue, AColumnHasACheckAndAWriteAccessorOrNeither) {
         }
 }
 
-TEST(Catalogue, AnUndoGoesWithWritableColumnsAndIsStrictWhereThereAreRows) {
+// Column 1 of a table with two indexes is its second index, which is not served.
+TEST(Catalogue, ColumnsFollowTheIndexesWithoutGaps) {
     for (const Table* table : tables) {
-        const bool has_rows = table->make_data_context != nullptr;
-        const bool writable = std::any_of(table->columns.begin(), table->columns.end(),
-                                          [](const Column& column) { return column.set != nullptr; });
-        EXPECT_EQ(has_rows, table->free_data_context != nullptr) << table->name;
-        EXPECT_EQ(table->undo == Undo::none, !writable) << table->name;
-        EXPECT_EQ(table->undo == Undo::strict, writable && has_rows) << table->name;
+        uint32_t number = table->indexes;
+        for (const Column& column : table->columns)
+            EXPECT_EQ(column.number, number++) << column.name;
+        EXPECT_FALSE(table->columns.empty()) << table->name;
     }
+}
+
+TEST(Catalogue, TheTablesAreInTheOrderOfTheirOids) {
+    for (size_t i = 1; i < std::size(tables); ++i)
+        EXPECT_TRUE(std::ranges::lexicographical_compare(of_agent(*tables[i - 1]).root, of_agent(*tables[i]).root))
+            << tables[i]->name;
+}
+
+TEST(Catalogue, RowsAreReadAsAWholeOrOneByOneOrNotAtAll) {
+    for (const Table* table : tables) {
+        const bool as_a_whole = table->entries != nullptr;
+        EXPECT_EQ(table->table_data != nullptr, as_a_whole) << table->name;
+        EXPECT_EQ(table->index_count != nullptr, as_a_whole) << table->name;
+        EXPECT_EQ(table->rows_per_interface != 0, as_a_whole) << table->name;
+        EXPECT_EQ(table->entry_by_index != nullptr, as_a_whole) << table->name;
+        EXPECT_FALSE(as_a_whole && table->row_by_index) << table->name;
+        const Hooks& hooks = of_agent(*table).hooks;
+        EXPECT_EQ(hooks.make_data_context != nullptr, as_a_whole || table->row_by_index) << table->name;
+        EXPECT_EQ(hooks.free_data_context != nullptr, as_a_whole || table->row_by_index) << table->name;
+    }
+}
+
+TEST(Catalogue, ValuesComeFromOneKeyOrFromOneForEachRowOfAnInterface) {
+    for (const Table* table : tables)
+        for (const Column& column : table->columns)
+            EXPECT_TRUE(column.keys.size() <= 1 || column.keys.size() == table->rows_per_interface) << column.name;
 }
 
 // In the order of the tables.
@@ -58,25 +68,24 @@ const struct {
     size_t row_size;
     uint32_t indexes;
     MissingRow missing_row;
-    Undo undo;
 } members[] = {
-    {292, 1, MissingRow::refused, Undo::strict},  // dot11StationConfigTable
-    {16, 2, MissingRow::refused, Undo::strict},   // dot11AuthenticationAlgorithmsTable
-    {76, 2, MissingRow::refused, Undo::strict},   // dot11WEPDefaultKeysTable
-    {32, 2, MissingRow::made, Undo::plain},       // dot11WEPKeyMappingsTable
-    {28, 1, MissingRow::refused, Undo::strict},   // dot11PrivacyTable
-    {304, 1, MissingRow::refused, Undo::strict},  // dot11OperationTable
-    {60, 1, MissingRow::stood_in, Undo::none},    // dot11CountersTable
-    {16, 2, MissingRow::stood_in, Undo::plain},   // dot11GroupAddressesTable
-    {796, 1, MissingRow::stood_in, Undo::none},   // dot11ResourceInfoTable
-    {16, 1, MissingRow::refused, Undo::strict},   // dot11PhyOperationTable
-    {44, 1, MissingRow::refused, Undo::strict},   // dot11PhyTxPowerTable
-    {20, 1, MissingRow::refused, Undo::strict},   // dot11PhyDSSSTable
-    {12, 2, MissingRow::stood_in, Undo::none},    // dot11RegDomainsSupportedTable
-    {12, 2, MissingRow::stood_in, Undo::none},    // dot11SupportedDataRatesTxTable
-    {12, 2, MissingRow::stood_in, Undo::none},    // dot11SupportedDataRatesRxTable
-    {20, 1, MissingRow::stood_in, Undo::none},    // dot11PhyHRDSSSTable
-    {24, 1, MissingRow::stood_in, Undo::plain},   // dot11PhyERPTable
+    {292, 1, MissingRow::refused},   // dot11StationConfigTable
+    {16, 2, MissingRow::refused},    // dot11AuthenticationAlgorithmsTable
+    {76, 2, MissingRow::refused},    // dot11WEPDefaultKeysTable
+    {32, 2, MissingRow::made},       // dot11WEPKeyMappingsTable
+    {28, 1, MissingRow::refused},    // dot11PrivacyTable
+    {304, 1, MissingRow::refused},   // dot11OperationTable
+    {60, 1, MissingRow::stood_in},   // dot11CountersTable
+    {16, 2, MissingRow::stood_in},   // dot11GroupAddressesTable
+    {796, 1, MissingRow::stood_in},  // dot11ResourceInfoTable
+    {16, 1, MissingRow::refused},    // dot11PhyOperationTable
+    {44, 1, MissingRow::refused},    // dot11PhyTxPowerTable
+    {20, 1, MissingRow::refused},    // dot11PhyDSSSTable
+    {12, 2, MissingRow::stood_in},   // dot11RegDomainsSupportedTable
+    {12, 2, MissingRow::stood_in},   // dot11SupportedDataRatesTxTable
+    {12, 2, MissingRow::stood_in},   // dot11SupportedDataRatesRxTable
+    {20, 1, MissingRow::stood_in},   // dot11PhyHRDSSSTable
+    {24, 1, MissingRow::stood_in},   // dot11PhyERPTable
 };
 
 TEST(Catalogue, SaysHowATablesRowsAreMetBySets) {
@@ -84,8 +93,7 @@ TEST(Catalogue, SaysHowATablesRowsAreMetBySets) {
     for (size_t i = 0; i < std::size(tables); ++i) {
         EXPECT_EQ(tables[i]->row_size, members[i].row_size) << tables[i]->name;
         EXPECT_EQ(tables[i]->indexes, members[i].indexes) << tables[i]->name;
-        EXPECT_EQ(tables[i]->missing_row, members[i].missing_row) << tables[i]->name;
-        EXPECT_EQ(tables[i]->undo, members[i].undo) << tables[i]->name;
+        EXPECT_EQ(of_agent(*tables[i]).missing_row, members[i].missing_row) << tables[i]->name;
     }
 }
 
@@ -96,8 +104,8 @@ std::string dotted(std::span<const oid> subids, uint32_t column) {
     return text + "1." + std::to_string(column);
 }
 
-std::string type_name(u_char type) {
-    switch (type) {
+std::string type_name(Type type) {
+    switch (static_cast<u_char>(type)) {
         case ASN_INTEGER:
             return "INTEGER";
         case ASN_OCTET_STR:
@@ -107,7 +115,7 @@ std::string type_name(u_char type) {
         case ASN_GAUGE:
             return "Gauge32";
         default:
-            return "type " + std::to_string(type);
+            return "another";
     }
 }
 
@@ -131,7 +139,7 @@ TEST(Catalogue, IsWhatTheSurfaceFileSays) {
             ASSERT_LT(next, surface.size());
             const SurfaceColumn& expected = surface[next++];
             EXPECT_EQ(column.name, expected.name);
-            EXPECT_EQ(dotted(table->root, column.number), expected.oid) << column.name;
+            EXPECT_EQ(dotted(of_agent(*table).root, column.number), expected.oid) << column.name;
             EXPECT_EQ(type_name(column.type), expected.type) << column.name;
             EXPECT_EQ(marks(column), expected.marks) << column.name;
             EXPECT_EQ(column.set ? "read-write" : "read-only", expected.access) << column.name;

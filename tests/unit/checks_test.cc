@@ -6,6 +6,8 @@
 #include <cstring>
 #include <vector>
 
+using namespace dot11;
+
 namespace {
 
 // Stands in for Net-SNMP's rule: what it was last asked, how often, and what it answers.

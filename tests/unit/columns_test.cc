@@ -1,28 +1,16 @@
 // Every read and write accessor, on rows whose layout is written down here once more.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "access/authentication_algorithms.h"
-#include "access/counters.h"
-#include "access/dsss.h"
-#include "access/erp.h"
-#include "access/group_addresses.h"
-#include "access/hr_dsss.h"
-#include "access/operation.h"
-#include "access/phy_operation.h"
-#include "access/privacy.h"
-#include "access/reg_domains.h"
-#include "access/resource_info.h"
-#include "access/station_config.h"
-#include "access/supported_data_rates.h"
-#include "access/tx_power.h"
-#include "access/wep_default_keys.h"
-#include "access/wep_key_mappings.h"
+#include "access/tables.h"
+
+using namespace dot11;
 
 namespace {
 
@@ -66,9 +54,17 @@ std::string answered(GetColumn* get, RowOctets& row, void** where = nullptr) {
     return value ? std::string(static_cast<char*>(value), length) : "(null)";
 }
 
+// Lists none that the module does not have.
+const Column& column_named(const std::string& name) {
+    for (const Table* table : tables)
+        for (const Column& column : table->columns)
+            if (column.name == name) return column;
+    abort();
+}
+
 // clang-format off
-#define GET(column) #column, get_##column
-#define SET(column) #column, set_##column
+#define GET(column) #column, column_named(#column).get
+#define SET(column) #column, column_named(#column).set
 
 struct IntegerColumn {
     const char* name;
@@ -76,7 +72,7 @@ struct IntegerColumn {
     size_t row_size, offset;
 };
 
-constexpr IntegerColumn copied_integers[] = {
+const IntegerColumn copied_integers[] = {
     {GET(dot11MediumOccupancyLimit), 292, 16},
     {GET(dot11CFPollable), 292, 20},
     {GET(dot11CFPPeriod), 292, 24},
@@ -141,7 +137,7 @@ constexpr IntegerColumn copied_integers[] = {
     {GET(dot11ShortSlotTimeOptionEnabled), 24, 20},
 };
 
-constexpr IntegerColumn integers_in_place[] = {
+const IntegerColumn integers_in_place[] = {
     {GET(dot11NumberSupportedPowerLevels), 44, 4},
     {GET(dot11TxPowerLevel1), 44, 8},
     {GET(dot11TxPowerLevel2), 44, 12},
@@ -165,7 +161,7 @@ struct OctetColumn {
     size_t length_offset;
 };
 
-constexpr OctetColumn copied_octets[] = {
+const OctetColumn copied_octets[] = {
     {GET(dot11StationID), 292, 4, 8, 12},
     {GET(dot11DesiredSSID), 292, 48, 32, 80},
     {GET(dot11OperationalRateSet), 292, 88, 128, 216},
@@ -179,7 +175,7 @@ constexpr OctetColumn copied_octets[] = {
     {GET(dot11manufacturerProductVersion), 796, 536, 256, 792},
 };
 
-constexpr OctetColumn octets_in_place[] = {
+const OctetColumn octets_in_place[] = {
     {GET(dot11WEPDefaultKeyValue), 76, 8, 64, 72},
 };
 
@@ -189,7 +185,7 @@ struct FixedColumn {
     size_t row_size, offset, count;
 };
 
-constexpr FixedColumn fixed_octets[] = {
+const FixedColumn fixed_octets[] = {
     {GET(dot11CountryString), 292, 288, 3},
     {GET(dot11WEPKeyMappingValue), 32, 20, 5},
     {GET(dot11Address), 16, 4, 6},
@@ -217,7 +213,7 @@ struct WriteColumn {
     size_t row_size = 800, offset = 0, count = 0;
 };
 
-constexpr WriteColumn storing[] = {
+const WriteColumn storing[] = {
     {SET(dot11WEPKeyMappingAddress), 32, 8, 6},
     {SET(dot11WEPKeyMappingWEPOn), 32, 16, 4},
     {SET(dot11WEPKeyMappingValue), 32, 20, 5},
@@ -229,7 +225,7 @@ constexpr WriteColumn storing[] = {
     {SET(dot11ShortSlotTimeOptionEnabled), 24, 20, 4},
 };
 
-constexpr WriteColumn refusing[] = {
+const WriteColumn refusing[] = {
     {SET(dot11CurrentTxPowerLevel)}, {SET(dot11CurrentChannel)}, {SET(dot11CurrentCCAMode)}, {SET(dot11EDThreshold)},
     {SET(dot11AuthenticationAlgorithmsEnable)}, {SET(dot11CurrentRegDomain)}, {SET(dot11StationID)},
     {SET(dot11MediumOccupancyLimit)}, {SET(dot11CFPPeriod)}, {SET(dot11CFPMaxDuration)},
@@ -362,7 +358,7 @@ TEST(Columns, PowerManagementIsAlwaysActive) {
         RowOctets row(292);
         row.put(44, stored);
         void* where = nullptr;
-        EXPECT_EQ(answered(get_dot11PowerManagementMode, row, &where), one_word);
+        EXPECT_EQ(answered(column_named("dot11PowerManagementMode").get, row, &where), one_word);
         EXPECT_FALSE(row.contains(where));
         EXPECT_EQ(row.octets(44, 4), one_word) << "the row becomes active itself";
         EXPECT_TRUE(row.unchanged_but(44, 4));
@@ -381,7 +377,7 @@ TEST(Columns, AKeyMappingAddressEndsBeforeItsFirstZero) {
     for (const auto& [address, length] : addresses) {
         RowOctets row(32);  // the fill behind the address is not zero
         memcpy(row.at(8), address.data(), 6);
-        EXPECT_EQ(answered(get_dot11WEPKeyMappingAddress, row), address.substr(0, length));
+        EXPECT_EQ(answered(column_named("dot11WEPKeyMappingAddress").get, row), address.substr(0, length));
     }
 }
 
@@ -389,7 +385,7 @@ TEST(Columns, AStationIdOfSixOctetsIsAnsweredWithSix) {
     RowOctets row(292);
     memcpy(row.at(4), "\x00\x1a\x2b\x00\x4d\x5e\xff\xff", 8);
     row.put(12, 6);
-    EXPECT_EQ(answered(get_dot11StationID, row), std::string("\x00\x1a\x2b\x00\x4d\x5e", 6));
+    EXPECT_EQ(answered(column_named("dot11StationID").get, row), std::string("\x00\x1a\x2b\x00\x4d\x5e", 6));
 }
 
 TEST(Columns, StoredValuesGoIntoTheirFieldOnly) {
@@ -408,7 +404,7 @@ TEST(Columns, StoredValuesGoIntoTheirFieldOnly) {
 TEST(Columns, EveryKeyMappingStatusBecomesActive) {
     for (const int32_t status : {1, 2, 4, 5, 6, -1}) {
         RowOctets row(32);
-        EXPECT_EQ(set_dot11WEPKeyMappingStatus(row.at(0), &status, 4), 0);
+        EXPECT_EQ(column_named("dot11WEPKeyMappingStatus").set(row.at(0), &status, 4), 0);
         EXPECT_EQ(row.octets(28, 4), one_word);
         EXPECT_TRUE(row.unchanged_but(28, 4));
     }

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+using namespace dot11;
+
 namespace {
 
 int calls_until_failure = 0;  // the n-th calloc from now fails; 0: none does

@@ -11,6 +11,8 @@
 #include <fstream>
 #include <string>
 
+using namespace dot11;
+
 namespace {
 
 constexpr size_t count = 16;

@@ -10,6 +10,8 @@
 #include "rows.h"
 #include "scripted.h"
 
+using namespace dot11;
+
 namespace {
 
 using std::to_string;

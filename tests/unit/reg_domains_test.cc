@@ -6,6 +6,8 @@
 
 #include "row_facts.h"
 
+using namespace dot11;
+
 namespace {
 
 using testing::ElementsAre;

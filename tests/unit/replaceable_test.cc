@@ -6,6 +6,8 @@
 #include "checks/checks.h"
 #include "util/convert.h"
 
+using namespace dot11;
+
 namespace {
 
 struct Call {
@@ -21,6 +23,8 @@ Call last_call = {};
 
 }  // namespace
 
+extern "C" {
+
 int check_dot11RTSThreshold_local(int type, const void* value, size_t length, const void* old_value,
                                   size_t old_length) {
     ++site_calls;
@@ -31,6 +35,8 @@ int check_dot11RTSThreshold_local(int type, const void* value, size_t length, co
 uint8_t GetHexValue(uint8_t) {
     return 7;
 }
+
+}  // extern "C"
 
 namespace {
 

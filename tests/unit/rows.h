@@ -38,7 +38,7 @@ inline Fields differences(const Fields& base, const Fields& row) {
 // Whether every value of a scratch record has been released.
 template <class Scratch>
 bool all_released(const Scratch& scratch) {
-    const auto* texts = reinterpret_cast<const ScratchText*>(&scratch);
+    const auto* texts = reinterpret_cast<const dot11::ScratchText*>(&scratch);
     for (size_t i = 0; i < sizeof scratch / sizeof *texts; ++i)
         if (texts[i].text) return false;
     return true;

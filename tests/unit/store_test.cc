@@ -6,12 +6,14 @@
 
 #include <cstring>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
 #include "backend/smt/wep_default_keys.h"
 #include "scripted.h"
 #include "store/answer.h"
 #include "store/interfaces.h"
 #include "store/write.h"
+
+using namespace dot11;
 
 namespace {
 
@@ -54,6 +56,8 @@ class List {
     std::vector<cfqlquery_node> nodes_;
 };
 
+constexpr StoreKey key = {"table", "key"};
+
 TEST(FindValue, LooksAtTheFirstNodeOnly) {
     const struct {
         Nodes nodes;
@@ -73,7 +77,7 @@ TEST(FindValue, LooksAtTheFirstNodeOnly) {
     };
     for (const auto& fact : facts) {
         ScratchText scratch = {nullptr, 9};
-        EXPECT_EQ(find_value(List(fact.nodes).head(), "key", scratch), fact.text != nullptr);
+        EXPECT_EQ(find_value(List(fact.nodes).head(), key, scratch), fact.text != nullptr);
         EXPECT_STREQ(scratch.text, fact.text) << testing::PrintToString(fact.nodes);
         EXPECT_EQ(scratch.length, fact.length) << testing::PrintToString(fact.nodes);
         release(scratch);
@@ -84,14 +88,14 @@ TEST(FindValue, HasNoValueWithoutMemory) {
     ScriptedDevice device;
     device.fail_allocation(1);
     ScratchText scratch = {nullptr, 9};
-    EXPECT_FALSE(find_value(List(Nodes{{"key", "value"}}).head(), "key", scratch));
+    EXPECT_FALSE(find_value(List(Nodes{{"key", "value"}}).head(), key, scratch));
     EXPECT_TRUE(device.allocation_failed());
     EXPECT_EQ(scratch.text, nullptr);
     EXPECT_EQ(scratch.length, 0U);
 }
 
 TEST(FindValue, OfAnyKeyTakesTheFirstNodeOfEach) {
-    const char* keys[] = {"one", "two"};
+    const StoreKey keys[] = {{"table", "one"}, {"table", "two"}};
     ScratchText scratch = {};
     EXPECT_TRUE(find_value_of_any(List(Nodes{{"one", "1"}}).head(), keys, scratch));
     EXPECT_STREQ(scratch.text, "1");
@@ -108,17 +112,17 @@ TEST(FindValue, OrTheLastOneFound) {
     const List other(Nodes{{"other", "1"}});
     const List empty(Nodes{{"key", ""}});
     ScratchText scratch = {};
-    EXPECT_FALSE(find_value_or_last(other.head(), "key", scratch));
-    EXPECT_TRUE(find_value_or_last(found.head(), "key", scratch));
-    EXPECT_TRUE(find_value_or_last(other.head(), "key", scratch));
+    EXPECT_FALSE(find_value_or_last(other.head(), key, scratch));
+    EXPECT_TRUE(find_value_or_last(found.head(), key, scratch));
+    EXPECT_TRUE(find_value_or_last(other.head(), key, scratch));
     EXPECT_STREQ(scratch.text, "value");
-    EXPECT_FALSE(find_value_or_last(nullptr, "key", scratch));
-    EXPECT_TRUE(find_value_or_last(other.head(), "key", scratch));
+    EXPECT_FALSE(find_value_or_last(nullptr, key, scratch));
+    EXPECT_TRUE(find_value_or_last(other.head(), key, scratch));
     release(scratch);
     EXPECT_EQ(scratch.length, 5U);
-    EXPECT_FALSE(find_value_or_last(other.head(), "key", scratch)) << "a released text is not found";
-    EXPECT_TRUE(find_value_or_last(found.head(), "key", scratch));
-    EXPECT_FALSE(find_value_or_last(empty.head(), "key", scratch));
+    EXPECT_FALSE(find_value_or_last(other.head(), key, scratch)) << "a released text is not found";
+    EXPECT_TRUE(find_value_or_last(found.head(), key, scratch));
+    EXPECT_FALSE(find_value_or_last(empty.head(), key, scratch));
     EXPECT_EQ(scratch.text, nullptr);
 }
 
@@ -128,8 +132,8 @@ TEST(Copies, AreWipedBeforeTheyAreFreed) {
     freed_secrets = 0;
     const List list(Nodes{{"key", secret}});
     ScratchText scratch = {};
-    ASSERT_TRUE(find_value(list.head(), "key", scratch));
-    ASSERT_TRUE(find_value(list.head(), "key", scratch)) << "replaces the copy";
+    ASSERT_TRUE(find_value(list.head(), key, scratch));
+    ASSERT_TRUE(find_value(list.head(), key, scratch)) << "replaces the copy";
     release(scratch);
     release(scratch);
     EXPECT_EQ(scratch.text, nullptr);
@@ -264,12 +268,12 @@ TEST(TakeOctets, FillAFieldAndNoMore) {
         const List list(Nodes{{"key", fact.text}});
         ScratchText scratch = {};
         char field[] = "----+";
-        ASSERT_TRUE(find_value(list.head(), "key", scratch));
+        ASSERT_TRUE(find_value(list.head(), key, scratch));
         EXPECT_EQ(take_octets(scratch, reinterpret_cast<uint8_t*>(field), 4), fact.octets) << fact.text;
         EXPECT_EQ(scratch.text, nullptr);
         EXPECT_EQ(std::string(field), fact.field + std::string("+"));
 
-        ASSERT_TRUE(find_value(list.head(), "key", scratch));
+        ASSERT_TRUE(find_value(list.head(), key, scratch));
         EXPECT_EQ(take_text(scratch, field, 4), fact.length) << fact.text;
         EXPECT_EQ(scratch.text, nullptr);
         EXPECT_STREQ(field, fact.terminated);

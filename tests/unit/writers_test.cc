@@ -9,6 +9,8 @@
 #include "backend/smt/wep_default_keys.h"
 #include "scripted.h"
 
+using namespace dot11;
+
 namespace {
 
 using testing::ElementsAre;

@@ -2,7 +2,10 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/rows.h"
+
+namespace dot11 {
 
 CountersRow cinfo[max_interfaces];
 CountersScratch cnt_info;
@@ -16,27 +19,27 @@ int32_t counter;
 // In the order in which they are read, which is not that of the columns.
 // clang-format off
 constexpr InterfaceKey<Row> counts[] = {
-    {"transmitted-fragment-count", &cnt_info.transmitted_fragment, &Row::dot11TransmittedFragmentCount, number_not_negative, 0},
-    {"multicast-transmitted-frame-count", &cnt_info.multicast_transmitted_frame, &Row::dot11MulticastTransmittedFrameCount, number_not_negative, 0},
-    {"failed-count", &cnt_info.failed, &Row::dot11FailedCount, number_not_negative, 0},
-    {"multiple-retry-count", &cnt_info.multiple_retry, &Row::dot11MultipleRetryCount, number_not_negative, 0},
-    {"retry-count", &cnt_info.retry, &Row::dot11RetryCount, number_not_negative, 0},
-    {"frame-duplicate-count", &cnt_info.frame_duplicate, &Row::dot11FrameDuplicateCount, number_not_negative, 0},
-    {"rts-success-count", &cnt_info.rts_success, &Row::dot11RTSSuccessCount, number_not_negative, 0},
-    {"rts-failure-count", &cnt_info.rts_failure, &Row::dot11RTSFailureCount, number_not_negative, 0},
-    {"ack-failure-count", &cnt_info.ack_failure, &Row::dot11ACKFailureCount, number_not_negative, 0},
-    {"multicast-received-frame-count", &cnt_info.multicast_received_frame, &Row::dot11MulticastReceivedFrameCount, number_not_negative, 0},
-    {"fcs-error-count", &cnt_info.fcs_error, &Row::dot11FCSErrorCount, number_not_negative, 0},
-    {"received-fragment-count", &cnt_info.received_fragment, &Row::dot11ReceivedFragmentCount, number_not_negative, 0},
-    {"transmitted-frame-count", &cnt_info.transmitted_frame, &Row::dot11TransmittedFrameCount, number_not_negative, 0},
-    {"wep-undecryptable-count", &cnt_info.wep_undecryptable, &Row::dot11WEPUndecryptableCount, number_not_negative, 0},
+    {key::transmitted_fragment_count, &cnt_info.transmitted_fragment, &Row::dot11TransmittedFragmentCount, number_not_negative, 0},
+    {key::multicast_transmitted_frame_count, &cnt_info.multicast_transmitted_frame, &Row::dot11MulticastTransmittedFrameCount, number_not_negative, 0},
+    {key::failed_count, &cnt_info.failed, &Row::dot11FailedCount, number_not_negative, 0},
+    {key::multiple_retry_count, &cnt_info.multiple_retry, &Row::dot11MultipleRetryCount, number_not_negative, 0},
+    {key::retry_count, &cnt_info.retry, &Row::dot11RetryCount, number_not_negative, 0},
+    {key::frame_duplicate_count, &cnt_info.frame_duplicate, &Row::dot11FrameDuplicateCount, number_not_negative, 0},
+    {key::rts_success_count, &cnt_info.rts_success, &Row::dot11RTSSuccessCount, number_not_negative, 0},
+    {key::rts_failure_count, &cnt_info.rts_failure, &Row::dot11RTSFailureCount, number_not_negative, 0},
+    {key::ack_failure_count, &cnt_info.ack_failure, &Row::dot11ACKFailureCount, number_not_negative, 0},
+    {key::multicast_received_frame_count, &cnt_info.multicast_received_frame, &Row::dot11MulticastReceivedFrameCount, number_not_negative, 0},
+    {key::fcs_error_count, &cnt_info.fcs_error, &Row::dot11FCSErrorCount, number_not_negative, 0},
+    {key::received_fragment_count, &cnt_info.received_fragment, &Row::dot11ReceivedFragmentCount, number_not_negative, 0},
+    {key::transmitted_frame_count, &cnt_info.transmitted_frame, &Row::dot11TransmittedFrameCount, number_not_negative, 0},
+    {key::wep_undecryptable_count, &cnt_info.wep_undecryptable, &Row::dot11WEPUndecryptableCount, number_not_negative, 0},
 };
 // clang-format on
 
 void fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     read_interface_keys(row, interface, counts);
-    read_interface_key(row, interface, counts[0]);  // once more, to refresh it at the end of the row: meant
+    read_interface_key(row, interface, counts[0]);  // Quirk: once more, to refresh it at the end of the row
 }
 
 }  // namespace
@@ -58,3 +61,5 @@ int GetCountersTableData(void) {
 int GetCountersEntryByIndex(uint32_t row, void* destination) {
     return copy_row(cinfo, row, destination);
 }
+
+}  // namespace dot11

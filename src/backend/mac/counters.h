@@ -6,6 +6,25 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey transmitted_fragment_count = {"interface", "transmitted-fragment-count"};
+inline constexpr StoreKey multicast_transmitted_frame_count = {"interface", "multicast-transmitted-frame-count"};
+inline constexpr StoreKey failed_count = {"interface", "failed-count"};
+inline constexpr StoreKey multiple_retry_count = {"interface", "multiple-retry-count"};
+inline constexpr StoreKey retry_count = {"interface", "retry-count"};
+inline constexpr StoreKey frame_duplicate_count = {"interface", "frame-duplicate-count"};
+inline constexpr StoreKey rts_success_count = {"interface", "rts-success-count"};
+inline constexpr StoreKey rts_failure_count = {"interface", "rts-failure-count"};
+inline constexpr StoreKey ack_failure_count = {"interface", "ack-failure-count"};
+inline constexpr StoreKey multicast_received_frame_count = {"interface", "multicast-received-frame-count"};
+inline constexpr StoreKey fcs_error_count = {"interface", "fcs-error-count"};
+inline constexpr StoreKey received_fragment_count = {"interface", "received-fragment-count"};
+inline constexpr StoreKey transmitted_frame_count = {"interface", "transmitted-frame-count"};
+inline constexpr StoreKey wep_undecryptable_count = {"interface", "wep-undecryptable-count"};
+}  // namespace key
+
 // Counters are never negative.
 struct CountersRow {
     uint32_t ifIndex;
@@ -50,3 +69,5 @@ int GetCountersTableData(void);             // fills the rows; 1
 int GetCountersEntryByIndex(uint32_t row, void* destination);  // copies one CountersRow; see copy_row
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -2,8 +2,12 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/radio.h"
+#include "backend/rows.h"
 #include "store/write.h"
+
+namespace dot11 {
 
 OperationRow opinfo[max_interfaces];
 OperationScratch oper_info;
@@ -16,46 +20,43 @@ int32_t counter;
 
 // clang-format off
 constexpr InterfaceKey<Row> retry_limits[] = {
-    {"dot11-short-retry-limit", &oper_info.short_retry_limit, &Row::dot11ShortRetryLimit, number_not_negative, 7},
-    {"dot11-long-retry-limit", &oper_info.long_retry_limit, &Row::dot11LongRetryLimit, number_not_negative, 4},
+    {key::short_retry_limit, &oper_info.short_retry_limit, &Row::dot11ShortRetryLimit, number_not_negative, 7},
+    {key::long_retry_limit, &oper_info.long_retry_limit, &Row::dot11LongRetryLimit, number_not_negative, 4},
 };
 
 constexpr InterfaceKey<Row> lifetimes[] = {
-    {"dot11-max-transmit-msdu-lifetime", &oper_info.max_transmit_msdu_lifetime, &Row::dot11MaxTransmitMSDULifetime, number_not_negative, 512},
-    {"dot11-max-receive-lifetime", &oper_info.max_receive_lifetime, &Row::dot11MaxReceiveLifetime, number_not_negative, 512},
+    {key::max_transmit_msdu_lifetime, &oper_info.max_transmit_msdu_lifetime, &Row::dot11MaxTransmitMSDULifetime, number_not_negative, 512},
+    {key::max_receive_lifetime, &oper_info.max_receive_lifetime, &Row::dot11MaxReceiveLifetime, number_not_negative, 512},
 };
 
 constexpr RadioText<Row, sizeof Row::dot11ManufacturerID> identifiers[] = {
-    {"manufacturer-id", &oper_info.manufacturer_id, &Row::dot11ManufacturerID, &Row::dot11ManufacturerIDLen},
-    {"manufacturer-product-name", &oper_info.manufacturer_product_name, &Row::dot11ProductID, &Row::dot11ProductIDLen},
+    {key::manufacturer_id, &oper_info.manufacturer_id, &Row::dot11ManufacturerID, &Row::dot11ManufacturerIDLen},
+    {key::manufacturer_product_name, &oper_info.manufacturer_product_name, &Row::dot11ProductID, &Row::dot11ProductIDLen},
 };
 // clang-format on
-
-constexpr const char* rts_threshold = "rts-threshold";
-constexpr const char* fragmentation_threshold = "fragmentation-threshold";
 
 // The names of this table's BSS and radio are looked up with find_value_or_last: their scratch lengths are never set
 // back. A name is released as soon as it has been used, so nothing of an earlier row is found again.
 bool find_bss_or_last(const cfqlquery_node* bss_answer) {
-    return find_value_or_last(bss_answer, "bss", oper_info.bss);
+    return find_value_or_last(bss_answer, key::bss, oper_info.bss);
 }
 
-bool find_threshold(const char* key, ScratchText& scratch) {
+bool find_threshold(const StoreKey& key, ScratchText& scratch) {
     return find_radio_of_bss(oper_info.bss, oper_info.radio, find_value_or_last) &&
            find_value_of_radio(oper_info.radio, key, scratch);
 }
 
-// Without a BSS the row keeps its earlier threshold, and no default is taken: meant.
+// Quirk: without a BSS the row keeps its earlier threshold, and no default is taken.
 void read_rts_threshold(Row& row, const cfqlquery_node* bss_answer) {
     if (!find_bss_or_last(bss_answer)) return;
     row.dot11RTSThreshold = 2347;
-    if (find_threshold(rts_threshold, oper_info.rts_threshold))
+    if (find_threshold(key::rts_threshold, oper_info.rts_threshold))
         row.dot11RTSThreshold = take_number(oper_info.rts_threshold, number_not_negative);
 }
 
-// The default goes into the RTS threshold, and the fragmentation threshold keeps its earlier value: meant.
+// Quirk: the default goes into the RTS threshold, and the fragmentation threshold keeps its earlier value.
 void read_fragmentation_threshold(Row& row, const cfqlquery_node* bss_answer) {
-    if (find_bss_or_last(bss_answer) && find_threshold(fragmentation_threshold, oper_info.fragmentation_threshold))
+    if (find_bss_or_last(bss_answer) && find_threshold(key::fragmentation_threshold, oper_info.fragmentation_threshold))
         row.dot11FragmentationThreshold = take_number(oper_info.fragmentation_threshold, number_not_negative);
     else
         row.dot11RTSThreshold = 2346;
@@ -71,13 +72,13 @@ void read_identifiers(Row& row, const cfqlquery_node* bss_answer) {
 // ran out; what was read until then stays.
 bool fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
-    if (!read_mac_address(interface, "mac", oper_info.mac, row.dot11MACAddress)) return false;
+    if (!read_mac_address(interface, key::mac, oper_info.mac, row.dot11MACAddress)) return false;
     row.dot11MACAddressLen = 6;
-    read_rts_threshold(row, Answer("interface", interface, "bss").list());
+    read_rts_threshold(row, Answer(key::bss, interface).list());
     read_interface_keys(row, interface, retry_limits);
-    read_fragmentation_threshold(row, Answer("interface", interface, "bss").list());
+    read_fragmentation_threshold(row, Answer(key::bss, interface).list());
     read_interface_keys(row, interface, lifetimes);
-    read_identifiers(row, Answer("interface", interface, "bss").list());
+    read_identifiers(row, Answer(key::bss, interface).list());
     return true;
 }
 
@@ -104,25 +105,27 @@ int GetOperationsEntryByIndex(uint32_t row, void* destination) {
 }
 
 int32_t SetRTSThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, rts_threshold, *value, without_memory);
+    return write_radio_number(*index, key::rts_threshold, *value, without_memory);
 }
 
 int32_t SetShortRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-short-retry-limit", *value, without_memory);
+    return write_interface_number(*index, key::short_retry_limit, *value, without_memory);
 }
 
 int32_t SetLongRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-long-retry-limit", *value, without_memory);
+    return write_interface_number(*index, key::long_retry_limit, *value, without_memory);
 }
 
 int32_t SetFragmentationThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, fragmentation_threshold, *value, without_memory);
+    return write_radio_number(*index, key::fragmentation_threshold, *value, without_memory);
 }
 
 int32_t SetMaxTransmitMSDULifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-max-transmit-msdu-lifetime", *value, without_memory);
+    return write_interface_number(*index, key::max_transmit_msdu_lifetime, *value, without_memory);
 }
 
 int32_t SetMaxReceiveLifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-max-receive-lifetime", *value, without_memory);
+    return write_interface_number(*index, key::max_receive_lifetime, *value, without_memory);
 }
+
+}  // namespace dot11

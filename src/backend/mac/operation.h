@@ -6,6 +6,18 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey short_retry_limit = {"interface", "dot11-short-retry-limit"};
+inline constexpr StoreKey long_retry_limit = {"interface", "dot11-long-retry-limit"};
+inline constexpr StoreKey max_transmit_msdu_lifetime = {"interface", "dot11-max-transmit-msdu-lifetime"};
+inline constexpr StoreKey max_receive_lifetime = {"interface", "dot11-max-receive-lifetime"};
+inline constexpr StoreKey rts_threshold = {"radio", "rts-threshold"};
+inline constexpr StoreKey fragmentation_threshold = {"radio", "fragmentation-threshold"};
+inline constexpr StoreKey manufacturer_id = {"radio", "manufacturer-id"};
+}  // namespace key
+
 struct OperationRow {
     uint32_t ifIndex;
     uint8_t dot11MACAddress[8];  // 6 used
@@ -58,3 +70,5 @@ int32_t SetMaxTransmitMSDULifetime(const uint32_t* index, const uint32_t* value,
 int32_t SetMaxReceiveLifetime(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

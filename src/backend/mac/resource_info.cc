@@ -4,7 +4,11 @@
 
 #include <cstring>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/radio.h"
+#include "backend/rows.h"
+
+namespace dot11 {
 
 ResourceInfoRow rinfo[max_interfaces];
 ResourceInfoScratch res_info;
@@ -17,9 +21,9 @@ int32_t counter;
 
 // clang-format off
 constexpr RadioText<Row, sizeof Row::dot11manufacturerName> names[] = {
-    {"manufacturer-name", &res_info.name, &Row::dot11manufacturerName, &Row::dot11manufacturerNameLen},
-    {"manufacturer-product-name", &res_info.product_name, &Row::dot11manufacturerProductName, &Row::dot11manufacturerProductNameLen},
-    {"manufacturer-product-version", &res_info.product_version, &Row::dot11manufacturerProductVersion, &Row::dot11manufacturerProductVersionLen},
+    {key::manufacturer_name, &res_info.name, &Row::dot11manufacturerName, &Row::dot11manufacturerNameLen},
+    {key::manufacturer_product_name, &res_info.product_name, &Row::dot11manufacturerProductName, &Row::dot11manufacturerProductNameLen},
+    {key::manufacturer_product_version, &res_info.product_version, &Row::dot11manufacturerProductVersion, &Row::dot11manufacturerProductVersionLen},
 };
 // clang-format on
 
@@ -27,7 +31,7 @@ void read_oui(Row& row, const cfqlquery_node* bss_answer) {
     memcpy(row.dot11manufacturerOUI, "XYZ", 3);
     row.dot11manufacturerOUILen = 3;
     if (find_radio(bss_answer, res_info.bss, res_info.radio) &&
-        find_value_of_radio(res_info.radio, "manufacturer-oui", res_info.oui))
+        find_value_of_radio(res_info.radio, key::manufacturer_oui, res_info.oui))
         row.dot11manufacturerOUILen =
             take_octets(res_info.oui, row.dot11manufacturerOUI, sizeof row.dot11manufacturerOUI);
 }
@@ -35,7 +39,7 @@ void read_oui(Row& row, const cfqlquery_node* bss_answer) {
 // One answer for "bss" serves all four; each follows the links afresh.
 void fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
-    const Answer bss_answer("interface", interface, "bss");
+    const Answer bss_answer(key::bss, interface);
     read_oui(row, bss_answer.list());
     for (const auto& name : names)
         read_radio_text(row, bss_answer.list(), res_info.bss, res_info.radio, name);
@@ -60,3 +64,5 @@ int GetResourceInfoTableData(void) {
 int GetResourceInfoEntryByIndex(uint32_t row, void* destination) {
     return copy_row(rinfo, row, destination);
 }
+
+}  // namespace dot11

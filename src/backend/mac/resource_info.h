@@ -7,6 +7,14 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey manufacturer_oui = {"radio", "manufacturer-oui"};
+inline constexpr StoreKey manufacturer_name = {"radio", "manufacturer-name"};
+inline constexpr StoreKey manufacturer_product_version = {"radio", "manufacturer-product-version"};
+}  // namespace key
+
 struct ResourceInfoRow {
     uint32_t ifIndex;
     uint8_t dot11manufacturerOUI[8];  // the stored text as it is, such as "00:10:18"
@@ -43,3 +51,5 @@ int GetResourceInfoTableData(void);             // fills the rows; 1
 int GetResourceInfoEntryByIndex(uint32_t row, void* destination);  // copies one ResourceInfoRow; see copy_row
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+namespace dot11 {
+
 namespace {
 
 constexpr int line_size = 512;
@@ -41,3 +43,5 @@ int read_driver_value(const char* path, const char* key, size_t count, char* des
     if (const char* equals = strchr(line, '=')) memcpy(destination, equals + 1, std::min(count, longest_value));
     return 0;
 }
+
+}  // namespace dot11

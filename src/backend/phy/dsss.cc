@@ -6,8 +6,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
 #include "backend/phy/driver_file.h"
+#include "backend/rows.h"
+
+namespace dot11 {
 
 DsssRow pdsssinfo[max_interfaces];
 DsssScratch phy_dsss_info;
@@ -21,7 +24,7 @@ int32_t leading_number(const char* text) {
     return static_cast<int32_t>(std::clamp<long long>(strtoll(text, nullptr, 10), INT32_MIN, INT32_MAX));
 }
 
-// The driver numbers its files by the position of the row, whatever the interface's name and index: meant, and kept.
+// Quirk: the driver's files are numbered by the position of the row, whatever the interface's name and index.
 int32_t read_ed_threshold(uint32_t position) {
     constexpr size_t value_size = 16;
     ScratchText& value = phy_dsss_info.ca_threshold;
@@ -39,12 +42,11 @@ int32_t read_ed_threshold(uint32_t position) {
     return threshold;
 }
 
-// The interface's own name is taken as the radio's: meant, and kept. The store's answer is handed back when the
-// driver's file has been read.
+// The store's answer is handed back when the driver's file has been read.
 void fill_row(DsssRow& row, const char* interface, uint32_t position) {
     row.ifIndex = if_nametoindex(interface);
-    const Answer answer("radio", interface, "channel");
-    row.dot11CurrentChannel = converted(answer.list(), "channel", phy_dsss_info.channel, number, 6);
+    const Answer answer(key::channel, interface);
+    row.dot11CurrentChannel = converted(answer.list(), key::channel, phy_dsss_info.channel, number, 6);
     row.dot11EDThreshold = read_ed_threshold(position);
 }
 
@@ -67,3 +69,5 @@ int GetPhyDsssTableData(void) {
 int GetPhyDsssEntryByIndex(uint32_t row, void* destination) {
     return copy_row(pdsssinfo, row, destination);
 }
+
+}  // namespace dot11

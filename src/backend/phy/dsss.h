@@ -6,6 +6,13 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+// Quirk: of the radio whose name is the interface's own.
+inline constexpr StoreKey channel = {"radio", "channel"};
+}  // namespace key
+
 struct DsssRow {
     uint32_t ifIndex;
     int32_t dot11CurrentChannel;
@@ -38,3 +45,5 @@ int GetPhyDsssTableData(void);             // fills the rows; always 1
 int GetPhyDsssEntryByIndex(uint32_t row, void* destination);  // copies one DsssRow; see copy_row
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -2,9 +2,12 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/rows.h"
 #include "store/write.h"
 #include "util/convert.h"
+
+namespace dot11 {
 
 PhyOperationRow poinfo[max_interfaces];
 PhyOperationScratch phy_oper_info;
@@ -15,7 +18,7 @@ using Row = PhyOperationRow;
 
 int32_t counter;
 
-// Every other number, the higher codes of the MIB among them, is served as 1: meant, and kept.
+// Quirk: every other number, the higher codes of the MIB among them, is served as 1.
 int32_t phy_type(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value >= 0 && value < 4 ? value : 1;
@@ -23,9 +26,9 @@ int32_t phy_type(char* text) {
 
 // clang-format off
 constexpr InterfaceKey<Row> keys[] = {
-    {"dot11-current-reg-domain", &phy_oper_info.current_reg_domain, &Row::dot11CurrentRegDomain, number_not_negative, 0},
-    {"dot11-temp-type", &phy_oper_info.temp_type, &Row::dot11TempType, number_not_negative, 1},
-    {"dot11-phy-type", &phy_oper_info.phy_type, &Row::dot11PHYType, phy_type, 1},
+    {key::current_reg_domain, &phy_oper_info.current_reg_domain, &Row::dot11CurrentRegDomain, number_not_negative, 0},
+    {key::temp_type, &phy_oper_info.temp_type, &Row::dot11TempType, number_not_negative, 1},
+    {key::phy_type, &phy_oper_info.phy_type, &Row::dot11PHYType, phy_type, 1},
 };
 // clang-format on
 
@@ -52,5 +55,7 @@ int GetPhyOperationsEntryByIndex(uint32_t row, void* destination) {
 }
 
 int32_t SetCurrentRegDomain(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-current-reg-domain", *value, 0);
+    return write_interface_number(*index, key::current_reg_domain, *value, 0);
 }
+
+}  // namespace dot11

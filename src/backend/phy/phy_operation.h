@@ -6,6 +6,14 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey current_reg_domain = {"interface", "dot11-current-reg-domain"};
+inline constexpr StoreKey temp_type = {"interface", "dot11-temp-type"};
+inline constexpr StoreKey phy_type = {"interface", "dot11-phy-type"};
+}  // namespace key
+
 struct PhyOperationRow {
     uint32_t ifIndex;
     int32_t dot11PHYType;           // 0 to 3
@@ -38,3 +46,5 @@ int GetPhyOperationsEntryByIndex(uint32_t row, void* destination);  // copies on
 int32_t SetCurrentRegDomain(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

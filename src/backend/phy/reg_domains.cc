@@ -2,7 +2,11 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/phy/phy_operation.h"
+#include "backend/rows.h"
+
+namespace dot11 {
 
 RegDomainsRow rdinfo[max_interfaces];
 RegDomainsScratch reg_info;
@@ -13,7 +17,7 @@ using Row = RegDomainsRow;
 
 int32_t counter;
 
-constexpr InterfaceKey<Row> current_reg_domain = {"dot11-current-reg-domain", &reg_info.current_reg_domain,
+constexpr InterfaceKey<Row> current_reg_domain = {key::current_reg_domain, &reg_info.current_reg_domain,
                                                   &Row::dot11RegDomainsSupportValue, number_not_negative, 16};
 
 void fill_row(Row& row, const char* interface) {
@@ -41,3 +45,5 @@ int GetRegDomainSupportedTableData(void) {
 int GetRegDomainSupportedEntryByIndex(uint32_t row, void* destination) {
     return copy_row(rdinfo, row, destination);
 }
+
+}  // namespace dot11

@@ -7,6 +7,8 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
 struct RegDomainsRow {
     uint32_t ifIndex;
     int32_t dot11RegDomainsSupportIndex;  // always 1
@@ -33,3 +35,5 @@ int GetRegDomainSupportedTableData(void);                                // fill
 int GetRegDomainSupportedEntryByIndex(uint32_t row, void* destination);  // copies one RegDomainsRow; see copy_row
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -11,6 +11,8 @@
 #include "store/answer.h"
 #include "util/convert.h"
 
+namespace dot11 {
+
 uint32_t SUPPDATARATESRXLastLoad;
 RateGroupName* rx_tag;
 RateText* suppRx_info;
@@ -27,8 +29,6 @@ SupportedDataRatesTxRow suppTxInfo;
 
 namespace {
 
-constexpr const char* rate_objects = "supported-rate";
-constexpr const char* rate_key = "rate";
 constexpr int64_t seconds_kept = 50;
 constexpr int32_t rates_per_group = 8;
 constexpr uint32_t max_names = max_interfaces + 1;  // as many as lcl_get_tags_pv finds
@@ -112,10 +112,10 @@ bool allocate(RateCache& cache) {
 
 // 1, or what the call that needed the names returns without them.
 int reload(RateCache& cache, int64_t now) {
-    cfqlquery_node* list = cfqlquery_get_grid(rate_objects, nullptr, nullptr, nullptr, 1);
+    cfqlquery_node* list = cfqlquery_get_grid(key::rate.table, nullptr, nullptr, nullptr, 1);
     if (!list) return 0;
     int32_t name_count = 0;
-    lcl_get_tags_pv(list, rate_objects, &name_count);
+    lcl_get_tags_pv(list, key::rate.table, &name_count);
     cfqlquery_destroy_pv(list);
     if (name_count <= 0) {
         cache.last_load = 0;
@@ -136,7 +136,7 @@ int reload_when_old(RateCache& cache) {
 
 void store_rate(RateCache& cache, const cfqlquery_node* list) {
     if (cache.stored_now >= rates_per_group) return;
-    if (!list || !list->name || strcmp(list->name, rate_key) != 0) return;
+    if (!list || !list->name || strcmp(list->name, key::rate.name) != 0) return;
     RateText* text = text_at(cache, cache.next_text);
     if (!text) return;
     snprintf(*text, sizeof *text, "%.5s", list->value ? list->value : "");
@@ -147,7 +147,7 @@ void store_rate(RateCache& cache, const cfqlquery_node* list) {
 // Only as many visits fetch as there are groups: those of the first walk. False when the store has no answer.
 bool fetch_rate(RateCache& cache, const char* group_name) {
     if (++cache.loaded_rows > groups(cache)) return true;
-    const Answer answer(rate_objects, group_name, rate_key);
+    const Answer answer(key::rate, group_name);
     if (!answer.list()) return false;
     store_rate(cache, answer.list());
     return true;
@@ -212,3 +212,5 @@ void lcl_suppRx(const cfqlquery_node* list) {
 void lcl_suppTx(const cfqlquery_node* list) {
     store_rate(tx, list);
 }
+
+}  // namespace dot11

@@ -10,7 +10,14 @@
 #include <cstddef>
 
 #include "cfqlquery.h"
+#include "store/answer.h"
 #include "store/interfaces.h"
+
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey rate = {"supported-rate", "rate"};
+}  // namespace key
 
 struct SupportedDataRatesRxRow {
     uint32_t ifIndex;
@@ -66,3 +73,5 @@ void lcl_suppRx(const cfqlquery_node* list);
 void lcl_suppTx(const cfqlquery_node* list);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -2,9 +2,12 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/rows.h"
 #include "store/write.h"
 #include "util/convert.h"
+
+namespace dot11 {
 
 TxPowerRow ptinfo[max_interfaces];
 TxPowerScratch phy_pow_info;
@@ -15,25 +18,25 @@ using Row = TxPowerRow;
 
 int32_t counter;
 
-// Level 1 alone turns a negative number into the default instead of 0: meant, and kept.
+// Quirk: level 1 alone turns a negative number into the default instead of 0.
 int32_t level_1(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value < 0 ? 100 : value;
 }
 
-// All levels are read from one key, each with a query of its own: meant, and kept.
+// Quirk: all levels are read from one key, each with a query of its own.
 // clang-format off
 constexpr InterfaceKey<Row> keys[] = {
-    {"num_supported_pow_level", &phy_pow_info.number_supported_levels, &Row::dot11NumberSupportedPowerLevels, number_not_negative, 1},
-    {"tx-power", &phy_pow_info.levels[0], &Row::dot11TxPowerLevel1, level_1, 100},
-    {"tx-power", &phy_pow_info.levels[1], &Row::dot11TxPowerLevel2, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[2], &Row::dot11TxPowerLevel3, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[3], &Row::dot11TxPowerLevel4, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[4], &Row::dot11TxPowerLevel5, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[5], &Row::dot11TxPowerLevel6, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[6], &Row::dot11TxPowerLevel7, number_not_negative, 100},
-    {"tx-power", &phy_pow_info.levels[7], &Row::dot11TxPowerLevel8, number_not_negative, 100},
-    {"curr_tx_power_level", &phy_pow_info.current_level, &Row::dot11CurrentTxPowerLevel, number_not_negative, 1},
+    {key::num_supported_pow_level, &phy_pow_info.number_supported_levels, &Row::dot11NumberSupportedPowerLevels, number_not_negative, 1},
+    {key::tx_power, &phy_pow_info.levels[0], &Row::dot11TxPowerLevel1, level_1, 100},
+    {key::tx_power, &phy_pow_info.levels[1], &Row::dot11TxPowerLevel2, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[2], &Row::dot11TxPowerLevel3, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[3], &Row::dot11TxPowerLevel4, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[4], &Row::dot11TxPowerLevel5, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[5], &Row::dot11TxPowerLevel6, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[6], &Row::dot11TxPowerLevel7, number_not_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[7], &Row::dot11TxPowerLevel8, number_not_negative, 100},
+    {key::curr_tx_power_level, &phy_pow_info.current_level, &Row::dot11CurrentTxPowerLevel, number_not_negative, 1},
 };
 // clang-format on
 
@@ -60,5 +63,7 @@ int GetPhyTxPowerEntryByIndex(uint32_t row, void* destination) {
 }
 
 int32_t SetCurrentPowerLevel(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "curr_tx_power_level", *value, 0);
+    return write_interface_number(*index, key::curr_tx_power_level, *value, 0);
 }
+
+}  // namespace dot11

@@ -6,6 +6,14 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey num_supported_pow_level = {"interface", "num_supported_pow_level"};
+inline constexpr StoreKey tx_power = {"interface", "tx-power"};
+inline constexpr StoreKey curr_tx_power_level = {"interface", "curr_tx_power_level"};
+}  // namespace key
+
 // Power levels are as the store has them: the configuration fixes their unit.
 struct TxPowerRow {
     uint32_t ifIndex;
@@ -46,3 +54,5 @@ int GetPhyTxPowerEntryByIndex(uint32_t row, void* destination);  // copies one T
 int32_t SetCurrentPowerLevel(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

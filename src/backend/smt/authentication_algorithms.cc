@@ -3,9 +3,14 @@
 #include <net/if.h>
 
 #include <cstring>
+#include <iterator>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/radio.h"
+#include "backend/rows.h"
 #include "store/write.h"
+
+namespace dot11 {
 
 AuthenticationAlgorithmsRow ainfo[algorithms_per_interface * max_interfaces];
 AuthenticationAlgorithmsScratch auth_info;
@@ -16,11 +21,10 @@ using Row = AuthenticationAlgorithmsRow;
 
 constexpr uint32_t open_system = 1;
 
-// Keys of a BSS, in the order of the algorithms.
-constexpr const char* keys[algorithms_per_interface] = {"open-system-authentication", "shared-key-authentication"};
+static_assert(std::size(key::authentication_algorithms) == algorithms_per_interface);
 
-const char* key_of(uint32_t algorithm) {
-    return keys[algorithm == open_system ? 0 : 1];
+const StoreKey& key_of(uint32_t algorithm) {
+    return key::authentication_algorithms[algorithm == open_system ? 0 : 1];
 }
 
 int32_t counter;
@@ -31,11 +35,11 @@ int32_t true_when_on(char* text) {
 
 // An answer with the other algorithm's key is taken for this one's. Both answers are handed back at the end.
 int32_t read_enable(const char* interface, uint32_t algorithm) {
-    const Answer bss_answer("interface", interface, "bss");
-    if (!find_value(bss_answer.list(), "bss", auth_info.bss)) return 2;
-    const Answer answer("bss", auth_info.bss.text, key_of(algorithm));
+    const Answer bss_answer(key::bss, interface);
+    if (!find_value(bss_answer.list(), key::bss, auth_info.bss)) return 2;
+    const Answer answer(key_of(algorithm), auth_info.bss.text);
     release(auth_info.bss);
-    if (!find_value_of_any(answer.list(), keys, auth_info.algorithm)) return 2;
+    if (!find_value_of_any(answer.list(), key::authentication_algorithms, auth_info.algorithm)) return 2;
     return take_number(auth_info.algorithm, true_when_on);
 }
 
@@ -70,15 +74,17 @@ int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination) {
     return copy_row(ainfo, row, destination);
 }
 
-// Writes the TruthValue as a number, "1" or "2", where reading knows only "on" as true: what is written here reads back
-// as false. Meant.
+// Quirk: the TruthValue is written as a number, "1" or "2", where reading knows only "on" as true: what is written here
+// reads back as false.
 int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t) {
     const InterfaceName name(row->ifIndex);
     if (!name.text()) return without_memory;
     ScratchText bss = {};
     if (!find_bss(name.text(), bss)) return 0;
-    const char* key = key_of(row->dot11AuthenticationAlgorithmsIndex);
-    const int32_t result = write_number("bss", bss.text, key, *value, without_memory);
+    const StoreKey& key = key_of(row->dot11AuthenticationAlgorithmsIndex);
+    const int32_t result = write_number(key, bss.text, *value, without_memory);
     release(bss);
     return result;
 }
+
+}  // namespace dot11

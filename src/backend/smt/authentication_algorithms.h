@@ -6,6 +6,16 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+// In the order of the algorithms.
+inline constexpr StoreKey authentication_algorithms[] = {
+    {"bss", "open-system-authentication"},
+    {"bss", "shared-key-authentication"},
+};
+}  // namespace key
+
 struct AuthenticationAlgorithmsRow {
     uint32_t ifIndex;
     uint32_t dot11AuthenticationAlgorithmsIndex;  // 1 or 2
@@ -40,3 +50,5 @@ int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination);  // one Authe
 int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

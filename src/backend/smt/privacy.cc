@@ -2,8 +2,11 @@
 
 #include <net/if.h>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/rows.h"
 #include "store/write.h"
+
+namespace dot11 {
 
 PrivacyRow pinfo[max_interfaces];
 PrivacyScratch priv_info;
@@ -16,9 +19,9 @@ int32_t counter;
 
 // clang-format off
 constexpr InterfaceKey<Row> settings[] = {
-    {"dot11-privacy-invoked", &priv_info.invoked, &Row::dot11PrivacyInvoked, number_not_negative, 2},
-    {"wep-default-key", &priv_info.default_key, &Row::dot11WEPDefaultKeyID, number_not_negative, 0},
-    {"wep-key-mapping-length", &priv_info.key_mapping_length, &Row::dot11WEPKeyMappingLength, number_not_negative, 10},
+    {key::privacy_invoked, &priv_info.invoked, &Row::dot11PrivacyInvoked, number_not_negative, 2},
+    {key::wep_default_key, &priv_info.default_key, &Row::dot11WEPDefaultKeyID, number_not_negative, 0},
+    {key::wep_key_mapping_length, &priv_info.key_mapping_length, &Row::dot11WEPKeyMappingLength, number_not_negative, 10},
 };
 // clang-format on
 
@@ -53,13 +56,15 @@ int GetPrivacyEntryByIndex(uint32_t row, void* destination) {
 }
 
 int32_t SetPrivacyInvoked(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-privacy-invoked", *value, without_memory);
+    return write_interface_number(*index, key::privacy_invoked, *value, without_memory);
 }
 
 int32_t SetWEPDefaultKeyID(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "wep-default-key", *value, without_memory);
+    return write_interface_number(*index, key::wep_default_key, *value, without_memory);
 }
 
 int32_t SetWEPKeyMappingLength(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "wep-key-mapping-length", *value, without_memory);
+    return write_interface_number(*index, key::wep_key_mapping_length, *value, without_memory);
 }
+
+}  // namespace dot11

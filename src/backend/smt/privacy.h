@@ -6,6 +6,14 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey privacy_invoked = {"interface", "dot11-privacy-invoked"};
+inline constexpr StoreKey wep_default_key = {"interface", "wep-default-key"};
+inline constexpr StoreKey wep_key_mapping_length = {"interface", "wep-key-mapping-length"};
+}  // namespace key
+
 struct PrivacyRow {
     uint32_t ifIndex;
     int32_t dot11PrivacyInvoked;   // TruthValue (RFC 2579), but any number that the store holds
@@ -46,3 +54,5 @@ int32_t SetWEPDefaultKeyID(const uint32_t* index, const uint32_t* value, uint32_
 int32_t SetWEPKeyMappingLength(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -6,9 +6,14 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/phy/supported_data_rates.h"
+#include "backend/radio.h"
+#include "backend/rows.h"
 #include "store/write.h"
 #include "util/convert.h"
+
+namespace dot11 {
 
 StationConfigRow sinfo[max_interfaces];
 StationConfigScratch sta_info;
@@ -21,7 +26,7 @@ int32_t counter;
 
 // A MAC address under a key of the interface, the field that it fills and that field's length.
 struct MacKey {
-    const char* key;
+    StoreKey key;
     ScratchText* scratch;
     uint8_t (Row::*octets)[8];
     uint32_t Row::*length;
@@ -39,25 +44,25 @@ int32_t false_when_plain_text(char* text) {
 
 // clang-format off
 constexpr MacKey station_id =
-    {"mac", &sta_info.mac, &Row::dot11StationID, &Row::dot11StationIDLen};
+    {key::mac, &sta_info.mac, &Row::dot11StationID, &Row::dot11StationIDLen};
 
 constexpr InterfaceKey<Row> settings[] = {
-    {"dot11-cf-pollable", &sta_info.cf_pollable, &Row::dot11CFPollable, true_when_one, 2},
-    {"dot11-authentication-response-time-out", &sta_info.authentication_time_out, &Row::dot11AuthenticationResponseTimeOut, number, 1},
-    {"dot11-privacy-option-implemented", &sta_info.privacy_option, &Row::privacy_option_configured, true_when_one, 2},
-    {"security", &sta_info.security, &Row::dot11PrivacyOptionImplemented, false_when_plain_text, 2},
+    {key::cf_pollable, &sta_info.cf_pollable, &Row::dot11CFPollable, true_when_one, 2},
+    {key::authentication_response_time_out, &sta_info.authentication_time_out, &Row::dot11AuthenticationResponseTimeOut, number, 1},
+    {key::privacy_option_implemented, &sta_info.privacy_option, &Row::privacy_option_configured, true_when_one, 2},
+    {key::security, &sta_info.security, &Row::dot11PrivacyOptionImplemented, false_when_plain_text, 2},
 };
 
 constexpr InterfaceKey<Row> association_time_out =
-    {"dot11-association-response-time-out", &sta_info.association_time_out, &Row::dot11AssociationResponseTimeOut, number, 1};
+    {key::association_response_time_out, &sta_info.association_time_out, &Row::dot11AssociationResponseTimeOut, number, 1};
 
 constexpr EventKeys events[] = {
-    {{"dot11-disassociate-reason", &sta_info.disassociate_reason, &Row::dot11DisassociateReason, number, 0},
-     {"dot11-disassociate-station", &sta_info.disassociate_station, &Row::dot11DisassociateStation, &Row::dot11DisassociateStationLen}},
-    {{"dot11-deauthenticate-reason", &sta_info.deauthenticate_reason, &Row::dot11DeauthenticateReason, number, 0},
-     {"dot11-deauthenticate-station", &sta_info.deauthenticate_station, &Row::dot11DeauthenticateStation, &Row::dot11DeauthenticateStationLen}},
-    {{"dot11-authenticate-fail-status", &sta_info.authenticate_fail_status, &Row::dot11AuthenticateFailStatus, number, 0},
-     {"dot11-authenticate-fail-station", &sta_info.authenticate_fail_station, &Row::dot11AuthenticateFailStation, &Row::dot11AuthenticateFailStationLen}},
+    {{key::disassociate_reason, &sta_info.disassociate_reason, &Row::dot11DisassociateReason, number, 0},
+     {key::disassociate_station, &sta_info.disassociate_station, &Row::dot11DisassociateStation, &Row::dot11DisassociateStationLen}},
+    {{key::deauthenticate_reason, &sta_info.deauthenticate_reason, &Row::dot11DeauthenticateReason, number, 0},
+     {key::deauthenticate_station, &sta_info.deauthenticate_station, &Row::dot11DeauthenticateStation, &Row::dot11DeauthenticateStationLen}},
+    {{key::authenticate_fail_status, &sta_info.authenticate_fail_status, &Row::dot11AuthenticateFailStatus, number, 0},
+     {key::authenticate_fail_station, &sta_info.authenticate_fail_station, &Row::dot11AuthenticateFailStation, &Row::dot11AuthenticateFailStationLen}},
 };
 // clang-format on
 
@@ -68,10 +73,10 @@ bool read_mac(Row& row, const char* interface, const MacKey& key) {
 }
 
 void read_ssid(Row& row, const char* interface) {
-    const Answer answer("interface", interface, "ssid");
+    const Answer answer(key::ssid, interface);
     row.dot11DesiredSSID[0] = '0';
     row.dot11DesiredSSIDLen = 1;
-    if (!find_value(answer.list(), "ssid", sta_info.ssid)) return;
+    if (!find_value(answer.list(), key::ssid, sta_info.ssid)) return;
     row.dot11DesiredSSIDLen = take_octets(sta_info.ssid, row.dot11DesiredSSID, sizeof row.dot11DesiredSSID);
 }
 
@@ -84,8 +89,8 @@ uint8_t rate_octet(const char* text) {
 
 // Only an answer's first node is looked at, so that a row's rate set holds at most one rate.
 void read_rates(Row& row, const char* interface) {
-    const Answer answer("supported-rate", interface, "rate");
-    sta_info.rate_count = find_value(answer.list(), "rate", sta_info.rates[0]) ? 1 : 0;
+    const Answer answer(key::rate, interface);
+    sta_info.rate_count = find_value(answer.list(), key::rate, sta_info.rates[0]) ? 1 : 0;
     for (uint32_t i = 0; i < sta_info.rate_count; ++i) {
         row.dot11OperationalRateSet[i] = rate_octet(sta_info.rates[i].text);
         release(sta_info.rates[i]);
@@ -97,16 +102,16 @@ void read_rates(Row& row, const char* interface) {
 void read_beacon_period(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11BeaconPeriod = 1;
     if (find_radio(bss_answer, sta_info.bss, sta_info.radio) &&
-        find_value_of_radio(sta_info.radio, "beacon-interval", sta_info.beacon_interval))
+        find_value_of_radio(sta_info.radio, key::beacon_interval, sta_info.beacon_interval))
         row.dot11BeaconPeriod = take_number(sta_info.beacon_interval, number);
 }
 
 void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11DTIMPeriod = 1;
-    if (!find_value(bss_answer, "bss", sta_info.bss)) return;
-    const Answer answer("bss", sta_info.bss.text, "dtim-period");
+    if (!find_value(bss_answer, key::bss, sta_info.bss)) return;
+    const Answer answer(key::dtim_period, sta_info.bss.text);
     release(sta_info.bss);
-    row.dot11DTIMPeriod = converted(answer.list(), "dtim-period", sta_info.dtim_period, number, 1);
+    row.dot11DTIMPeriod = converted(answer.list(), key::dtim_period, sta_info.dtim_period, number, 1);
 }
 
 int32_t true_when_up(char* text) {
@@ -117,14 +122,14 @@ void read_multi_domain(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11MultiDomainCapabilityImplemented = 2;
     row.dot11MultiDomainCapabilityEnabled = -1;
     if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
-    if (!find_value_of_radio(sta_info.radio, "dot11d", sta_info.dot11d)) return;
+    if (!find_value_of_radio(sta_info.radio, key::dot11d, sta_info.dot11d)) return;
     row.dot11MultiDomainCapabilityImplemented = 1;
     row.dot11MultiDomainCapabilityEnabled = take_number(sta_info.dot11d, true_when_up);
 }
 
 // One answer for "bss" serves three columns; each follows the links afresh.
 void read_radio_settings(Row& row, const char* interface) {
-    const Answer bss_answer("interface", interface, "bss");
+    const Answer bss_answer(key::bss, interface);
     read_beacon_period(row, bss_answer.list());
     read_dtim_period(row, bss_answer.list());
     read_multi_domain(row, bss_answer.list());
@@ -141,7 +146,7 @@ void set_constants(Row& row) {
 // Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag is not
 // looked at.
 void read_country(Row& row) {
-    const Answer answer("system", nullptr, "country");
+    const Answer answer(key::country, nullptr);
     memcpy(row.dot11CountryString, "???", 3);
     if (!answer.list() || !copy_value(*answer.list(), sta_info.country)) return;
     if (sta_info.country.length == 2) {
@@ -194,11 +199,11 @@ int GetStationConfigEntryByIndex(uint32_t row, void* destination) {
 int32_t SetDesiredSSID(const uint32_t* index, const char* ssid, uint32_t) {
     const InterfaceName name(*index);
     if (!name.text()) return without_memory;
-    return setTableData("interface", name.text(), "ssid", ssid);
+    return setTableData(key::ssid.table, name.text(), key::ssid.name, ssid);
 }
 
 int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, "beacon-interval", *value, without_memory);
+    return write_radio_number(*index, key::beacon_interval, *value, without_memory);
 }
 
 // Asks whether the interface has a BSS, and then writes under the interface's own name as the BSS: meant, and kept.
@@ -208,7 +213,7 @@ int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
     ScratchText bss = {};
     if (!find_bss(name.text(), bss)) return 0;
     release(bss);
-    return write_number("bss", name.text(), "dtim-period", *value, without_memory);
+    return write_number(key::dtim_period, name.text(), *value, without_memory);
 }
 
 int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t count) {
@@ -221,7 +226,7 @@ int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t coun
     if (name.text() && text) {
         ConvertToStringFromHex(text, octets, octet_count);
         ConvertToMacAddrFromString(text, octet_count * 2);
-        result = setTableData("interface", name.text(), "mac", text);
+        result = setTableData(key::mac.table, name.text(), key::mac.name, text);
     }
     free(text);
     return result;
@@ -230,9 +235,11 @@ int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t coun
 // The two time-out writers are crossed: each writes the other's key, while the rows read every key into its own column.
 // Meant.
 int32_t SetAuthenticationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, association_time_out.key, *value, without_memory);
+    return write_interface_number(*index, key::association_response_time_out, *value, without_memory);
 }
 
 int32_t SetAssociationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, "dot11-authentication-response-time-out", *value, without_memory);
+    return write_interface_number(*index, key::authentication_response_time_out, *value, without_memory);
 }
+
+}  // namespace dot11

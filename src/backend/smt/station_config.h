@@ -6,6 +6,27 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey cf_pollable = {"interface", "dot11-cf-pollable"};
+inline constexpr StoreKey authentication_response_time_out = {"interface", "dot11-authentication-response-time-out"};
+inline constexpr StoreKey privacy_option_implemented = {"interface", "dot11-privacy-option-implemented"};
+inline constexpr StoreKey security = {"interface", "security"};
+inline constexpr StoreKey ssid = {"interface", "ssid"};
+inline constexpr StoreKey association_response_time_out = {"interface", "dot11-association-response-time-out"};
+inline constexpr StoreKey disassociate_reason = {"interface", "dot11-disassociate-reason"};
+inline constexpr StoreKey disassociate_station = {"interface", "dot11-disassociate-station"};
+inline constexpr StoreKey deauthenticate_reason = {"interface", "dot11-deauthenticate-reason"};
+inline constexpr StoreKey deauthenticate_station = {"interface", "dot11-deauthenticate-station"};
+inline constexpr StoreKey authenticate_fail_status = {"interface", "dot11-authenticate-fail-status"};
+inline constexpr StoreKey authenticate_fail_station = {"interface", "dot11-authenticate-fail-station"};
+inline constexpr StoreKey dtim_period = {"bss", "dtim-period"};
+inline constexpr StoreKey beacon_interval = {"radio", "beacon-interval"};
+inline constexpr StoreKey dot11d = {"radio", "dot11d"};
+inline constexpr StoreKey country = {"system", "country"};
+}  // namespace key
+
 // Integers are 32-bit, TruthValues (RFC 2579) 1 = true, 2 = false, MAC addresses 6 octets of 8.
 struct StationConfigRow {
     uint32_t ifIndex;
@@ -77,3 +98,5 @@ int32_t SetAuthenticationResponseTimeout(const uint32_t* index, const uint32_t* 
 int32_t SetAssociationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -4,9 +4,13 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
-#include "backend/keys.h"
+#include "backend/lookup.h"
+#include "backend/rows.h"
 #include "store/write.h"
+
+namespace dot11 {
 
 WEPDefaultKeysRow winfo[keys_per_interface * max_interfaces];
 WEPDefaultKeysScratch wep_info;
@@ -15,7 +19,7 @@ namespace {
 
 using Row = WEPDefaultKeysRow;
 
-constexpr const char* keys[keys_per_interface] = {"wep-key-1", "wep-key-2", "wep-key-3", "wep-key-4"};
+static_assert(std::size(key::wep_keys) == keys_per_interface);
 
 int32_t counter;
 
@@ -24,7 +28,8 @@ int32_t counter;
 class KeyName {
   public:
     explicit KeyName(uint32_t number) : text_(static_cast<char*>(calloc(sizeof "wep-key-1", 1))) {
-        if (text_ && number >= 1 && number <= keys_per_interface) memcpy(text_, keys[number - 1], sizeof "wep-key-1");
+        if (text_ && number >= 1 && number <= keys_per_interface)
+            memcpy(text_, key::wep_keys[number - 1].name, sizeof "wep-key-1");
     }
     ~KeyName() { free(text_); }
     KeyName(const KeyName&) = delete;
@@ -36,12 +41,13 @@ class KeyName {
     char* text_;
 };
 
-// A missing key is served as five octets. Only the first is set, to 0; the others stay what the row held. Meant.
+// Quirk: a missing key is served as five octets, of which only the first is set, to 0; the others stay what the row
+// held.
 void read_value(Row& row, const cfqlquery_node* answer) {
     uint8_t* value = row.dot11WEPDefaultKeyValue;
     value[0] = 0;
     row.dot11WEPDefaultKeyValueLen = 5;
-    if (find_value_of_any(answer, keys, wep_info.key))
+    if (find_value_of_any(answer, key::wep_keys, wep_info.key))
         row.dot11WEPDefaultKeyValueLen = take_octets(wep_info.key, value, sizeof row.dot11WEPDefaultKeyValue);
 }
 
@@ -51,7 +57,7 @@ bool fill_row(Row& row, const char* interface, uint32_t number) {
     row.dot11WEPDefaultKeyIndex = number;
     const KeyName key(number);
     if (!key.text()) return false;
-    const Answer answer("interface", interface, key.text());
+    const Answer answer({"interface", key.text()}, interface);
     read_value(row, answer.list());
     return true;
 }
@@ -97,3 +103,5 @@ int32_t SetWEPDefaultKeysTableData(const WEPDefaultKeysRow* row, const char* val
 int32_t setDefaultKeys(const WEPDefaultKeyWrite* write) {
     return setTableData("interface", write->interface, write->key, write->value) != 0 ? 1 : 0;
 }
+
+}  // namespace dot11

@@ -7,6 +7,17 @@
 #include "store/answer.h"
 #include "store/interfaces.h"
 
+namespace dot11 {
+
+namespace key {
+inline constexpr StoreKey wep_keys[] = {
+    {"interface", "wep-key-1"},
+    {"interface", "wep-key-2"},
+    {"interface", "wep-key-3"},
+    {"interface", "wep-key-4"},
+};
+}  // namespace key
+
 struct WEPDefaultKeysRow {
     uint32_t ifIndex;
     uint32_t dot11WEPDefaultKeyIndex;     // 1 to 4
@@ -53,3 +64,5 @@ int32_t SetWEPDefaultKeysTableData(const WEPDefaultKeysRow* row, const char* val
 int32_t setDefaultKeys(const WEPDefaultKeyWrite* write);
 }
 #pragma GCC visibility pop
+
+}  // namespace dot11

@@ -1,11 +1,12 @@
-#include "backend/keys.h"
+#include "backend/lookup.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
-#include "store/write.h"
 #include "util/convert.h"
+
+namespace dot11 {
 
 int32_t number(char* text) {
     return AlphabeticToNumeric(text);
@@ -41,41 +42,9 @@ uint32_t take_text(ScratchText& scratch, char* field, uint32_t size) {
     return length;
 }
 
-int32_t converted(const cfqlquery_node* list, const char* key, ScratchText& scratch, Conversion convert,
+int32_t converted(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch, Conversion convert,
                   int32_t absent) {
     return find_value(list, key, scratch) ? take_number(scratch, convert) : absent;
-}
-
-bool find_bss(const char* interface, ScratchText& bss) {
-    const Answer answer("interface", interface, "bss");
-    return find_value(answer.list(), "bss", bss);
-}
-
-bool find_radio_of_bss(ScratchText& bss, ScratchText& radio, Find find) {
-    const Answer answer("bss", bss.text, "radio");
-    release(bss);
-    return find(answer.list(), "radio", radio);
-}
-
-bool find_value_of_radio(ScratchText& radio, const char* key, ScratchText& value) {
-    const Answer answer("radio", radio.text, key);
-    release(radio);
-    return find_value(answer.list(), key, value);
-}
-
-bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find) {
-    return find(bss_answer, "bss", bss) && find_radio_of_bss(bss, radio, find);
-}
-
-int32_t write_radio_number(uint32_t interface_index, const char* key, uint32_t value, int32_t without_memory) {
-    const InterfaceName name(interface_index);
-    if (!name.text()) return without_memory;
-    ScratchText bss = {};
-    ScratchText radio = {};
-    if (!find_bss(name.text(), bss) || !find_radio_of_bss(bss, radio)) return 0;
-    const int32_t result = write_number("radio", radio.text, key, value, without_memory);
-    release(radio);
-    return result;
 }
 
 namespace {
@@ -92,8 +61,8 @@ void keep_mac_digits(char* text) {
 
 }  // namespace
 
-bool read_mac_address(const char* interface, const char* key, ScratchText& scratch, uint8_t* octets) {
-    const Answer answer("interface", interface, key);
+bool read_mac_address(const char* interface, const StoreKey& key, ScratchText& scratch, uint8_t* octets) {
+    const Answer answer(key, interface);
     if (!find_value(answer.list(), key, scratch)) {
         octets[0] = 0;
         return true;
@@ -109,3 +78,5 @@ bool read_mac_address(const char* interface, const char* key, ScratchText& scrat
     release(scratch);
     return digits != nullptr;
 }
+
+}  // namespace dot11

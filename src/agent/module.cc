@@ -1,6 +1,8 @@
+#include "agent/module.h"
+
 #include <cstdlib>
 
-#include "agent/table.h"
+namespace dot11 {
 
 namespace {
 
@@ -11,14 +13,14 @@ void add_indexes(netsnmp_table_registration_info* info, uint32_t indexes) {
         netsnmp_table_helper_add_indexes(info, ASN_INTEGER, ASN_INTEGER, 0);
 }
 
-void describe(const Table& table, netsnmp_table_registration_info* info, netsnmp_iterator_info* iterator) {
-    add_indexes(info, table.indexes);
-    info->min_column = table.columns.front().number;
-    info->max_column = table.columns.back().number;
-    iterator->get_first_data_point = table.get_first_data_point;
-    iterator->get_next_data_point = table.get_next_data_point;
-    iterator->make_data_context = table.make_data_context;
-    iterator->free_data_context = table.free_data_context;
+void describe(const AgentTable& table, netsnmp_table_registration_info* info, netsnmp_iterator_info* iterator) {
+    add_indexes(info, table.facts.indexes);
+    info->min_column = table.facts.columns.front().number;
+    info->max_column = table.facts.columns.back().number;
+    iterator->get_first_data_point = table.hooks.get_first_data_point;
+    iterator->get_next_data_point = table.hooks.get_next_data_point;
+    iterator->make_data_context = table.hooks.make_data_context;
+    iterator->free_data_context = table.hooks.free_data_context;
     iterator->table_reginfo = info;
 #ifdef NETSNMP_HANDLER_OWNS_IINFO
     iterator->flags |= NETSNMP_HANDLER_OWNS_IINFO;
@@ -27,19 +29,26 @@ void describe(const Table& table, netsnmp_table_registration_info* info, netsnmp
 
 }  // namespace
 
-void register_table(const Table& table) {
+void register_table(const AgentTable& table) {
     auto* info = static_cast<netsnmp_table_registration_info*>(calloc(1, sizeof(netsnmp_table_registration_info)));
     auto* iterator = static_cast<netsnmp_iterator_info*>(calloc(1, sizeof(netsnmp_iterator_info)));
     netsnmp_handler_registration* registration = netsnmp_create_handler_registration(
-        table.name, table.handler, table.root.data(), table.root.size(), HANDLER_CAN_RWRITE);
+        table.facts.name, table.handler, table.root.data(), table.root.size(), HANDLER_CAN_RWRITE);
     if (info && iterator && registration) {
         describe(table, info, iterator);
         // From here on the agent owns all three, also when it refuses a table that is registered already.
         netsnmp_register_table_iterator(registration, iterator);
         return;
     }
-    snmp_log(LOG_ERR, "malloc failed in initialize_table_%s", table.name);
+    snmp_log(LOG_ERR, "malloc failed in initialize_table_%s", table.facts.name);
     free(info);
     free(iterator);
     free(registration);
 }
+
+void init_ieee802dot11(void) {
+    for (const AgentTable* table : catalogue)
+        table->initialize();
+}
+
+}  // namespace dot11

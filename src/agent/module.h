@@ -1,7 +1,9 @@
-// The module's entry, and the request handler and the registration of every table.
+// The module's entry, and the registration and the request handler of every table.
 #pragma once
 
-#include "util/net_snmp.h"
+#include "agent/catalogue.h"
+
+namespace dot11 {
 
 #pragma GCC visibility push(default)
 extern "C" {
@@ -49,3 +51,8 @@ Netsnmp_Node_Handler dot11PhyHRDSSSTable_handler;
 Netsnmp_Node_Handler dot11PhyERPTable_handler;
 }
 #pragma GCC visibility pop
+
+// Registers the table with the agent. Without memory it is left out, with a line in the agent's log.
+void register_table(const AgentTable& table);
+
+}  // namespace dot11

@@ -1,0 +1,40 @@
+// A column's line in its table's list: number, name, type of the answer, and the keys of the store that its value comes
+// from. The routines have the column's name.
+#pragma once
+
+#include <span>
+
+#include "access/table.h"
+
+namespace dot11 {
+
+constexpr std::span<const StoreKey> keys_of(const StoreKey& key) {
+    return {&key, 1};
+}
+constexpr std::span<const StoreKey> keys_of(std::span<const StoreKey> keys) {
+    return keys;
+}
+
+// A constant, or a value that does not come from the store.
+inline constexpr std::span<const StoreKey> no_key;
+
+}  // namespace dot11
+
+#define READ_ONLY(number, name, type, key) \
+    { number, #name, Type::type, Answered::when_present, false, keys_of(key), get_##name, nullptr, nullptr }
+#define READ_WRITE(number, name, type, key) \
+    { number, #name, Type::type, Answered::when_present, false, keys_of(key), get_##name, check_##name, set_##name }
+
+// Read-only, and answered with whatever the accessor returns.
+#define ALWAYS_ANSWERED(number, name, type, key) \
+    { number, #name, Type::type, Answered::always, false, keys_of(key), get_##name, nullptr, nullptr }
+
+// Quirk: a GET ends the handler, also for the columns that accept a SET.
+#define NOT_ANSWERED(number, name, type, key) \
+    { number, #name, Type::type, Answered::never, false, keys_of(key), get_##name, nullptr, nullptr }
+#define NOT_ANSWERED_WRITE(number, name, type, key) \
+    { number, #name, Type::type, Answered::never, false, keys_of(key), get_##name, check_##name, set_##name }
+
+// Quirk: a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
+#define CHECKED_ONLY(number, name, type, key) \
+    { number, #name, Type::type, Answered::never, true, keys_of(key), get_##name, check_##name, set_##name }

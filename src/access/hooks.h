@@ -1,0 +1,162 @@
+// The routines by which the agent's table iterator walks each table, and by which the handler makes and ends rows.
+#pragma once
+
+#include <cstdint>
+
+#include "util/net_snmp.h"
+
+namespace dot11 {
+
+#pragma GCC visibility push(default)
+extern "C" {
+
+// A row for index values that the table does not hold: a heap block that the caller releases with free, or null.
+typedef void* CreateRow(netsnmp_variable_list* indexes);
+
+// Ends the SET of a row. 0.
+typedef int CommitRow(void** row, int is_new);
+
+// Rows made so far for SETs of dot11WEPKeyMappingsTable, which holds none. Nothing reads it back.
+extern uint32_t dot11WEPKeyMappingIndexMax;
+
+Netsnmp_First_Data_Point dot11StationConfigTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11StationConfigTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11StationConfigTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11StationConfigTable_data_free;
+CreateRow dot11StationConfigTable_create_data_context;
+CommitRow dot11StationConfigTable_commit_row;
+
+Netsnmp_First_Data_Point dot11AuthenticationAlgorithmsTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11AuthenticationAlgorithmsTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11AuthenticationAlgorithmsTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11AuthenticationAlgorithmsTable_data_free;
+CreateRow dot11AuthenticationAlgorithmsTable_create_data_context;
+CommitRow dot11AuthenticationAlgorithmsTable_commit_row;
+
+Netsnmp_First_Data_Point dot11WEPDefaultKeysTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11WEPDefaultKeysTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11WEPDefaultKeysTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11WEPDefaultKeysTable_data_free;
+CreateRow dot11WEPDefaultKeysTable_create_data_context;
+CommitRow dot11WEPDefaultKeysTable_commit_row;
+
+Netsnmp_First_Data_Point dot11WEPKeyMappingsTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11WEPKeyMappingsTable_get_next_data_point;
+CreateRow dot11WEPKeyMappingsTable_create_data_context;
+CommitRow dot11WEPKeyMappingsTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PrivacyTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PrivacyTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11PrivacyTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11PrivacyTable_data_free;
+CreateRow dot11PrivacyTable_create_data_context;
+CommitRow dot11PrivacyTable_commit_row;
+
+Netsnmp_First_Data_Point dot11OperationTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11OperationTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11OperationTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11OperationTable_data_free;
+CreateRow dot11OperationTable_create_data_context;
+CommitRow dot11OperationTable_commit_row;
+
+Netsnmp_First_Data_Point dot11CountersTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11CountersTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11CountersTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11CountersTable_data_free;
+CreateRow dot11CountersTable_create_data_context;
+CommitRow dot11CountersTable_commit_row;
+
+Netsnmp_First_Data_Point dot11GroupAddressesTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11GroupAddressesTable_get_next_data_point;
+CreateRow dot11GroupAddressesTable_create_data_context;
+CommitRow dot11GroupAddressesTable_commit_row;
+
+Netsnmp_First_Data_Point dot11ResourceInfoTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11ResourceInfoTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11ResourceInfoTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11ResourceInfoTable_data_free;
+CreateRow dot11ResourceInfoTable_create_data_context;
+CommitRow dot11ResourceInfoTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PhyOperationTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PhyOperationTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11PhyOperationTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11PhyOperationTable_data_free;
+CreateRow dot11PhyOperationTable_create_data_context;
+CommitRow dot11PhyOperationTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PhyTxPowerTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PhyTxPowerTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11PhyTxPowerTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11PhyTxPowerTable_data_free;
+CreateRow dot11PhyTxPowerTable_create_data_context;
+CommitRow dot11PhyTxPowerTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PhyDSSSTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PhyDSSSTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11PhyDSSSTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11PhyDSSSTable_data_free;
+CreateRow dot11PhyDSSSTable_create_data_context;
+CommitRow dot11PhyDSSSTable_commit_row;
+
+Netsnmp_First_Data_Point dot11RegDomainsSupportedTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11RegDomainsSupportedTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11RegDomainsSupportedTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11RegDomainsSupportedTable_data_free;
+CreateRow dot11RegDomainsSupportedTable_create_data_context;
+CommitRow dot11RegDomainsSupportedTable_commit_row;
+
+Netsnmp_First_Data_Point dot11SupportedDataRatesTxTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11SupportedDataRatesTxTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11SupportedDataRatesTxTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11SupportedDataRatesTxTable_data_free;
+CreateRow dot11SupportedDataRatesTxTable_create_data_context;
+CommitRow dot11SupportedDataRatesTxTable_commit_row;
+
+Netsnmp_First_Data_Point dot11SupportedDataRatesRxTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11SupportedDataRatesRxTable_get_next_data_point;
+Netsnmp_Make_Data_Context dot11SupportedDataRatesRxTable_context_convert_function;
+Netsnmp_Free_Data_Context dot11SupportedDataRatesRxTable_data_free;
+CreateRow dot11SupportedDataRatesRxTable_create_data_context;
+CommitRow dot11SupportedDataRatesRxTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PhyHRDSSSTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PhyHRDSSSTable_get_next_data_point;
+CreateRow dot11PhyHRDSSSTable_create_data_context;
+CommitRow dot11PhyHRDSSSTable_commit_row;
+
+Netsnmp_First_Data_Point dot11PhyERPTable_get_first_data_point;
+Netsnmp_Next_Data_Point dot11PhyERPTable_get_next_data_point;
+CreateRow dot11PhyERPTable_create_data_context;
+CommitRow dot11PhyERPTable_commit_row;
+}
+#pragma GCC visibility pop
+
+struct Hooks {
+    Netsnmp_First_Data_Point* get_first_data_point;
+    Netsnmp_Next_Data_Point* get_next_data_point;
+    Netsnmp_Make_Data_Context* make_data_context;  // null for a table that never has rows
+    Netsnmp_Free_Data_Context* free_data_context;  // null for a table that never has rows
+    CreateRow* create_row;
+    CommitRow* commit_row;
+};
+
+extern const Hooks dot11StationConfigTable_hooks;
+extern const Hooks dot11AuthenticationAlgorithmsTable_hooks;
+extern const Hooks dot11WEPDefaultKeysTable_hooks;
+extern const Hooks dot11WEPKeyMappingsTable_hooks;
+extern const Hooks dot11PrivacyTable_hooks;
+extern const Hooks dot11OperationTable_hooks;
+extern const Hooks dot11CountersTable_hooks;
+extern const Hooks dot11GroupAddressesTable_hooks;
+extern const Hooks dot11ResourceInfoTable_hooks;
+extern const Hooks dot11PhyOperationTable_hooks;
+extern const Hooks dot11PhyTxPowerTable_hooks;
+extern const Hooks dot11PhyDSSSTable_hooks;
+extern const Hooks dot11RegDomainsSupportedTable_hooks;
+extern const Hooks dot11SupportedDataRatesTxTable_hooks;
+extern const Hooks dot11SupportedDataRatesRxTable_hooks;
+extern const Hooks dot11PhyHRDSSSTable_hooks;
+extern const Hooks dot11PhyERPTable_hooks;
+
+}  // namespace dot11

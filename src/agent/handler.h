@@ -1,0 +1,12 @@
+// The mode machine behind every table's handler.
+#pragma once
+
+#include "agent/catalogue.h"
+
+namespace dot11 {
+
+// Answers one phase of a request for all its varbinds in this table. Always SNMP_ERR_NOERROR: errors are attached to
+// varbinds.
+int handle_requests(const AgentTable& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests);
+
+}  // namespace dot11
