@@ -1,9 +1,10 @@
-// A growing array of plain data whose memory is overwritten before it is given back: it may hold keys.
+// A growing array of plain data whose memory is overwritten before it is given back: it may hold keys. It has pages of
+// its own, which the system moves as it grows, so that at no time there are two copies of it.
 #ifndef CFQL_ARRAY_H
 #define CFQL_ARRAY_H
 
-#include <stdlib.h>
 #include <string.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -22,13 +23,15 @@ class Array {
     Array& operator=(const Array&) = delete;
     ~Array() { clear(); }
 
-    T* data() { return data_; }
-    const T* data() const { return data_; }
+    T* begin() { return data_; }
+    T* end() { return data_ + size_; }
+    const T* begin() const { return data_; }
+    const T* end() const { return data_ + size_; }
     std::size_t size() const { return size_; }
-    T& operator[](std::size_t index) { return data_[index]; }
+    std::size_t bytes() const { return size_ * sizeof(T); }
     const T& operator[](std::size_t index) const { return data_[index]; }
 
-    // False when memory is short; the array is then as it was. ITEMS must not be part of the array.
+    // False when memory is short; the array is then as it was.
     bool append(const T* items, std::size_t count) {
         if (count > capacity_ - size_ && !grow(count)) return false;
         if (count != 0) memcpy(data_ + size_, items, count * sizeof(T));
@@ -36,17 +39,10 @@ class Array {
         return true;
     }
 
-    // COUNT items of all zero bits instead of the present ones.
-    bool assign_zero(std::size_t count) {
-        clear();
-        data_ = static_cast<T*>(calloc(count, sizeof(T)));
-        if (data_ != nullptr) size_ = capacity_ = count;
-        return data_ != nullptr;
-    }
-
     void clear() {
-        if (data_ != nullptr) explicit_bzero(data_, size_ * sizeof(T));
-        free(data_);
+        if (data_ == nullptr) return;
+        explicit_bzero(data_, bytes());
+        munmap(data_, capacity_ * sizeof(T));
         data_ = nullptr;
         size_ = capacity_ = 0;
     }
@@ -58,18 +54,17 @@ class Array {
     }
 
   private:
-    // Not realloc(), which would leave a copy behind.
+    // Pages that nothing was written to take no memory.
     bool grow(std::size_t count) {
+        constexpr std::size_t least = 4096;
         std::size_t bytes = 0;
-        const std::size_t capacity = size_ + std::max({count, size_, std::size_t{64}});
+        const std::size_t capacity = size_ + std::max({count, size_ / 4, least});
         if (capacity < size_ || __builtin_mul_overflow(capacity, sizeof(T), &bytes)) return false;
-        T* const data = static_cast<T*>(malloc(bytes));
-        if (data == nullptr) return false;
-        const std::size_t size = size_;
-        if (size != 0) memcpy(data, data_, size * sizeof(T));
-        clear();
-        data_ = data;
-        size_ = size;
+        void* const data = data_ == nullptr
+                               ? mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+                               : mremap(data_, capacity_ * sizeof(T), bytes, MREMAP_MAYMOVE);
+        if (data == MAP_FAILED) return false;
+        data_ = static_cast<T*>(data);
         capacity_ = capacity;
         return true;
     }

@@ -1,89 +1,39 @@
 #include "database.h"
 
-#include <errno.h>
-#include <fcntl.h>
-#include <limits.h>
+#include <sqlite3.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <time.h>
 
-#include <array>
-
-#include "code_pages.h"
+#include "checksum.h"
+#include "format.h"
+#include "vfs.h"
 
 namespace cfql {
 namespace {
 
-constexpr std::int64_t application_id = 0x6366716c;  // "cfql"
-constexpr std::int64_t format_version = 1;
-constexpr int reader_wait_ms = 200;
-constexpr int writer_wait_ms = 2000;
 constexpr int longest_row = 65536;  // octets; no sound row comes near, a damaged one may claim a gigabyte
 
-// The schema, in the order of the names. Texts are BLOBs: octets that SQLite does not interpret.
-struct SchemaEntry {
-    const char* name;
-    const char* sql;
-};
-constexpr SchemaEntry schema[] = {
-    {"attribute",
-     "CREATE TABLE attribute(object INTEGER NOT NULL, key BLOB NOT NULL, value BLOB NOT NULL, crc INTEGER NOT NULL, "
-     "PRIMARY KEY(object, key)) WITHOUT ROWID"},
-    {"object",
-     "CREATE TABLE object(id INTEGER PRIMARY KEY, tab BLOB NOT NULL, name BLOB NOT NULL, crc INTEGER NOT NULL)"},
-    {"object_name", "CREATE INDEX object_name ON object(tab, name)"},
-};
+// What a statement may take before the file counts as damaged: a few times what the worst sound store needs.
+constexpr int steps_a_call = 1000;
+constexpr std::int64_t calls_at_least = 50;
+constexpr std::int64_t calls_a_page = 2;
 
-// No mapped pages: a read of one that the medium no longer gives would be a signal. Nothing of a transaction goes to
-// other files than the journal. The log is cut to nothing when it has been written back, so that no old secrets stay in
-// it.
-constexpr const char* pragmas =
+// None of these reads the schema. No mapped pages: a read of one that the medium no longer gives would be a signal.
+// Nothing of a transaction goes to other files than the journal.
+constexpr const char* first_pragmas =
     "PRAGMA mmap_size=0;"
+    "PRAGMA temp_store=MEMORY;"
     "PRAGMA cell_size_check=ON;"
     "PRAGMA trusted_schema=OFF;"
-    "PRAGMA synchronous=FULL;"
-    "PRAGMA secure_delete=ON;"
-    "PRAGMA temp_store=MEMORY;"
-    "PRAGMA cache_size=-512;"
-    "PRAGMA journal_size_limit=0;";
+    "PRAGMA secure_delete=ON;";
 
-constexpr auto crc_table = [] {
-    std::array<std::uint32_t, 256> table{};
-    for (std::uint32_t octet = 0; octet < table.size(); ++octet) {
-        std::uint32_t crc = octet;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ ((crc & 1U) != 0 ? 0xedb88320U : 0U);
-        table[octet] = crc;
-    }
-    return table;
-}();
-
-class Crc32 {
-  public:
-    Crc32& octet(unsigned char value) {
-        state_ = (state_ >> 8) ^ crc_table[(state_ ^ value) & 0xffU];
-        return *this;
-    }
-    Crc32& number(std::int64_t value) {
-        for (int shift = 56; shift >= 0; shift -= 8)
-            octet(static_cast<unsigned char>(value >> shift));
-        return *this;
-    }
-    Crc32& text(Text value) {
-        for (char c : value)
-            octet(static_cast<unsigned char>(c));
-        return octet(0);
-    }
-    std::uint32_t result() const { return ~state_; }
-
-  private:
-    std::uint32_t state_ = 0xffffffffU;
-};
+// The journal is cut, not deleted: a deletion is not on stable storage until the directory is.
+constexpr const char* writer_pragmas = "PRAGMA synchronous=FULL; PRAGMA journal_mode=TRUNCATE; PRAGMA max_page_count=";
 
 Status status_of(int code) {
+    if (code == SQLITE_READONLY_ROLLBACK) return Status::interrupted;
+    if (code == SQLITE_IOERR_SHORT_READ) return Status::damaged;  // a file that was cut off while it was read
     switch (code & 0xff) {
         case SQLITE_OK:
         case SQLITE_ROW:
@@ -127,149 +77,13 @@ bool is_blob(sqlite3_stmt* statement, int index) {
     return sqlite3_column_type(statement, index) == SQLITE_BLOB;
 }
 
-const char* refusal_of(Text text, const char* empty, const char* too_long, const char* with_nul) {
-    if (text.empty()) return empty;
-    if (text.size() > text_limit) return too_long;
-    if (text.find('\0') != Text::npos) return with_nul;
-    return nullptr;
-}
-
-// SQLite gives names such as ":memory:" and "file:..." a meaning of their own; a path with a slash has none.
-bool plain_path(const char* path, char (&out)[PATH_MAX]) {
-    const int size = snprintf(out, sizeof out, "%s%s", path[0] == '/' ? "" : "./", path);
-    return size > 0 && static_cast<std::size_t>(size) < sizeof out;
-}
-
-Status examine_path(const char* path) {
-    struct stat file;
-    if (stat(path, &file) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR) return Status::absent;
-        return errno == EACCES ? Status::denied : Status::io_error;
-    }
-    return S_ISREG(file.st_mode) ? Status::ok : Status::not_a_store;
-}
-
-// The write-ahead log needs a file that processes share as memory. Some flash file systems have none.
-bool can_map_shared(const char* path) {
-    char probe[PATH_MAX];
-    const int size = snprintf(probe, sizeof probe, "%s-probe-XXXXXX", path);
-    if (size <= 0 || static_cast<std::size_t>(size) >= sizeof probe) return false;
-    const int file = mkstemp(probe);
-    if (file < 0) return false;
-    unlink(probe);
-    constexpr std::size_t extent = 32768;  // what the log's index begins with
-    void* memory = MAP_FAILED;
-    if (ftruncate(file, extent) == 0) memory = mmap(nullptr, extent, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-    close(file);
-    return memory != MAP_FAILED && munmap(memory, extent) == 0;
-}
-
-// An existing file is not opened: closing it again would drop the locks that this process may hold on it.
-Status make_file(const char* path) {
-    const int file = ::open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0640);
-    if (file < 0) {
-        if (errno == EEXIST) return Status::ok;
-        if (errno == ENOENT || errno == ENOTDIR) return Status::absent;
-        if (errno == EROFS) return Status::read_only;
-        if (errno == ENOSPC || errno == EDQUOT) return Status::full;
-        return errno == EACCES ? Status::denied : Status::io_error;
-    }
-    const bool moded = fchmod(file, 0640) == 0;  // whatever the umask
-    return close(file) == 0 && moded ? Status::ok : Status::io_error;
-}
-
-Status sync_directory(const char* path) {
-    char directory[PATH_MAX];
-    snprintf(directory, sizeof directory, "%s", path);
-    *(strrchr(directory, '/') + 1) = '\0';
-    const int handle = ::open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle < 0) return Status::io_error;
-    const bool synced = fsync(handle) == 0;
-    close(handle);
-    return synced ? Status::ok : Status::io_error;
-}
-
-// The name of an attribute (or, without key, of an object) for a person: control characters are shown as "?".
-void label(char (&out)[1024], const Row& row, Text key, const char* fault) {
-    snprintf(out, sizeof out, "%.*s %.*s%s%.*s: %s", static_cast<int>(row.table.size()), row.table.data(),
-             static_cast<int>(row.object.size()), row.object.data(), key.empty() ? "" : " ",
-             static_cast<int>(key.size()), key.data(), fault);
-    for (char* c = out; *c != '\0'; ++c) {
-        if (static_cast<unsigned char>(*c) < 0x20 || *c == 0x7f) *c = '?';
-    }
+std::int64_t milliseconds() {
+    struct timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
 }
 
 }  // namespace
-
-const char* describe(Status status) {
-    switch (status) {
-        case Status::ok:
-            return "no error";
-        case Status::end:
-            return "the end is reached";
-        case Status::not_found:
-            return "no such object or key";
-        case Status::refused:
-            return "a text is not allowed";
-        case Status::absent:
-            return "there is no store";
-        case Status::exists:
-            return "there is a store already";
-        case Status::not_a_store:
-            return "the file is not a configuration store";
-        case Status::wrong_version:
-            return "the store has the format of another release";
-        case Status::damaged:
-            return "the store is damaged";
-        case Status::denied:
-            return "the store may not be opened";
-        case Status::read_only:
-            return "the store may not be written";
-        case Status::busy:
-            return "another process holds the store locked";
-        case Status::full:
-            return "no space is left on the file system";
-        case Status::io_error:
-            return "the file system failed";
-        case Status::no_memory:
-            return "memory is short";
-    }
-    return "unknown failure";
-}
-
-const char* refusal_of_table(Text table) {
-    return refusal_of(table, "the table is empty", "the table is longer than 255 octets", "the table contains a NUL");
-}
-
-const char* refusal_of_object(Text table, Text object) {
-    if (table == singleton_table) return object.empty() ? nullptr : "the object of the table \"system\" has no name";
-    return refusal_of(object, "the object's name is empty", "the object's name is longer than 255 octets",
-                      "the object's name contains a NUL");
-}
-
-const char* refusal_of_key(Text key) {
-    if (key == name_key) return "\"name\" is the object's name, not a key";
-    return refusal_of(key, "the key is empty", "the key is longer than 255 octets", "the key contains a NUL");
-}
-
-const char* refusal_of_value(Text value) {
-    if (value.size() > value_limit) return "the value is longer than 4096 octets";
-    if (value.find('\0') != Text::npos) return "the value contains a NUL";
-    return nullptr;
-}
-
-const char* store_path() {
-    const char* path = secure_getenv("CFQL_STORE");
-    return path != nullptr && *path != '\0' ? path : "/var/lib/cfql/store.db";
-}
-
-std::uint32_t checksum_of_object(std::int64_t id, Text table, Text object) {
-    return Crc32().number(id).text(table).text(object).result();
-}
-
-std::uint32_t checksum_of_attribute(std::int64_t id, Text table, Text object, Text key, Text value) {
-    return Crc32().number(id).text(table).text(object).text(key).text(value).result();
-}
 
 void Cursor::close() {
     sqlite3_finalize(statement_);
@@ -313,66 +127,94 @@ Status Cursor::next(Row& row) {
     return Status::ok;
 }
 
-Status Database::create(const char* path) {
-    char file[PATH_MAX];
-    if (!plain_path(path, file)) return Status::absent;
-    Status status = make_file(file);
-    if (status == Status::ok) status = examine_path(file);
-    if (status == Status::ok) status = connect(file, SQLITE_OPEN_READWRITE, writer_wait_ms);
-    if (status == Status::ok) status = empty_file();
-    if (status == Status::ok) status = build(file);
-    if (status != Status::ok) rollback();
-    close();
-    return status == Status::ok ? sync_directory(file) : status;
-}
-
-// A file without contents is what create() begins with.
-Status Database::empty_file() {
-    std::int64_t kind = 0;
-    std::int64_t entries = 0;
-    Status status = number("PRAGMA application_id", kind);
-    if (status == Status::ok && kind == application_id) return Status::exists;
-    if (status == Status::ok) status = number("SELECT count(*) FROM sqlite_schema", entries);
-    if (status == Status::ok && (kind != 0 || entries != 0)) return Status::not_a_store;
-    return status;
-}
-
-Status Database::build(const char* path) {
-    Status status = run("PRAGMA encoding='UTF-8'; PRAGMA page_size=1024");
-    if (status == Status::ok) {
-        status = run(can_map_shared(path) ? "PRAGMA journal_mode=WAL" : "PRAGMA journal_mode=TRUNCATE");
-    }
-    if (status == Status::ok) status = begin_write();
-    if (status == Status::ok) status = empty_file();  // another process may have been faster
-    for (const SchemaEntry& entry : schema) {
-        if (status == Status::ok) status = run(entry.sql);
-    }
-    char marks[128];
-    snprintf(marks, sizeof marks, "PRAGMA application_id=%lld; PRAGMA user_version=%lld",
-             static_cast<long long>(application_id), static_cast<long long>(format_version));
-    if (status == Status::ok) status = run(marks);
-    return status == Status::ok ? commit() : status;
-}
-
 Status Database::open(const char* path, Access access) {
-    close();
-    char file[PATH_MAX];
-    if (!plain_path(path, file)) return Status::absent;
-    Status status = examine_path(file);
-    const bool writes = access == Access::write;
-    if (status == Status::ok) {
-        status = connect(file, writes ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY,
-                         writes ? writer_wait_ms : reader_wait_ms);
-    }
-    if (status == Status::ok) status = examine();
-    if (status == Status::ok && writes) status = choose_journal();
-    if (status == Status::ok && writes && sqlite3_db_readonly(connection_, "main") != 0) status = Status::read_only;
-    if (status != Status::ok) {
-        const int code = code_;
-        close();
-        code_ = code;
-    }
+    Status status = open_once(path, access);
+    // Where the recovery fails, the journal stays, and what it protects cannot be read either.
+    const bool reads = access == Access::recover || access == Access::salvage;
+    const bool failed = status == Status::io_error || status == Status::denied || status == Status::read_only;
+    if (reads && failed) status = open_for_load(path, reader_wait_ms);
+    if (status == Status::ok && access != Access::salvage) status = examine_structure();
+    if (status == Status::ok) rollback();
+    if (status == Status::ok && access == Access::write) status = prepare_to_write();
+    if (status != Status::ok) close();
     return status;
+}
+
+Status Database::open_once(const char* path, Access access) {
+    if (access == Access::read) return open_for_load(path, reader_wait_ms);
+    return connect(path, SQLITE_OPEN_READWRITE, writer_wait_ms);
+}
+
+Status Database::open_for_load(const char* path, int wait_ms) {
+    return connect(path, SQLITE_OPEN_READONLY, wait_ms);
+}
+
+// Leaves a read transaction open. Its lock comes before SQLite reads any of the schema.
+Status Database::connect(const char* path, int flags, int wait_ms) {
+    char file[PATH_MAX];
+    Status status = literal_path(path, file) ? open_file(file, flags, wait_ms) : Status::absent;
+    if (status == Status::ok) status = begin_read();
+    if (status == Status::ok) status = run("PRAGMA cache_size=-64");
+    if (status != Status::ok) close();
+    return status;
+}
+
+// Nothing is read through SQLite yet but a few octets of the header.
+Status Database::open_file(const char* file, int flags, int wait_ms) {
+    close();
+    code_ = SQLITE_OK;
+    detail_[0] = '\0';
+    wait_ms_ = wait_ms;
+    pages_ = 0;
+    const Status status = examine_path(file);
+    if (status != Status::ok) return status;
+    const int code =
+        sqlite3_open_v2(file, &connection_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, vfs_name());
+    return code == SQLITE_OK ? configure() : failure(code);
+}
+
+Status Database::configure() {
+    sqlite3_extended_result_codes(connection_, 1);
+    sqlite3_progress_handler(connection_, steps_a_call, count_steps, this);
+    sqlite3_busy_handler(connection_, wait_for_lock, this);
+    sqlite3_limit(connection_, SQLITE_LIMIT_LENGTH, longest_row);
+    sqlite3_limit(connection_, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_db_config(connection_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    // No pool of small blocks: it takes up to 120 kB at once to spare a few allocations.
+    sqlite3_db_config(connection_, SQLITE_DBCONFIG_LOOKASIDE, nullptr, 0, 0);
+    FirstPage page;
+    const Status status = read_page(page);
+    if (status != Status::ok) return status;
+    if (has_log_mode(page)) return Status::old_mode;
+    if (is_obstructed(sqlite3_db_filename(connection_, "main"))) return Status::obstructed;
+    return run(first_pragmas);
+}
+
+Status Database::prepare_to_write() {
+    if (sqlite3_db_readonly(connection_, "main") != 0) return Status::read_only;
+    pages_ = page_limit;
+    char sql[128];
+    snprintf(sql, sizeof sql, "%s%lld", writer_pragmas, static_cast<long long>(page_limit));
+    return run(sql);
+}
+
+// SQLite's own handler waits longer from time to time, until a writer that commits without pause starves it.
+int Database::wait_for_lock(void* database, int tries) {
+    auto& self = *static_cast<Database*>(database);
+    const std::int64_t now = milliseconds();
+    if (tries == 0) self.deadline_ = now + self.wait_ms_;
+    if (now >= self.deadline_) return 0;
+    constexpr struct timespec pause = {0, 1000000};
+    nanosleep(&pause, nullptr);
+    return 1;
+}
+
+int Database::count_steps(void* database) {
+    return --static_cast<Database*>(database)->steps_left_ < 0 ? 1 : 0;
+}
+
+void Database::allow_steps() {
+    steps_left_ = calls_at_least + calls_a_page * pages_;
 }
 
 void Database::close() {
@@ -382,114 +224,47 @@ void Database::close() {
     }
     sqlite3_close_v2(connection_);
     connection_ = nullptr;
-    code_ = SQLITE_OK;
-}
-
-Status Database::connect(const char* path, int flags, int wait_ms) {
-    const int code =
-        sqlite3_open_v2(path, &connection_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, nullptr);
-    if (code != SQLITE_OK) return failure(code);
-    return configure(wait_ms);
-}
-
-Status Database::configure(int wait_ms) {
-    sqlite3_extended_result_codes(connection_, 1);
-    sqlite3_busy_timeout(connection_, wait_ms);
-    sqlite3_limit(connection_, SQLITE_LIMIT_LENGTH, longest_row);
-    sqlite3_limit(connection_, SQLITE_LIMIT_ATTACHED, 0);
-    sqlite3_db_config(connection_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    // No pool of small blocks: it takes up to 120 kB at once to spare a few allocations.
-    sqlite3_db_config(connection_, SQLITE_DBCONFIG_LOOKASIDE, nullptr, 0, 0);
-    // Without this the last connection to close would remove the log, which readers without write rights cannot make
-    // again.
-    int persist = 1;
-    sqlite3_file_control(connection_, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-    return run(pragmas);
-}
-
-// Without a write-ahead log the journal is cut, not deleted: a deletion is not on stable storage until the directory
-// is.
-Status Database::choose_journal() {
-    sqlite3_stmt* statement = nullptr;
-    Status status = prepare("PRAGMA journal_mode", statement);
-    if (status != Status::ok) return status;
-    const int code = sqlite3_step(statement);
-    const bool has_log = code == SQLITE_ROW && column(statement, 0) == "wal";
-    sqlite3_finalize(statement);
-    if (code != SQLITE_ROW) return failure(code);
-    return has_log ? Status::ok : run("PRAGMA journal_mode=TRUNCATE");
-}
-
-Status Database::examine() {
-    Status status = expect("PRAGMA application_id", application_id, Status::not_a_store);
-    if (status == Status::ok) status = expect("PRAGMA user_version", format_version, Status::wrong_version);
-    if (status == Status::ok) status = examine_schema();
-    return status == Status::ok ? examine_structure() : status;
-}
-
-// A page that could not be read is reported as a fault too. What is really wrong is found again.
-Status Database::examine_structure() {
-    constexpr const char* pragma = "PRAGMA quick_check(1)";
-    const Status status = examine_pages(pragma, nullptr, nullptr);
-    return status == Status::damaged ? examine_pages(pragma, nullptr, nullptr) : status;
-}
-
-Status Database::expect(const char* pragma, std::int64_t expected, Status otherwise) {
-    std::int64_t found = 0;
-    const Status status = number(pragma, found);
-    return status == Status::ok && found != expected ? otherwise : status;
-}
-
-// Exactly the schema above: no view or trigger of a foreign hand is ever run.
-Status Database::examine_schema() {
-    sqlite3_stmt* statement = nullptr;
-    const Status status = prepare("SELECT name, sql FROM sqlite_schema ORDER BY name", statement);
-    if (status != Status::ok) return status;
-    bool equal = true;
-    int code = sqlite3_step(statement);
-    for (const SchemaEntry& entry : schema) {
-        equal = equal && code == SQLITE_ROW && column(statement, 0) == entry.name && column(statement, 1) == entry.sql;
-        if (code == SQLITE_ROW) code = sqlite3_step(statement);
-    }
-    sqlite3_finalize(statement);
-    if (code != SQLITE_ROW && code != SQLITE_DONE) return failure(code);
-    return equal && code == SQLITE_DONE ? Status::ok : Status::damaged;
-}
-
-// PRAGMA answers one row "ok" or a row for each fault. Without REPORT a fault is the result.
-Status Database::examine_pages(const char* pragma, Report report, void* context) {
-    sqlite3_stmt* statement = nullptr;
-    Status status = prepare(pragma, statement);
-    if (status != Status::ok) return status;
-    int code = SQLITE_ROW;
-    while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
-        const unsigned char* line = sqlite3_column_text(statement, 0);
-        const bool sound = line != nullptr && strcmp(reinterpret_cast<const char*>(line), "ok") == 0;
-        if (sound) continue;
-        if (report == nullptr) status = Status::damaged;
-        if (report != nullptr && line != nullptr) report(context, reinterpret_cast<const char*>(line));
-    }
-    sqlite3_finalize(statement);
-    return code == SQLITE_DONE ? status : failure(code);
-}
-
-bool Database::moved() {
-    int answer = 0;
-    return sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &answer) == SQLITE_OK && answer != 0;
-}
-
-Status Database::change_counter(std::int64_t& counter) {
-    return fetch(version_, counter);
 }
 
 Status Database::begin_read() {
-    return run("BEGIN");
+    return begin("BEGIN");
 }
 Status Database::begin_write() {
-    return run("BEGIN IMMEDIATE");
+    return begin("BEGIN IMMEDIATE");
 }
 Status Database::commit() {
     return run("COMMIT");
+}
+
+// The query takes the lock and does not read the schema, which is examined first.
+Status Database::begin(const char* sql) {
+    std::int64_t kind = 0;
+    Status status = run(sql);
+    if (status == Status::ok) status = number("PRAGMA application_id", kind);
+    if (status == Status::ok) status = examine_page();
+    if (status != Status::ok) rollback();
+    return status;
+}
+
+// Through SQLite's own descriptor: closing another one would drop the lock.
+Status Database::read_page(FirstPage& page) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection_, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite3_int64 size = 0;
+    int code = file->pMethods->xFileSize(file, &size);
+    if (code == SQLITE_OK) code = file->pMethods->xRead(file, page.octets, page_size, 0);
+    page.file_size = size;
+    return code == SQLITE_OK || code == SQLITE_IOERR_SHORT_READ ? Status::ok : failure(code);
+}
+
+Status Database::examine_page() {
+    FirstPage page;
+    const char* fault = nullptr;
+    Status status = read_page(page);
+    if (status == Status::ok) status = examine_first_page(page, fault);
+    counter_ = number_at(page.octets + counter_offset, 4);
+    if (pages_ < page_limit) pages_ = page.file_size / std::int64_t{page_size};
+    return fault != nullptr ? damage(fault) : status;
 }
 
 void Database::rollback() {
@@ -619,56 +394,12 @@ Status Database::list(Cursor& cursor, Text table) {
     return code == SQLITE_OK ? Status::ok : failure(code);
 }
 
-Status Database::check(Report report, void* context) {
-    Status status = examine_pages("PRAGMA integrity_check", report, context);
-    if (status == Status::ok) status = examine_orphans(report, context);
-    return status == Status::ok ? examine_checksums(report, context) : status;
-}
-
-Status Database::examine_orphans(Report report, void* context) {
-    std::int64_t orphans = 0;
-    const Status status = number("SELECT count(*) FROM attribute WHERE object NOT IN (SELECT id FROM object)", orphans);
-    if (status != Status::ok || orphans == 0) return status;
-    char line[64];
-    snprintf(line, sizeof line, "%lld values belong to no object", static_cast<long long>(orphans));
-    report(context, line);
-    return Status::ok;
-}
-
-Status Database::examine_checksums(Report report, void* context) {
-    Cursor cursor;
-    Row row;
-    char line[1024];
-    std::int64_t reported = 0;
-    Status status = list(cursor);
-    while (status == Status::ok && (status = cursor.next(row)) == Status::ok) {
-        if (!row.object_sound && row.id != reported) {
-            label(line, row, {}, "the object's checksum is wrong");
-            report(context, line);
-            reported = row.id;
-        }
-        if (row.object_sound && row.has_attribute && !row.attribute_sound) {
-            label(line, row, row.key, "the value's checksum is wrong");
-            report(context, line);
-        }
-    }
-    return status == Status::end ? Status::ok : status;
-}
-
-void Database::release_code() {
-    release_code_pages(reinterpret_cast<const void*>(&sqlite3_open_v2));
-}
-
-const char* Database::detail() const {
-    return connection_ != nullptr ? sqlite3_errmsg(connection_) : sqlite3_errstr(code_);
-}
-
 bool Database::worth_another_try() const {
-    return code_ == SQLITE_READONLY_RECOVERY || code_ == SQLITE_READONLY_CANTINIT || code_ == SQLITE_BUSY_RECOVERY ||
-           (code_ & 0xff) == SQLITE_IOERR;
+    return (code_ & 0xff) == SQLITE_IOERR;
 }
 
 Status Database::run(const char* sql) {
+    allow_steps();
     const int code = sqlite3_exec(connection_, sql, nullptr, nullptr, nullptr);
     return code == SQLITE_OK ? Status::ok : failure(code);
 }
@@ -684,6 +415,7 @@ Status Database::number(const char* sql, std::int64_t& result) {
 }
 
 Status Database::prepare(const char* sql, sqlite3_stmt*& statement, unsigned flags) {
+    allow_steps();
     const int code = sqlite3_prepare_v3(connection_, sql, -1, flags, &statement, nullptr);
     return code == SQLITE_OK ? Status::ok : failure(code);
 }
@@ -698,9 +430,9 @@ Status Database::query(Query which, sqlite3_stmt*& statement) {
         "INSERT OR REPLACE INTO attribute(object, key, value, crc) VALUES(?1, ?2, ?3, ?4)",
         "SELECT value, crc FROM attribute WHERE object = ?1 AND key = ?2",
         "DELETE FROM attribute WHERE object = ?1 AND key = ?2",
-        "PRAGMA data_version",
     };
     Status status = Status::ok;
+    allow_steps();
     if (queries_[which] == nullptr) status = prepare(sql[which], queries_[which], SQLITE_PREPARE_PERSISTENT);
     statement = queries_[which];
     return status;
@@ -726,8 +458,17 @@ Status Database::perform(sqlite3_stmt* statement) {
 
 // CODE may be SQLITE_DONE where a row had to come: the file lacks something that every store has.
 Status Database::failure(int code) {
+    if (code == SQLITE_INTERRUPT) return damage("it takes longer to read than any sound store");
     code_ = code == SQLITE_DONE ? SQLITE_CORRUPT : code;
+    const bool known = connection_ != nullptr && sqlite3_extended_errcode(connection_) == code_;
+    snprintf(detail_, sizeof detail_, "%s", known ? sqlite3_errmsg(connection_) : sqlite3_errstr(code_));
     return status_of(code_);
+}
+
+Status Database::damage(const char* what) {
+    code_ = SQLITE_CORRUPT;
+    snprintf(detail_, sizeof detail_, "%s", what);
+    return Status::damaged;
 }
 
 }  // namespace cfql

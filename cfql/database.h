@@ -1,11 +1,9 @@
-// The database layer of the configuration store: one connection to one store file. The library and the cfql tool stand
-// on it.
+// One connection to one store file. The library and the cfql tool stand on it. The file format is described in
+// docs/store-format.md.
 //
-// Every fact about the file is here and in database.cc: schema, limits, pragmas, journal, checksums. The file format is
-// described in docs/store-format.md.
-//
-// No exceptions, no C++ runtime. A Database is not for several threads at once. After a fork neither side may use a
-// connection that was open before it: close first.
+// No exceptions, no C++ runtime. A Database is not for several threads at once. Keep one open for one piece of work:
+// readers and writers exclude each other while a write is committed. A process that closes any descriptor of the
+// store's file loses the locks of all its connections to it.
 //
 // A typical writer:
 //
@@ -27,63 +25,34 @@
 //     while (status == cfql::Status::ok && (status = cursor.next(row)) == cfql::Status::ok) use(row);
 //     if (status != cfql::Status::end) complain();
 //
-// A watcher: compare change_counter() with its previous value on the same connection, and reopen when moved().
+// Who follows a store asks a Watch (watch.h) whether it may have changed, and opens it anew if so.
 #ifndef CFQL_DATABASE_H
 #define CFQL_DATABASE_H
 
-#include <sqlite3.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
+
+#include "path.h"
+#include "status.h"
+#include "store_limits.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
 
 namespace cfql {
 
 class Database;
-using Text = std::string_view;
+struct FirstPage;
 
-inline constexpr std::size_t text_limit = 255;     // octets of a table, an object's name, a key; at least 1
-inline constexpr std::size_t value_limit = 4096;   // octets of a value; at least 0
-inline constexpr Text singleton_table = "system";  // the table whose object has the empty name
-inline constexpr Text name_key = "name";           // stands for an object's name in lists, so no attribute may have it
+inline constexpr int reader_wait_ms = 200;   // for each lock
+inline constexpr int writer_wait_ms = 2000;  // the same
 
-enum class Status : std::uint8_t {
-    ok,
-    end,            // of an iteration
-    not_found,      // no such object or attribute
-    refused,        // the text breaks a limit: see refusal()
-    absent,         // no store file at the path
-    exists,         // create() on a store that is already there
-    not_a_store,    // a file of another kind
-    wrong_version,  // a store of a later release
-    damaged,        // the file's structure or a checksum is wrong
-    denied,         // the file or its directory may not be opened
-    read_only,      // the connection, the file or the file system does not allow writing
-    busy,           // another process kept the store locked for the whole time-out
-    full,           // no space left
-    io_error,       // the medium failed
-    no_memory,
+enum class Access : std::uint8_t {
+    read,     // changes nothing; `interrupted` where an interrupted write waits to be undone
+    recover,  // read, but undo an interrupted write first, where this process may
+    salvage,  // the same without examining the trees: list() goes as far as it can, check() tells where the damage is
+    write,
 };
-
-// One line without a full stop, for a message of the form "PATH: <line>".
-const char* describe(Status status);
-
-// Why a text is refused, as one line that names the rule, or null when it is allowed. An object is allowed or refused
-// for its table. All of them refuse a NUL among the octets.
-const char* refusal_of_table(Text table);
-const char* refusal_of_object(Text table, Text object);
-const char* refusal_of_key(Text key);
-const char* refusal_of_value(Text value);
-
-// CFQL_STORE, unless it is empty or the process runs with raised rights; otherwise /var/lib/cfql/store.db.
-const char* store_path();
-
-// CRC-32 (IEEE 802.3) over the object's id (8 octets, most significant first) and the given texts, each followed by a
-// NUL. An object's own checksum is over its table and name; an attribute's over table, name, key and value.
-std::uint32_t checksum_of_object(std::int64_t id, Text table, Text object);
-std::uint32_t checksum_of_attribute(std::int64_t id, Text table, Text object, Text key, Text value);
-
-enum class Access : std::uint8_t { read, write };
 
 // One step of a listing: an object with one of its attributes, or alone when it has none. Objects come in order of
 // insertion, the attributes of one object together and in octet order of their keys. Texts are valid until the cursor's
@@ -131,25 +100,25 @@ class Database {
     Database& operator=(const Database&) = delete;
     ~Database() { close(); }
 
-    // Makes an empty store at PATH: file mode 0640, WAL, or a TRUNCATE journal where files cannot be mapped shared. The
-    // directory must exist. All or nothing: an interrupted call leaves at most a file without contents, which the next
-    // call turns into a store. `exists` when there is a store, `not_a_store` when there is something else; neither is
-    // touched. Leaves nothing open.
+    // Makes an empty store at PATH: file mode 0640. The directory must exist. All or nothing: an interrupted call
+    // leaves at most a file without contents, which the next call turns into a store. `exists` when there is a store,
+    // `not_a_store` when there is something else; neither is touched. Leaves nothing open.
     Status create(const char* path);
 
-    // Opens an existing store and examines it (kind, version, schema, structure). Never makes a file; a reader changes
-    // nothing. Waits for locks up to 200 ms as a reader, 2 s as a writer. A relative PATH counts from the working
+    // Opens an existing store and examines it (kind, version, schema, structure). Never makes a file. Waits for each
+    // lock reader_wait_ms for Access::read, otherwise writer_wait_ms. A relative PATH counts from the working
     // directory.
     Status open(const char* path, Access access);
+
+    // As open() for Access::read, waiting WAIT_MS for the lock, but the trees are not examined, and a read transaction
+    // is left open: what follows sees one state.
+    Status open_for_load(const char* path, int wait_ms);
+
     void close();  // ends a transaction without effect
     bool is_open() const { return connection_ != nullptr; }
 
-    // The file at the path is no longer the one that is open: replaced or removed.
-    bool moved();
-
-    // A number that differs from the one before on this connection if another connection has changed the store in
-    // between.
-    Status change_counter(std::int64_t& counter);
+    // The header's change counter in the last transaction that was begun: every write adds 1.
+    std::uint32_t change_counter() const { return counter_; }
 
     // Transactions. Reads outside of one see each the latest state. commit() answers ok once everything is on stable
     // storage; with any other answer nothing has changed, unless the medium refused just that, and the transaction is
@@ -184,47 +153,37 @@ class Database {
     // Begins a listing of TABLE, or of everything when TABLE is empty.
     Status list(Cursor& cursor, Text table = {});
 
+    // Examines every page: `damaged` with the first fault in detail().
+    Status examine_structure();
+
     // Examines everything: structure, indexes, attributes without object, every checksum. Calls REPORT with one line
     // for each fault, without values. Answers ok when the examination ended, whatever it found.
     using Report = void (*)(void* context, const char* line);
     Status check(Report report, void* context);
 
-    // Takes the program code of SQLite out of the process's memory until it runs again: more than a megabyte, which a
-    // process that keeps its answers elsewhere has no use for between two looks at the store.
-    static void release_code();
-
-    // SQLite's own words about the last failure, one line, never null; valid until the next call.
-    const char* detail() const;
+    // What the last failure was about, one line, never null, empty when there is nothing to add to describe(). Valid
+    // until the next call.
+    const char* detail() const { return detail_; }
     // The last failure is of a kind that a second attempt at once may well overcome.
     bool worth_another_try() const;
 
   private:
     friend class Cursor;
-    enum Query : std::uint8_t {
-        find_,
-        next_id_,
-        insert_,
-        erase_,
-        erase_attributes_,
-        put_,
-        get_,
-        drop_,
-        version_,
-        query_count_
-    };
+    enum Query : std::uint8_t { find_, next_id_, insert_, erase_, erase_attributes_, put_, get_, drop_, query_count_ };
 
+    Status open_once(const char* path, Access access);
     Status connect(const char* path, int flags, int wait_ms);
-    Status configure(int wait_ms);
-    Status choose_journal();
-    Status examine();
-    Status expect(const char* pragma, std::int64_t expected, Status otherwise);
-    Status examine_schema();
-    Status examine_structure();
+    Status open_file(const char* file, int flags, int wait_ms);
+    Status configure();
+    Status prepare_to_write();
+    Status begin(const char* sql);
+    Status read_page(FirstPage& page);
+    Status examine_page();
     Status examine_pages(const char* pragma, Report report, void* context);
     Status examine_checksums(Report report, void* context);
     Status examine_orphans(Report report, void* context);
     Status empty_file();
-    Status build(const char* path);
+    Status build();
     Status run(const char* sql);
     Status number(const char* sql, std::int64_t& result);
     Status prepare(const char* sql, sqlite3_stmt*& statement, unsigned flags = 0);
@@ -232,10 +191,20 @@ class Database {
     Status fetch(Query which, std::int64_t& result);
     Status perform(sqlite3_stmt* statement);
     Status failure(int code);
+    Status damage(const char* what);
+    void allow_steps();
+    static int wait_for_lock(void* database, int tries);
+    static int count_steps(void* database);
 
     sqlite3* connection_ = nullptr;
     sqlite3_stmt* queries_[query_count_] = {};
-    int code_ = SQLITE_OK;          // the extended result code of the last failure
+    int wait_ms_ = 0;
+    std::int64_t deadline_ = 0;    // of the present wait for a lock
+    std::int64_t pages_ = 0;       // of the file, as a bound for the statements' steps
+    std::int64_t steps_left_ = 0;  // thousands that the present statement may take
+    std::uint32_t counter_ = 0;
+    int code_ = 0;  // the extended result code of the last failure
+    char detail_[200] = {};
     char value_[value_limit] = {};  // the answer of get_attribute()
 };
 

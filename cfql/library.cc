@@ -1,15 +1,14 @@
-// The four calls of the library: arguments, answers, the lock. What the store holds is the Reader's affair.
+// The four calls of the library: arguments, answers, the lock. What the store holds is the cache's affair.
 
 #pragma GCC visibility push(default)
 #include "cfqlquery.h"
 #pragma GCC visibility pop
 
 #include <pthread.h>
+#include <stdlib.h>
 #include <string.h>
 
-#include <initializer_list>
-
-#include "reader.h"
+#include "cache.h"
 
 namespace cfql {
 namespace {
@@ -20,52 +19,29 @@ struct Answer {
     cfqlquery_node head;
 };
 
-// The state of the process. Never destroyed: other code may call the library as late as it likes.
+// The state of the process. Never destroyed: other code may call the library as late as it likes. Nothing of it is
+// open, so a fork needs no care.
 union Process {
     struct State {
         pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
-        bool follows_forks = false;
-        Reader reader;
-        Database writer;
+        Cache cache;
     } state;
     constexpr Process() : state() {}
     ~Process() {}
 };
 constinit Process process;
 
-void close_connections() {
-    process.state.reader.close();
-    process.state.writer.close();
-}
-
-void before_fork() {
-    pthread_mutex_lock(&process.state.lock);
-    close_connections();
-}
-
-void after_fork() {
-    pthread_mutex_unlock(&process.state.lock);
-}
-
-// Holds the lock. A connection that crossed a fork would be of no use in the child and would take the parent's locks
-// with it, so from the first call on every fork closes them.
-class Turn {
+class Lock {
   public:
-    Turn() {
-        pthread_mutex_lock(&process.state.lock);
-        if (!process.state.follows_forks) {
-            process.state.follows_forks = pthread_atfork(before_fork, after_fork, after_fork) == 0;
-        }
-    }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-    ~Turn() { pthread_mutex_unlock(&process.state.lock); }
+    Lock() { pthread_mutex_lock(&process.state.lock); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock() { pthread_mutex_unlock(&process.state.lock); }
 };
 
 __attribute__((destructor)) void at_exit() {
-    Turn turn;
-    close_connections();
-    process.state.reader.forget();
+    const Lock lock;
+    process.state.cache.forget();
 }
 
 Text text_of(const char* text) {
@@ -106,18 +82,29 @@ cfqlquery_node* single(Text key, Text value) {
     return &answer->head;
 }
 
-// NAMES holds COUNT texts, each with its NUL. The rows share one copy of the filter's texts.
-cfqlquery_node* grid(const Array<char>& names, std::size_t count, const cfqlquery_node* filter) {
-    std::size_t pairs = 0;
-    std::size_t texts = names.size() + sizeof "name";
-    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next) {
-        ++pairs;
-        texts += strlen(pair->name) + strlen(pair->value) + 2;
-    }
+// What a grid takes.
+struct Extent {
+    std::size_t rows, pairs, octets;  // the octets of its texts, each with its NUL
+};
+
+Extent measure(const Snapshot& contents, Text table, const cfqlquery_node* filter) {
+    Extent extent = {0, 0, name_key.size() + 1};
+    std::size_t position = 0;
+    for (Text name; contents.next(table, filter, position, name); ++extent.rows)
+        extent.octets += name.size() + 1;
+    if (extent.rows == 0) return extent;
+    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next, ++extent.pairs)
+        extent.octets += strlen(pair->name) + strlen(pair->value) + 2;
+    return extent;
+}
+
+// The rows share one copy of the filter's texts.
+cfqlquery_node* grid(const Snapshot& contents, Text table, const cfqlquery_node* filter) {
+    const Extent extent = measure(contents, table, filter);
     std::size_t nodes = 0;
     char* place = nullptr;
-    if (__builtin_mul_overflow(count, pairs + 1, &nodes)) return nullptr;
-    Answer* const answer = new_answer(nodes, texts, place);
+    if (extent.rows == 0 || __builtin_mul_overflow(extent.rows, extent.pairs + 1, &nodes)) return nullptr;
+    Answer* const answer = new_answer(nodes, extent.octets, place);
     if (answer == nullptr) return nullptr;
     cfqlquery_node* const first = &answer->head;
     const char* const tag = put(place, name_key);
@@ -126,12 +113,13 @@ cfqlquery_node* grid(const Array<char>& names, std::size_t count, const cfqlquer
         node->name = put(place, pair->name);
         node->value = put(place, pair->value);
     }
-    const char* name = static_cast<const char*>(memcpy(place, names.data(), names.size()));
-    for (node = first; name != place + names.size(); name += strlen(name) + 1) {
+    std::size_t position = 0;
+    node = first;
+    for (Text name; contents.next(table, filter, position, name);) {
         node->name = tag;
-        node->value = name;
+        node->value = put(place, name);
         ++node;
-        for (std::size_t i = 1; i <= pairs; ++i, ++node) {
+        for (std::size_t i = 1; i <= extent.pairs; ++i, ++node) {
             node->name = first[i].name;
             node->value = first[i].value;
         }
@@ -139,14 +127,13 @@ cfqlquery_node* grid(const Array<char>& names, std::size_t count, const cfqlquer
     return first;
 }
 
-// One attempt at a durable write. The connection is kept for the next; a file that was replaced is opened anew.
-Status write(Database& writer, Text table, Text object, Text key, Text value) {
-    if (writer.is_open() && writer.moved()) writer.close();
-    Status status = writer.is_open() ? Status::ok : writer.open(store_path(), Access::write);
-    if (status == Status::ok) status = writer.begin_write();
-    if (status == Status::ok) status = writer.set(table, object, key, value);
-    if (status == Status::ok) status = writer.commit();
-    if (status != Status::ok) writer.rollback();
+// One attempt at a durable write.
+Status write(Database& store, Text table, Text object, Text key, Text value) {
+    Status status = store.open(store_path(), Access::write);
+    if (status == Status::ok) status = store.begin_write();
+    if (status == Status::ok) status = store.set(table, object, key, value);
+    if (status == Status::ok) status = store.commit();
+    store.close();
     return status;
 }
 
@@ -158,38 +145,32 @@ using cfql::Text;
 
 cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*, const cfqlquery_node* filter, int) {
     if (table == nullptr) return nullptr;
-    const cfql::Turn turn;
-    cfql::Reader& reader = process.state.reader;
-    reader.refresh(true);
-    cfql::Array<char> names;
-    std::size_t count = 0;
-    if (!reader.objects(table, filter, names, count) || count == 0) return nullptr;
-    return cfql::grid(names, count, filter);
+    const cfql::Lock lock;
+    cfql::Cache& cache = process.state.cache;
+    cache.refresh(true);
+    return cfql::grid(cache.contents(), table, filter);
 }
 
 cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const char* key) {
-    if (table == nullptr || key == nullptr || *key == '\0') return nullptr;
-    const cfql::Turn turn;
-    cfql::Reader& reader = process.state.reader;
-    reader.refresh(false);
+    if (table == nullptr || key == nullptr) return nullptr;
+    const cfql::Lock lock;
+    cfql::Cache& cache = process.state.cache;
+    cache.refresh(false);
     Text value;
-    return reader.get(table, cfql::text_of(object), key, value) ? cfql::single(key, value) : nullptr;
+    return cache.contents().get(table, cfql::text_of(object), key, value) ? cfql::single(key, value) : nullptr;
 }
 
 int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_node* pair, int) {
     if (pair == nullptr || pair->name == nullptr || pair->value == nullptr) return 0;
-    const cfql::Turn turn;
-    cfql::Database& writer = process.state.writer;
+    const cfql::Lock lock;
+    cfql::Database store;
     const Text name = cfql::text_of(object);
-    cfql::Status status = cfql::write(writer, cfql::text_of(table), name, pair->name, pair->value);
-    if (status != cfql::Status::ok && writer.worth_another_try()) {
-        writer.close();
-        status = cfql::write(writer, cfql::text_of(table), name, pair->name, pair->value);
-    }
-    if (status != cfql::Status::ok) writer.close();
-    process.state.reader.expire();
-    cfql::Database::release_code();
-    return status == cfql::Status::ok ? 1 : 0;
+    cfql::Status status = cfql::write(store, cfql::text_of(table), name, pair->name, pair->value);
+    if (status != cfql::Status::ok && store.worth_another_try())
+        status = cfql::write(store, cfql::text_of(table), name, pair->name, pair->value);
+    if (status != cfql::Status::ok) return 0;
+    process.state.cache.expire();
+    return 1;
 }
 
 void cfqlquery_destroy_pv(cfqlquery_node* list) {

@@ -1,172 +1,121 @@
 #include "snapshot.h"
 
-#include <string.h>
+#include <algorithm>
 
 namespace cfql {
-namespace {
 
-// Steps from the slot that the hash names. A store whose names were chosen to fall on few hash values is not indexed.
-constexpr std::size_t longest_probe = 1000;
-
-// FNV-1a over the three texts, a NUL between them. An object counts as a key without octets.
-std::uint32_t hash_of(Text table, Text object, Text key) {
-    std::uint32_t hash = 2166136261U;
-    const auto octet = [&hash](unsigned char value) { hash = (hash ^ value) * 16777619U; };
-    for (const char c : table)
-        octet(static_cast<unsigned char>(c));
-    octet(0);
-    for (const char c : object)
-        octet(static_cast<unsigned char>(c));
-    octet(0);
-    for (const char c : key)
-        octet(static_cast<unsigned char>(c));
-    return hash;
-}
-
-std::size_t slots_for(std::size_t items) {
-    std::size_t slots = 16;
-    while (slots < 2 * items)
-        slots *= 2;
-    return slots;
-}
-
-}  // namespace
-
-Status Snapshot::load(Database& store, bool& fits) {
+Status Snapshot::load(Database& store) {
     clear();
-    fits = true;
-    const Status status = collect(store, fits);
-    if (status != Status::ok || !fits) clear();
+    Status status = collect(store);
+    if (status == Status::ok && !sort()) status = Status::no_memory;
+    if (status != Status::ok) clear();
     return status;
 }
 
-Status Snapshot::collect(Database& store, bool& fits) {
+Status Snapshot::collect(Database& store) {
     Cursor cursor;
     Row row;
     Status status = store.list(cursor);
     while (status == Status::ok && (status = cursor.next(row)) == Status::ok) {
-        if (!take(row, fits)) return Status::no_memory;
-        if (!fits) return Status::ok;
+        if (!take(row)) return Status::no_memory;
+        // Values of a crafted file may share pages, and so be many times as long as the file.
+        if (bytes() > snapshot_limit) return Status::damaged;
     }
-    if (status != Status::end) return status;
-    return index(fits) ? Status::ok : Status::no_memory;
+    return status == Status::end ? Status::ok : status;
 }
 
-bool Snapshot::take(const Row& row, bool& fits) {
+bool Snapshot::take(const Row& row) {
     if (!row.object_sound) return true;
-    if (items_.size() == 0 || row.id != last_id_) {
-        if (!take_object(row)) return false;
-        last_id_ = row.id;
-    }
-    if (row.attribute_sound) {
-        const std::uint32_t owner = items_[items_.size() - 1].owner;
-        if (!add(row.key, row.value, owner, hash_of(row.table, row.object, row.key))) return false;
-    }
-    fits = bytes() <= snapshot_limit;
-    return true;
+    if ((objects_.size() == 0 || row.id != last_id_) && !take_object(row)) return false;
+    last_id_ = row.id;
+    if (!row.attribute_sound) return true;
+    const Attribute attribute = {static_cast<std::uint32_t>(texts_.size()),
+                                 static_cast<std::uint16_t>(row.value.size()),
+                                 static_cast<std::uint8_t>(row.key.size())};
+    return add_text(row.key) && add_text(row.value) && attributes_.append(&attribute, 1);
 }
 
 // Neighbours are mostly of one table, whose text is then shared.
 bool Snapshot::take_object(const Row& row) {
-    const auto index = static_cast<std::uint32_t>(items_.size());
-    const std::uint32_t hash = hash_of(row.table, row.object, {});
-    const Item* const previous = index == 0 ? nullptr : &items_[items_[index - 1].owner];
-    if (previous == nullptr || key(*previous) != row.table) return add(row.table, row.object, index, hash);
-    Item item = *previous;
-    item.hash = hash;
-    item.owner = index;
-    item.value_size = static_cast<std::uint16_t>(row.object.size());
-    return add_text(row.object, item.value) && items_.append(&item, 1);
+    const std::size_t count = objects_.size();
+    const bool shared = count != 0 && table(objects_[count - 1]) == row.table;
+    Object object = {};
+    object.table = shared ? objects_[count - 1].table : static_cast<std::uint32_t>(texts_.size());
+    if (!shared && !add_text(row.table)) return false;
+    object.name = static_cast<std::uint32_t>(texts_.size());
+    object.attributes = static_cast<std::uint32_t>(attributes_.size());
+    object.table_size = static_cast<std::uint8_t>(row.table.size());
+    object.name_size = static_cast<std::uint8_t>(row.object.size());
+    const auto index = static_cast<std::uint32_t>(count);
+    return add_text(row.object) && objects_.append(&object, 1) && sorted_.append(&index, 1);
 }
 
-bool Snapshot::add(Text key, Text value, std::uint32_t owner, std::uint32_t hash) {
-    Item item = {hash, owner, 0, 0, static_cast<std::uint16_t>(key.size()), static_cast<std::uint16_t>(value.size())};
-    return add_text(key, item.key) && add_text(value, item.value) && items_.append(&item, 1);
-}
-
-bool Snapshot::add_text(Text text, std::uint32_t& offset) {
-    offset = static_cast<std::uint32_t>(texts_.size());
+bool Snapshot::add_text(Text text) {
     return texts_.append(text.data(), text.size()) && texts_.append("", 1);
 }
 
-std::size_t Snapshot::bytes() const {
-    return texts_.size() + items_.size() * sizeof(Item) + slots_for(items_.size()) * sizeof(std::uint32_t);
-}
-
-// Of several objects with one name only the first is found by name, so the attributes of the others are not entered.
-bool Snapshot::index(bool& fits) {
-    if (!slots_.assign_zero(slots_for(items_.size()))) return false;
-    const std::size_t mask = slots_.size() - 1;
-    bool repeated = false;
-    for (std::uint32_t i = 0; i < items_.size() && fits; ++i) {
-        const Item& item = items_[i];
-        const bool is_object = item.owner == i;
-        if (!is_object && repeated) continue;
-        const Item& object = items_[item.owner];
-        const std::size_t slot = probe(item.hash, key(object), value(object), is_object ? Text() : key(item));
-        if (is_object) repeated = slots_[slot] != 0;
-        if (slots_[slot] == 0) slots_[slot] = i + 1;
-        fits = ((slot - item.hash) & mask) <= longest_probe;
-    }
-    return true;
+// An object without attributes ends the list: where the attributes of the last one end.
+bool Snapshot::sort() {
+    std::sort(sorted_.begin(), sorted_.end(), [this](std::uint32_t left, std::uint32_t right) {
+        const int tables = table(objects_[left]).compare(table(objects_[right]));
+        const int names = tables != 0 ? tables : name(objects_[left]).compare(name(objects_[right]));
+        return names != 0 ? names < 0 : left < right;
+    });
+    const Object end = {0, 0, static_cast<std::uint32_t>(attributes_.size()), 0, 0};
+    return objects_.append(&end, 1);
 }
 
 void Snapshot::clear() {
     texts_.clear();
-    items_.clear();
-    slots_.clear();
+    objects_.clear();
+    attributes_.clear();
+    sorted_.clear();
 }
 
 void Snapshot::swap(Snapshot& other) {
     texts_.swap(other.texts_);
-    items_.swap(other.items_);
-    slots_.swap(other.slots_);
+    objects_.swap(other.objects_);
+    attributes_.swap(other.attributes_);
+    sorted_.swap(other.sorted_);
 }
 
-bool Snapshot::is(std::uint32_t item, Text table, Text object, Text wanted) const {
-    const std::uint32_t owner = items_[item].owner;
-    const Text own = owner == item ? Text() : key(items_[item]);
-    return own == wanted && value(items_[owner]) == object && key(items_[owner]) == table;
+bool Snapshot::get(Text wanted_table, Text wanted_name, Text wanted_key, Text& value) const {
+    const std::uint32_t* const found = std::partition_point(sorted_.begin(), sorted_.end(), [&](std::uint32_t index) {
+        const int tables = table(objects_[index]).compare(wanted_table);
+        return tables != 0 ? tables < 0 : name(objects_[index]) < wanted_name;
+    });
+    if (found == sorted_.end()) return false;
+    const Object& object = objects_[*found];
+    return name(object) == wanted_name && table(object) == wanted_table && find(*found, wanted_key, value);
 }
 
-// The slot of that object or attribute, or the free one where it would be. At least half of the slots are free.
-std::size_t Snapshot::probe(std::uint32_t hash, Text table, Text object, Text key) const {
-    const std::size_t mask = slots_.size() - 1;
-    std::size_t slot = hash & mask;
-    while (slots_[slot] != 0) {
-        const std::uint32_t item = slots_[slot] - 1;
-        if (items_[item].hash == hash && is(item, table, object, key)) break;
-        slot = (slot + 1) & mask;
-    }
-    return slot;
+bool Snapshot::find(std::size_t object, Text wanted, Text& value) const {
+    const Attribute* const end = attributes_.begin() + objects_[object + 1].attributes;
+    const Attribute* const found =
+        std::partition_point(attributes_.begin() + objects_[object].attributes, end,
+                             [&](const Attribute& attribute) { return key(attribute) < wanted; });
+    if (found == end || key(*found) != wanted) return false;
+    value = text(found->key + found->key_size + 1, found->value_size);
+    return true;
 }
 
-bool Snapshot::get(Text table, Text object, Text key, Text& found) const {
-    if (slots_.size() == 0) return false;
-    const std::uint32_t item = slots_[probe(hash_of(table, object, key), table, object, key)];
-    if (item != 0) found = value(items_[item - 1]);
-    return item != 0;
-}
-
-bool Snapshot::carries(std::size_t object, const cfqlquery_node& pair) const {
-    if (pair.name == nullptr || pair.value == nullptr) return false;
-    for (std::size_t i = object + 1; i < items_.size() && items_[i].owner == object; ++i) {
-        if (key(items_[i]) == pair.name) return value(items_[i]) == pair.value;
-    }
-    return false;
-}
-
-bool Snapshot::objects(Text table, const cfqlquery_node* filter, Array<char>& names, std::size_t& count) const {
-    for (std::size_t i = 0; i < items_.size(); ++i) {
-        if (items_[i].owner != i || key(items_[i]) != table) continue;
-        const cfqlquery_node* pair = filter;
-        while (pair != nullptr && carries(i, *pair))
-            pair = pair->next;
-        if (pair != nullptr) continue;
-        if (!names.append(texts_.data() + items_[i].value, items_[i].value_size + 1U)) return false;
-        ++count;
+bool Snapshot::carries(std::size_t object, const cfqlquery_node* filter) const {
+    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next) {
+        Text value;
+        if (pair->name == nullptr || pair->value == nullptr) return false;
+        if (!find(object, pair->name, value) || value != pair->value) return false;
     }
     return true;
+}
+
+bool Snapshot::next(Text wanted, const cfqlquery_node* filter, std::size_t& position, Text& found) const {
+    for (; position < sorted_.size(); ++position) {
+        if (table(objects_[position]) != wanted || !carries(position, filter)) continue;
+        found = name(objects_[position]);
+        ++position;
+        return true;
+    }
+    return false;
 }
 
 }  // namespace cfql

@@ -32,6 +32,14 @@ const char* remedy(Status status) {
         case Status::read_only:
             return is_root ? "see that the file system is mounted for writing"
                            : "only root writes to it: ask root to run this command";
+        case Status::old_mode:
+            return "it is refused as it is";
+        case Status::obstructed:
+            return "it does not belong to the store";
+        case Status::interrupted:
+            return "until then it cannot be read";
+        case Status::too_large:
+            return "no store is";
         case Status::busy:
             return "try again; \"fuser\" tells which process holds it";
         case Status::full:

@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "output.h"
 #include "store.h"
+#include "watch.h"
 
 namespace cfql::tool {
 
@@ -71,43 +72,28 @@ class Differences {
 // The store as watch sees it; follows the file when another takes its place.
 class Watched {
   public:
-    explicit Watched(const std::string& path) : path_(path) { open(); }
+    explicit Watched(std::string path) : path_(std::move(path)) {}
 
     // Whether there may be something new to read.
-    bool changed() {
-        if (store_->database().moved()) {
-            open();
-            return true;
-        }
-        const std::int64_t before = counter_;
-        return take_counter() && counter_ != before;
-    }
+    bool changed() { return watch_.check(path_.c_str()) == Watch::Finding::changed; }
 
-    Reading read() { return store_->read(); }
+    Reading read() {
+        Store store(path_, Access::recover);
+        Reading reading = store.read();
+        watch_.loaded(store.database().change_counter());
+        return reading;
+    }
 
   private:
-    void open() {
-        store_ = std::make_unique<Store>(path_, Access::read);
-        take_counter();
-    }
-
-    // False when another process holds the store for the moment: the next look will tell.
-    bool take_counter() {
-        const Status status = store_->database().change_counter(counter_);
-        if (status == Status::busy) return false;
-        store_->require(status);
-        return true;
-    }
-
     std::string path_;
-    std::unique_ptr<Store> store_;
-    std::int64_t counter_ = 0;
+    Watch watch_;
 };
 
 }  // namespace
 
 Exit watch(const Request& request) {
     Watched store(request.store);
+    store.changed();
     Reading last = store.read();
     complain("watching " + request.store + "; end with Ctrl-C");
     const Differences differences(request.reveal);

@@ -1,9 +1,9 @@
-// store-damage STEP: damages every STEP-th page of a store and of its log, and the files as wholes, in every way of the
-// table below, and lets a child read everything. Exit status 0: no child died, hung or saw a value that was never
-// committed.
+// store-damage STEP: damages every STEP-th page of a store and of the journal of an interrupted write, and the files as
+// wholes, in every way of the table below, and lets a child read everything. Exit status 0: no child died, hung or saw
+// a value that was never committed.
 //
-// Each case runs twice: the child opens the damaged store, or it had the store open before the damage and is told to
-// look again after another process tried to write.
+// Each case runs twice: the child reads the damaged store for the first time, or it has read it before the damage and
+// is told to look again after another process tried to write.
 #include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>
@@ -34,20 +34,18 @@ std::string key_of(int key) {
 // A value says what it is of, so that a value in the wrong place is known.
 std::string value_of(int object, int key, int generation) {
     std::string text = name_of(object) + "/" + key_of(key) + "/" + std::to_string(generation) + "/";
-    return text + std::string(static_cast<std::size_t>(object * 7 + key * 13) % 150, 'v');
+    return text + std::string(static_cast<std::size_t>(object * 7 + key * 13) % 300, 'v');
 }
 
 // Generation 0 sets everything, later ones a part.
-void write_generation(const std::string& path, int generation) {
-    std::vector<Value> values;
+void write_generation(cfql::Database& store, int generation) {
+    require(store.begin_write());
     for (int o = 0; o < objects; ++o) {
         for (int k = 0; k < keys; ++k) {
-            if (generation == 0 || (o + k) % 3 == generation) {
-                values.push_back({"interface", name_of(o), key_of(k), value_of(o, k, generation)});
-            }
+            if (generation == 0 || (o + k) % 3 == generation)
+                require(store.set("interface", name_of(o), key_of(k), value_of(o, k, generation)));
         }
     }
-    put(path, values);
 }
 
 // What a reader may see. 0, or the rule that is broken.
@@ -83,12 +81,12 @@ Bytes noise(std::size_t size, unsigned seed) {
     return bytes;
 }
 
-// A file in pages behind a header of its own (the log's; the store has none), and the same file at an earlier time.
+// A file in pages behind a header of its own (the journal's; the store has none), and the same file at an earlier time.
 struct Target {
     Bytes now;
     Bytes earlier;
     std::size_t at;     // the page's place
-    std::size_t size;   // of a page, with what the log puts before it
+    std::size_t size;   // of a page, with what the journal puts around it
     std::size_t other;  // the place of another page
 };
 
@@ -134,8 +132,8 @@ const Damage file_damages[] = {
 };
 
 struct Images {
-    Bytes store, log;                  // as they are before the damage
-    Bytes earlier_store, earlier_log;  // as they were one generation before
+    Bytes store, earlier_store;                         // before the damage; one generation before
+    Bytes interrupted_store, journal, earlier_journal;  // in the middle of a write
 };
 
 class Damager {
@@ -145,7 +143,9 @@ class Damager {
 
     int run() {
         damage_file("store", images_.store, images_.earlier_store, "", 0, page_size);
-        damage_file("log", images_.log, images_.earlier_log, "-wal", 32, page_size + 24);
+        interrupted_ = true;
+        damage_file("interrupted store", images_.interrupted_store, images_.earlier_store, "", 0, page_size);
+        damage_file("journal", images_.journal, images_.earlier_journal, "-journal", 512, page_size + 8);
         printf("%d damaged stores read, %d failures\n", cases_, failures_);
         return failures_ == 0 ? 0 : 1;
     }
@@ -153,7 +153,7 @@ class Damager {
   private:
     void damage_file(const char* file, const Bytes& now, const Bytes& earlier, const char* suffix, std::size_t header,
                      std::size_t size) {
-        const std::size_t pages = (now.size() - header) / size;
+        const std::size_t pages = now.size() < header ? 0 : (now.size() - header) / size;
         for (std::size_t page = 0; page < pages; page += step_) {
             const std::size_t other = header + (page + 1 + page % 3) % pages * size;
             for (const Damage& damage : page_damages) {
@@ -177,23 +177,30 @@ class Damager {
         }
     }
 
-    // New files each time: no lock and no shared memory of the case before has a part in the next.
+    // New files each time: no lock of the case before has a part in the next.
     void restore() {
-        for (const char* suffix : {"", "-wal", "-shm"})
+        for (const char* suffix : {"", "-journal"})
             fs::remove(path_ + suffix);
-        save(path_, images_.store);
-        save(path_ + "-wal", images_.log);
+        save(path_, interrupted_ ? images_.interrupted_store : images_.store);
+        if (interrupted_) save(path_ + "-journal", images_.journal);
     }
 
     int read_after(const char* suffix, const Bytes& damaged) {
         save(path_ + suffix, damaged);
-        return in_child([] {
+        return in_child([this] {
             alarm(20);
-            return read_all();
+            const int result = read_all();
+            if (result != 0 || !interrupted_) return result;
+            // What an interrupted write left is undone by whoever may write.
+            cfql::Database().open(path_.c_str(), cfql::Access::recover);
+            return in_child(read_all);
         });
     }
 
     int read_across(const char* suffix, const Bytes& damaged) {
+        // A child that reads before the damage needs a store that can be read.
+        fs::remove(path_ + "-journal");
+        save(path_, images_.store);
         const SteppedChild child([](auto stop) {
             alarm(20);
             if (read_all() != 0 || !get("interface", "wlan0", "key-0")) return 10;
@@ -201,6 +208,7 @@ class Damager {
             return read_all();
         });
         if (child.wait_for_stop()) {
+            restore();
             save(path_ + suffix, damaged);
             // A write, if the store still allows one, makes the reader look at the pages again.
             in_child([] { return set("other", "o", "k", "v"); });
@@ -212,27 +220,30 @@ class Damager {
     std::string path_;
     Images images_;
     std::size_t step_;
+    bool interrupted_ = false;
     int cases_ = 0;
     int failures_ = 0;
 };
 
-// Two generations in the store, the third in the log alone: a reader that holds the store open keeps the log from being
-// written back.
+// The third generation is caught in the middle: it is larger than SQLite's cache, so that pages of it are in the store
+// before it is committed.
 Images prepare(const Place& place) {
     Images images;
     make(place.path());
-    write_generation(place.path(), 0);
+    cfql::Database store;
+    require(store.open(place.path().c_str(), cfql::Access::write));
+    write_generation(store, 0);
+    require(store.commit());
     images.earlier_store = load(place.path());
-    write_generation(place.path(), 1);
+    write_generation(store, 1);
+    images.earlier_journal = load(place.path() + "-journal");
+    require(store.commit());
     images.store = load(place.path());
-    cfql::Database reader;
-    require(reader.open(place.path().c_str(), cfql::Access::read));
-    put(place.path(), {{"interface", name_of(0), key_of(0), value_of(0, 0, 0)}});
-    images.earlier_log = load(place.path() + "-wal");
-    write_generation(place.path(), 2);
-    images.log = load(place.path() + "-wal");
-    images.store = load(place.path());
-    reader.close();
+    write_generation(store, 2);
+    images.interrupted_store = load(place.path());
+    images.journal = load(place.path() + "-journal");
+    store.rollback();
+    if (images.interrupted_store == images.store) throw std::runtime_error("the write was too small");
     return images;
 }
 
@@ -246,6 +257,6 @@ int main(int count, char** arguments) {
     }
     const Place place;
     Images images = prepare(place);
-    printf("%zu octets of store, %zu of log\n", images.store.size(), images.log.size());
+    printf("%zu octets of store, %zu of journal\n", images.store.size(), images.journal.size());
     return Damager(place, std::move(images), static_cast<std::size_t>(step)).run();
 }

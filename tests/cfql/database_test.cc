@@ -1,20 +1,12 @@
 // The database layer by itself: what it puts into the file, what it refuses, what it tells.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 
+#include "checksum.h"
 #include "fixture.h"
-
-static bool mapping_fails = false;
-
-extern "C" void* __real_mmap(void* address, size_t size, int protection, int flags, int file, off_t offset);
-
-// A file system without shared mappings.
-extern "C" void* __wrap_mmap(void* address, size_t size, int protection, int flags, int file, off_t offset) {
-    if (mapping_fails && (flags & MAP_SHARED) != 0) return MAP_FAILED;
-    return __real_mmap(address, size, protection, flags, file, offset);
-}
+#include "format.h"
+#include "watch.h"
 
 namespace {
 
@@ -66,7 +58,7 @@ TEST(File, HasTheFormatThatIsDocumented) {
         {"PRAGMA user_version", "1|"},
         {"PRAGMA page_size", "1024|"},
         {"PRAGMA encoding", "UTF-8|"},
-        {"PRAGMA journal_mode", "wal|"},
+        {"PRAGMA journal_mode", "delete|"},  // of this connection: the file names none
         {"SELECT id, tab, name, typeof(tab), typeof(name), crc FROM object", "1|interface|wlan0|blob|blob|1756320469|"},
         {"SELECT object, key, value, typeof(key), typeof(value), crc FROM attribute",
          "1|ssid|office|blob|blob|2576157382|"},
@@ -76,12 +68,13 @@ TEST(File, HasTheFormatThatIsDocumented) {
     EXPECT_EQ(fs::file_size(place.path()) % 1024, 0U);
 }
 
-TEST(File, KeepsItsLogForReadersWithoutWriteRightsAndNoOldSecretsInIt) {
+TEST(File, IsAloneButForACutJournalAndKeepsNoOldSecrets) {
     const Place place;
     make(place.path(), {{"interface", "wlan0", "wep-key-1", "0123456789"}});
-    EXPECT_TRUE(fs::exists(place.path() + "-shm"));
-    EXPECT_EQ(fs::file_size(place.path() + "-wal"), 0U);
     put(place.path(), {{"interface", "wlan0", "wep-key-1", ""}});
+    EXPECT_FALSE(fs::exists(place.path() + "-wal"));
+    EXPECT_FALSE(fs::exists(place.path() + "-shm"));
+    EXPECT_EQ(fs::file_size(place.path() + "-journal"), 0U);
     EXPECT_EQ(in_child([&] { return execlp("grep", "grep", "-q", "0123456789", place.path().c_str(), nullptr); }), 1);
 }
 
@@ -133,19 +126,6 @@ TEST(Create, CompletesAFileThatAnInterruptedCallLeft) {
     close(open(place.path().c_str(), O_CREAT | O_WRONLY, 0640));
     make(place.path(), {{"system", "", "model", "x"}});
     EXPECT_EQ(faults(place.path()), std::vector<std::string>());
-}
-
-TEST(Create, UsesACutJournalWhereFilesCannotBeMappedShared) {
-    const Place place;
-    mapping_fails = true;
-    make(place.path(), {{"system", "", "model", "x"}});
-    mapping_fails = false;
-    EXPECT_NE(asked(place.path(), "PRAGMA journal_mode"), "wal|");
-    EXPECT_FALSE(fs::exists(place.path() + "-shm"));
-    EXPECT_EQ(fs::file_size(place.path() + "-journal"), 0U);
-    for (const auto& entry : fs::directory_iterator(place.directory())) {
-        EXPECT_EQ(entry.path().string().find("probe"), std::string::npos) << entry.path();
-    }
 }
 
 TEST(Create, NamesWithAMeaningToSqliteArePlainFiles) {
@@ -270,24 +250,6 @@ TEST(Check, NamesEveryFaultWithoutValues) {
         faults(place.path()),
         (std::vector<std::string>{"1 values belong to no object", "bss b k: the value's checksum is wrong",
                                   "bss c: the object's checksum is wrong", "bss ?: the object's checksum is wrong"}));
-}
-
-TEST(Watch, TheCounterChangesWithOthersAndTheFileIsFollowed) {
-    const Place place;
-    make(place.path());
-    cfql::Database store;
-    std::int64_t first = 0;
-    std::int64_t second = 0;
-    require(store.open(place.path().c_str(), Access::read));
-    require(store.change_counter(first));
-    require(store.change_counter(second));
-    EXPECT_EQ(first, second);
-    EXPECT_FALSE(store.moved());
-    put(place.path(), {{"system", "", "model", "x"}});
-    require(store.change_counter(second));
-    EXPECT_NE(first, second);
-    fs::remove(place.path());
-    EXPECT_TRUE(store.moved());
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ namespace store_test {
 
 enum class Call : std::uint8_t {
     open_store,
-    open,  // the log or the journal
+    open,  // the journal
     access,
     remove,
     read,
@@ -29,9 +29,7 @@ enum class Call : std::uint8_t {
     sync,
     sync_directory,
     size,
-    lock,
-    shm_map,
-    shm_lock
+    lock
 };
 
 // What a call that opens, writes, truncates, syncs or removes a file is about.
@@ -114,14 +112,8 @@ inline int sync(int file) {
     return !directory || disk.ask(Call::sync_directory) == SQLITE_OK ? 0 : -1;
 }
 
-// Locks are always given back.
-inline int shm_lock(sqlite3_file* file, int offset, int count, int flags) {
-    const int code = (flags & SQLITE_SHM_LOCK) != 0 ? disk.ask(Call::shm_lock) : SQLITE_OK;
-    return code == SQLITE_OK ? pass<&Io::xShmLock>(file, offset, count, flags) : code;
-}
-
 inline constexpr Io methods = {
-    2,
+    1,
     pass<&Io::xClose>,
     ask<&Io::xRead, Call::read>,
     write,
@@ -134,10 +126,10 @@ inline constexpr Io methods = {
     pass<&Io::xFileControl>,
     pass<&Io::xSectorSize>,
     pass<&Io::xDeviceCharacteristics>,
-    ask<&Io::xShmMap, Call::shm_map>,
-    shm_lock,
-    pass<&Io::xShmBarrier>,
-    pass<&Io::xShmUnmap>,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
     nullptr,
     nullptr,
 };
@@ -163,11 +155,6 @@ inline int remove(sqlite3_vfs*, const char* path, int synced) {
     return code == SQLITE_OK ? system->xDelete(system, path, synced) : code;
 }
 
-inline int sleep(sqlite3_vfs*, int microseconds) {
-    milliseconds += microseconds / 1000;
-    return microseconds;
-}
-
 inline const bool registered = [] {
     static sqlite3_vfs vfs = *system;
     vfs.szOsFile += static_cast<int>(sizeof(File));
@@ -175,7 +162,6 @@ inline const bool registered = [] {
     vfs.xOpen = open;
     vfs.xAccess = access;
     vfs.xDelete = remove;
-    vfs.xSleep = sleep;
     return sqlite3_vfs_register(&vfs, 1) == SQLITE_OK;
 }();
 
@@ -185,8 +171,15 @@ inline const bool registered = [] {
 // The C library's, for whatever else asks for a time.
 extern "C" int clock_gettime(clockid_t clock, timespec* now) noexcept {
     using store_test::milliseconds;
-    if (clock != CLOCK_MONOTONIC_COARSE) return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
+    if (clock != CLOCK_MONOTONIC_COARSE && clock != CLOCK_MONOTONIC)
+        return static_cast<int>(syscall(SYS_clock_gettime, clock, now));
     *now = {milliseconds / 1000, milliseconds % 1000 * 1000000};
+    return 0;
+}
+
+// Waiting for a lock passes the time.
+extern "C" int nanosleep(const timespec* pause, timespec*) {
+    store_test::milliseconds += pause->tv_nsec / 1000000;
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #define TESTS_CFQL_LIBRARY_FIXTURE_H
 
 #include <cfqlquery.h>
+#include <sqlite3.h>
 #include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -74,9 +75,7 @@ inline void make(const std::string& path, const std::vector<Value>& values = {})
 inline void sql(const std::string& path, const char* statement) {
     sqlite3* connection = nullptr;
     char* message = nullptr;
-    int persist = 1;
     sqlite3_open(path.c_str(), &connection);
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
     const int code = sqlite3_exec(connection, statement, nullptr, nullptr, &message);
     const std::string text = message == nullptr ? "" : message;
     sqlite3_free(message);

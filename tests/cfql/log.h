@@ -1,35 +1,29 @@
-// Stands in for syslog: a program that includes this collects the library's log lines in log_lines.
+// Stands in for the system's log: a program that includes this collects the library's log lines in log_lines, each
+// without the number of the process.
 #ifndef TESTS_CFQL_LIBRARY_LOG_H
 #define TESTS_CFQL_LIBRARY_LOG_H
 
-#include <stdarg.h>
-#include <stdio.h>
-#include <syslog.h>
+#include <dlfcn.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include <string>
 #include <vector>
 
 inline std::vector<std::string> log_lines;
 
-inline void collect_log_line(int priority, const char* format, va_list arguments) {
-    char line[1024];
-    vsnprintf(line, sizeof line, format, arguments);
-    log_lines.push_back("<" + std::to_string(priority) + ">" + line);
-}
-
-extern "C" void syslog(int priority, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    collect_log_line(priority, format, arguments);
-    va_end(arguments);
-}
-
-// What a build with _FORTIFY_SOURCE calls instead.
-extern "C" void __syslog_chk(int priority, int, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    collect_log_line(priority, format, arguments);
-    va_end(arguments);
+extern "C" ssize_t sendto(int socket, const void* octets, size_t size, int flags, const sockaddr* to,
+                          socklen_t length) {
+    static const auto real = reinterpret_cast<decltype(&sendto)>(dlsym(RTLD_NEXT, "sendto"));
+    const bool to_log = to != nullptr && to->sa_family == AF_UNIX &&
+                        strcmp(reinterpret_cast<const sockaddr_un*>(to)->sun_path, "/dev/log") == 0;
+    if (!to_log) return real(socket, octets, size, flags, to, length);
+    std::string line(static_cast<const char*>(octets), size);
+    const std::size_t number = line.find('[');
+    line.erase(number, line.find(']') + 1 - number);
+    log_lines.push_back(line);
+    return static_cast<ssize_t>(size);
 }
 
 #endif

@@ -6,6 +6,7 @@
 
 #include "disk.h"
 #include "fixture.h"
+#include "log.h"
 
 namespace {
 
@@ -13,7 +14,6 @@ using namespace store_test;
 namespace fs = std::filesystem;
 
 using Ssid = std::optional<std::string>;
-constexpr uid_t nobody = 65534;
 
 Ssid ssid() {
     return get("interface", "wlan0", "ssid");
@@ -70,7 +70,7 @@ bool alone(Body body) {
     return in_child([&] { return body(), testing::Test::HasFailure() ? 1 : 0; }) == 0;
 }
 
-// What another process finds. As a writer: without a log, only a writer undoes what was left unfinished.
+// What another process finds. As a writer, which undoes what was left unfinished.
 Ssid on_disk() {
     const int found = in_child([] {
         cfql::Database store;
@@ -84,44 +84,33 @@ Ssid on_disk() {
 
 class Retry : public testing::Test {
   protected:
-    Retry() { make_for("WAL"); }
-
-    // A store with the journal that is named, as a writer that was killed leaves it: the log holds something, and
-    // nobody keeps the log's index.
-    void make_for(const std::string& journal) {
-        fs::remove_all(kept);
-        begin();
-        make(place.path());
-        sql(place.path(), ("PRAGMA journal_mode=" + journal).c_str());
-        EXPECT_TRUE(alone([] { EXPECT_EQ(set("interface", "wlan0", "ssid", "office"), 1); }));
-        fs::copy(place.directory(), kept);
+    Retry() {
+        make(place.path(), {{"interface", "wlan0", "ssid", "office"}});
+        fs::copy_file(place.path(), kept);
     }
 
     // The same store again.
     void begin() {
-        for (const char* name : {"store.db", "store.db-wal", "store.db-shm", "store.db-journal"}) {
-            fs::remove(place.directory() / fs::path(name));
-            if (fs::exists(kept / name)) fs::copy_file(kept / name, place.directory() / fs::path(name));
-        }
+        fs::remove(place.path() + "-journal");
+        fs::copy_file(kept, place.path(), fs::copy_options::overwrite_existing);
     }
     Place place;
-    const fs::path kept = place.directory() + "/kept";
+    const std::string kept = place.directory() + "/kept";
 };
 
-TEST_F(Retry, WithoutAFailureTheStoreIsAskedOnce) {
+TEST_F(Retry, WithoutAFailureTheStoreIsOpenedOnce) {
     EXPECT_TRUE(alone([] {
         disk.become(nullptr);
         EXPECT_EQ(ssid(), "office");
         EXPECT_EQ(disk.calls[Call::open_store], 1);
         disk.become(nullptr);
         EXPECT_EQ(look(), "office");
-        EXPECT_EQ(disk.calls, (std::map<Call, int>{{Call::shm_lock, 1}}));
+        EXPECT_EQ(disk.calls, (std::map<Call, int>{}));
         EXPECT_EQ(write_home(), "home");
         EXPECT_EQ(disk.calls[Call::open_store], 1);
         disk.become(nullptr);
-        EXPECT_EQ(write_home(), "home");
-        EXPECT_EQ(disk.calls[Call::open_store], 0);
-        EXPECT_EQ(disk.calls[Call::sync], 1);
+        EXPECT_EQ(look(), "home");
+        EXPECT_EQ(disk.calls[Call::open_store], 1);
     }));
 }
 
@@ -131,27 +120,14 @@ const struct {
     int code;
     int tries;
 } facts[] = {
-    {first_read, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
-    {first_read, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
-    {first_read, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
-    {first_read, Call::open_store, SQLITE_IOERR, 2},
-    {first_read, Call::read, SQLITE_IOERR_READ, 2},
-    {first_read, Call::shm_lock, SQLITE_READONLY_DBMOVED, 1},
-    {first_read, Call::shm_lock, SQLITE_NOTADB, 1},
-    {first_read, Call::open_store, SQLITE_CANTOPEN, 1},
-    {later_read, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
-    {later_read, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
-    {later_read, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
-    {later_read, Call::shm_lock, SQLITE_NOTADB, 1},
-    {first_write, Call::shm_lock, SQLITE_IOERR_SHMLOCK, 2},
-    {first_write, Call::shm_lock, SQLITE_READONLY_RECOVERY, 2},
-    {first_write, Call::shm_lock, SQLITE_READONLY_CANTINIT, 2},
-    {first_write, Call::write, SQLITE_IOERR_WRITE, 2},
-    {first_write, Call::write, SQLITE_FULL, 1},
-    {first_write, Call::shm_lock, SQLITE_NOTADB, 1},
+    {first_read, Call::lock, SQLITE_IOERR_RDLOCK, 2},   {first_read, Call::open_store, SQLITE_IOERR, 2},
+    {first_read, Call::read, SQLITE_IOERR_READ, 2},     {first_read, Call::lock, SQLITE_NOTADB, 1},
+    {first_read, Call::open_store, SQLITE_CANTOPEN, 1}, {later_read, Call::lock, SQLITE_IOERR_RDLOCK, 2},
+    {later_read, Call::read, SQLITE_IOERR_READ, 2},     {later_read, Call::lock, SQLITE_NOTADB, 1},
+    {first_write, Call::lock, SQLITE_IOERR_LOCK, 2},    {first_write, Call::write, SQLITE_IOERR_WRITE, 2},
+    {first_write, Call::write, SQLITE_FULL, 1},         {first_write, Call::lock, SQLITE_NOTADB, 1},
 };
 
-// The inner child has no connections: each of its attempts opens the store.
 TEST_F(Retry, WhatMayPassIsTriedOnceMore) {
     for (const auto& fact : facts) {
         for (const bool passes : {true, false}) {
@@ -178,96 +154,44 @@ TEST_F(Retry, TheNextTryFollowsInASecond) {
         begin();
         ASSERT_TRUE(alone([&] {
             operation->prepare();
-            disk.become(fails_for_ever(Call::shm_lock, SQLITE_IOERR_SHMLOCK));
+            disk.become(fails_for_ever(Call::lock, SQLITE_IOERR_RDLOCK));
             EXPECT_EQ(operation->run(), operation->failed);
             EXPECT_EQ(disk.failures, 2);
             disk.become(nullptr);
-            milliseconds += 999;
+            milliseconds += 970;
             EXPECT_EQ(operation->run(), operation->failed);
             EXPECT_EQ(disk.calls, (std::map<Call, int>{}));
-            milliseconds += 1;
+            milliseconds += 30;
             EXPECT_EQ(operation->run(), operation->done);
-            EXPECT_EQ(disk.calls[Call::open_store], 1) << "the file is examined anew";
+            EXPECT_EQ(disk.calls[Call::open_store], 1);
         }));
     }
 }
 
-// A look at a store that others keep locked may take long: most of the time is left for answers.
+// A load from a failing disk may take long: most of the time is left for answers.
 TEST_F(Retry, TheNextTryFollowsInFourTimesWhatTheLastTook) {
     const struct {
         int failure, pause;  // what each of two failures takes, and what follows, in milliseconds
-    } times[] = {{100, 1000}, {125, 1000}, {126, 1008}, {200, 1600}, {5000, 40000}};
+    } times[] = {{100, 1000}, {125, 1000}, {126, 1008}, {200, 1600}, {5000, 10000}};
     for (const auto& [failure, pause] : times) {
         SCOPED_TRACE(failure);
         begin();
         ASSERT_TRUE(alone([failure = failure, pause = pause] {
             change();
             disk.become([=](Call call, int) {
-                if (call != Call::shm_lock) return SQLITE_OK;
+                if (call != Call::lock) return SQLITE_OK;
                 milliseconds += failure;
-                return SQLITE_IOERR_SHMLOCK;
+                return SQLITE_IOERR_RDLOCK;
             });
             EXPECT_EQ(look(), "office");
             EXPECT_EQ(disk.failures, 2);
             disk.become(nullptr);
-            milliseconds += pause - 1;
+            milliseconds += pause - 60;
             EXPECT_EQ(look(), "office");
             EXPECT_EQ(disk.calls, (std::map<Call, int>{}));
-            milliseconds += 1;
+            milliseconds += 60;
             EXPECT_EQ(ssid(), "home") << "by a single value too";
         }));
-    }
-}
-
-// Gives up the rights with which root writes into files that nobody may write.
-void become_owner(const fs::path& directory) {
-    if (getuid() != 0) return;
-    for (const auto& file : fs::directory_iterator(directory))
-        ASSERT_EQ(chown(file.path().c_str(), nobody, nobody), 0);
-    ASSERT_EQ(chown(directory.c_str(), nobody, nobody), 0);
-    ASSERT_TRUE(setgid(nobody) == 0 && setuid(nobody) == 0);
-}
-
-// A reader that may not write the log's index, while another process stands STILL in the middle of recovering the log.
-// That one goes on before the second attempt, or only when both are over.
-void read_beside_recovery(bool (*still)(Call call), bool in_time) {
-    const pid_t writer = start([&] {
-        disk.become([still, stood = false](Call call, int) mutable {
-            if (!stood && still(call)) stood = raise(SIGSTOP) == 0;
-            return SQLITE_OK;
-        });
-        return write_home() == "home" ? 0 : 1;
-    });
-    waitpid(writer, nullptr, WUNTRACED);
-    bool stands = true;
-    const auto go_on = [&] {
-        EXPECT_TRUE(!std::exchange(stands, false) || (kill(writer, SIGCONT) == 0 && finish(writer) == 0));
-    };
-    EXPECT_EQ(chmod((cfql::store_path() + std::string("-shm")).c_str(), 0400), 0);
-    disk.become([&](Call call, int nth) {
-        if (in_time && call == Call::open_store && nth == 2) go_on();
-        return SQLITE_OK;
-    });
-    EXPECT_EQ(ssid(), in_time ? Ssid("home") : std::nullopt);
-    EXPECT_EQ(disk.calls[Call::open_store], 2);
-    go_on();
-    milliseconds += 4 * 2 * 250;  // two waits for a lock, 200 ms and a little more
-    EXPECT_EQ(look(), "home");
-}
-
-// SQLite says READONLY_RECOVERY before the other process has taken the locks for it, afterwards BUSY_RECOVERY.
-TEST_F(Retry, ARecoveryByAnotherProcessIsWaitedFor) {
-    const auto before = [](Call call) { return call == Call::shm_lock; };
-    const auto amid = [](Call call) { return call == Call::read && disk.calls[Call::shm_lock] == 2; };
-    for (bool (*still)(Call call) : {+before, +amid}) {
-        for (const bool in_time : {true, false}) {
-            SCOPED_TRACE(testing::Message() << (still == +before ? "before" : "amid") << ", in time " << in_time);
-            begin();
-            ASSERT_TRUE(alone([&] {
-                become_owner(place.directory());
-                read_beside_recovery(still, in_time);
-            }));
-        }
     }
 }
 
@@ -278,7 +202,7 @@ struct Failure {
 };
 const Failure failures[] = {
     {"open the store", Call::open_store, SQLITE_IOERR},
-    {"open the log", Call::open, SQLITE_IOERR},
+    {"open the journal", Call::open, SQLITE_IOERR},
     {"access", Call::access, SQLITE_IOERR_ACCESS},
     {"remove", Call::remove, SQLITE_IOERR_DELETE},
     {"read", Call::read, SQLITE_IOERR_READ},
@@ -287,8 +211,6 @@ const Failure failures[] = {
     {"sync", Call::sync, SQLITE_IOERR_FSYNC},
     {"size", Call::size, SQLITE_IOERR_FSTAT},
     {"lock", Call::lock, SQLITE_IOERR_LOCK},
-    {"map the index", Call::shm_map, SQLITE_IOERR_SHMMAP},
-    {"lock the index", Call::shm_lock, SQLITE_IOERR_SHMLOCK},
 };
 
 enum Outcome { good, bad, not_reached };
@@ -313,24 +235,115 @@ Outcome outcome(const Operation& operation, const Failure& failure, int nth, boo
 }
 
 TEST_F(Retry, WhicheverCallFails) {
-    for (const char* journal : {"WAL", "TRUNCATE"}) {
-        make_for(journal);
-        for (const Operation* operation : {&first_read, &later_read, &first_write, &later_write}) {
-            for (const Failure& failure : failures) {
-                for (const bool passes : {true, false}) {
-                    int result = good;
-                    for (int nth = 1; result == good; ++nth) {
-                        SCOPED_TRACE(testing::Message() << journal << ", " << operation->name << ", " << failure.name
-                                                        << " number " << nth << ", passes " << passes);
-                        begin();
-                        result = in_child([&] { return outcome(*operation, failure, nth, passes); });
-                        ASSERT_TRUE(result == good || result == not_reached) << result;
-                        ASSERT_LT(nth, 1000);
-                    }
+    for (const Operation* operation : {&first_read, &later_read, &first_write, &later_write}) {
+        for (const Failure& failure : failures) {
+            for (const bool passes : {true, false}) {
+                int result = good;
+                for (int nth = 1; result == good; ++nth) {
+                    SCOPED_TRACE(testing::Message() << operation->name << ", " << failure.name << " number " << nth
+                                                    << ", passes " << passes);
+                    begin();
+                    result = in_child([&] { return outcome(*operation, failure, nth, passes); });
+                    ASSERT_TRUE(result == good || result == not_reached) << result;
+                    ASSERT_LT(nth, 1000);
                 }
             }
         }
     }
+}
+
+// A write that ends when its changes are in the store and the journal that undoes them is still there.
+void interrupt_a_write() {
+    EXPECT_EQ(in_child([] {
+                  disk.become([](Call call, int) { return call == Call::truncate ? raise(SIGKILL) : SQLITE_OK; });
+                  return write_home() == "home" ? 1 : 2;
+              }),
+              1000 + SIGKILL);
+}
+
+TEST_F(Retry, AnInterruptedWriteIsToldOfAndUndoneByAWriter) {
+    EXPECT_TRUE(alone([] {
+        EXPECT_EQ(look(), "office");
+        interrupt_a_write();
+        EXPECT_EQ(look(), "office");
+        EXPECT_EQ(log_lines, std::vector<std::string>{
+                                 "<27>cfqlquery: " + std::string(cfql::store_path()) +
+                                 ": a write was interrupted; run cfql check as root; the last good contents stay in "
+                                 "use"});
+    }));
+    EXPECT_TRUE(alone([] {
+        EXPECT_EQ(look(), std::nullopt) << "a reader without contents";
+        cfql::Database store;
+        EXPECT_EQ(store.open(cfql::store_path(), cfql::Access::read), cfql::Status::interrupted);
+        EXPECT_EQ(store.open(cfql::store_path(), cfql::Access::recover), cfql::Status::ok);
+        store.close();
+        milliseconds += 1000;
+        EXPECT_EQ(look(), "office");
+    }));
+}
+
+// Another process that holds the lock of a writer in the middle of its commit.
+class Holder {
+  public:
+    Holder()
+        : child_([](auto stop) {
+              sqlite3* connection = nullptr;
+              sqlite3_open(cfql::store_path(), &connection);
+              sqlite3_exec(connection, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr);
+              return stop() ? 0 : 1;
+          }) {
+        EXPECT_TRUE(child_.wait_for_stop());
+    }
+    ~Holder() {
+        EXPECT_TRUE(child_.go_on());
+        EXPECT_EQ(child_.finish(), 0);
+    }
+
+  private:
+    SteppedChild child_;
+};
+
+TEST_F(Retry, AReaderWithContentsDoesNotWaitForAWriterOfEightSeconds) {
+    EXPECT_TRUE(alone([] {
+        change();
+        {
+            const Holder holder;
+            const std::int64_t begin = milliseconds;
+            for (int i = 1; i <= 80; ++i, milliseconds += 100) {
+                ASSERT_EQ(look(), "office");
+                ASSERT_EQ(milliseconds, begin + 100 * (i - 1)) << "it has waited";
+            }
+            EXPECT_EQ(log_lines, std::vector<std::string>());
+        }
+        EXPECT_EQ(look(), "home") << "by the next check";
+    }));
+}
+
+TEST_F(Retry, AReaderWithOldContentsWaitsNowAndThen) {
+    EXPECT_TRUE(alone([] {
+        change();
+        const Holder holder;
+        const std::int64_t begin = milliseconds;
+        for (int i = 0; i < 350; ++i, milliseconds += 100)
+            ASSERT_EQ(look(), "office");
+        const std::int64_t waited = milliseconds - begin - 350 * 100;
+        EXPECT_GE(waited, 3 * 200);
+        EXPECT_LE(waited, 3 * 201);
+        EXPECT_EQ(log_lines.size(), 1U);
+    }));
+}
+
+TEST_F(Retry, AReaderWithoutContentsWaitsOnceASecond) {
+    EXPECT_TRUE(alone([] {
+        const Holder holder;
+        const std::int64_t begin = milliseconds;
+        for (int i = 0; i < 1000; ++i, milliseconds += 10)
+            ASSERT_EQ(i % 2 == 0 ? look() : ssid(), std::nullopt);
+        const std::int64_t waited = milliseconds - begin - 1000 * 10;
+        EXPECT_GE(waited, 8 * 200);
+        EXPECT_LE(waited, (milliseconds - begin) / 1000 * 200) << "oftener than once a second";
+        EXPECT_EQ(log_lines.size(), 1U);
+    }));
 }
 
 }  // namespace

@@ -365,8 +365,6 @@ TEST_F(Commands, ReadOnlyForOthers) {
     constexpr unsigned nobody = 65534;
     ASSERT_EQ(chmod(directory.c_str(), 0755), 0);
     ASSERT_EQ(chmod(store.c_str(), 0644), 0);
-    for (const char* beside : {"-wal", "-shm"})
-        ASSERT_EQ(chmod((store + beside).c_str(), 0644), 0);
     EXPECT_EQ(done({"get", "system", "country"}, {.user = nobody}), "DE\n");
     const Outcome refused = run({"set", "system", "country", "FR"}, {.user = nobody});
     EXPECT_EQ(refused.status, 3);
@@ -416,10 +414,6 @@ void spoil(const std::string& path, const std::string& text) {
 }
 
 TEST_F(Commands, AValueWithAWrongChecksum) {
-    sqlite3* connection = nullptr;  // brings the log into the file
-    ASSERT_EQ(sqlite3_open(store.c_str(), &connection), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(connection, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(connection);
     spoil(store, "Guests");
 
     const Outcome got = run({"get", "interface", "wlan0", "ssid"});
@@ -446,8 +440,6 @@ TEST_F(Commands, AValueWithAWrongChecksum) {
 
 TEST_F(Commands, ADamagedFile) {
     std::filesystem::resize_file(store, std::filesystem::file_size(store) / 2);
-    std::filesystem::remove(store + "-wal");
-    std::filesystem::remove(store + "-shm");
     for (const Words& words : {Words{"list"}, Words{"check"}, Words{"export"}}) {
         const Outcome outcome = run(words);
         EXPECT_EQ(outcome.status, 3) << words.front();
@@ -714,8 +706,6 @@ TEST_F(Commands, WatchFollowsAStoreThatIsReplaced) {
     std::string exported = done({"export"});
     exported.replace(exported.find("Guests"), 6, "Others");
     done({"import", "--store", other, "-"}, {.input = exported});
-    std::filesystem::remove(store + "-wal");
-    std::filesystem::remove(store + "-shm");
     ASSERT_EQ(rename(other.c_str(), store.c_str()), 0);
     EXPECT_EQ(watch.wait_for("\n"), "set\tinterface\twlan0\tssid\tOthers\n");
 }

@@ -1,6 +1,6 @@
-// Fuzzes the store's file as a reader meets it: the input is the database, or, where it begins with 'L', a log beside a
-// sound database. Opening, loading a snapshot, listing, direct reads and the tool's examination must end without a
-// fault.
+// Fuzzes the store's file as a reader meets it: the input is the database, or, where it begins with 'L', a journal
+// beside a sound database. Opening, loading a snapshot, listing, direct reads and the tool's examination must end
+// without a fault.
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -23,7 +23,7 @@ void write_file(const std::string& name, const void* data, std::size_t size) {
 }
 
 void clean() {
-    for (const char* suffix : {"", "-wal", "-shm", "-journal"})
+    for (const char* suffix : {"", "-journal"})
         unlink((path + suffix).c_str());
 }
 
@@ -38,14 +38,13 @@ void make_sound() {
 
 void read_everything() {
     cfql::Database store;
-    if (store.open(path.c_str(), cfql::Access::read) != cfql::Status::ok) return;
+    if (store.open(path.c_str(), cfql::Access::salvage) != cfql::Status::ok) return;
     cfql::Snapshot snapshot;
-    cfql::Array<char> names;
     cfql::Text value;
-    std::size_t count = 0;
-    bool fits = false;
-    snapshot.load(store, fits);
-    snapshot.objects("interface", nullptr, names, count);
+    std::size_t position = 0;
+    snapshot.load(store);
+    while (snapshot.next("interface", nullptr, position, value)) {
+    }
     snapshot.get("interface", "wlan0", "ssid", value);
     store.get("interface", "wlan0", "ssid", value);
     store.check([](void*, const char*) {}, nullptr);
@@ -80,7 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     clean();
     if (size > 0 && data[0] == 'L') {
         make_sound();
-        write_file(path + "-wal", data + 1, size - 1);
+        write_file(path + "-journal", data + 1, size - 1);
     } else {
         write_file(path, data, size);
     }

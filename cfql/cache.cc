@@ -1,0 +1,124 @@
+#include "cache.h"
+
+#include <stdio.h>
+#include <time.h>
+
+#include <algorithm>
+
+#include "log.h"
+
+namespace cfql {
+namespace {
+
+constexpr std::int64_t load_share = 5;  // loading takes at most one part in so many of the time
+
+// In microseconds.
+constexpr std::int64_t ms = 1000;
+constexpr std::int64_t check_interval = 50 * ms;
+constexpr std::int64_t load_allowance = (load_share - 1) * 5 * ms;  // the pause after a load of 5 ms
+constexpr std::int64_t longest_pause = 10000 * ms;
+constexpr std::int64_t retry_interval = 1000 * ms;
+constexpr std::int64_t busy_limit = 10000 * ms;  // then a reader waits for the lock
+constexpr std::int64_t log_interval = 60000 * ms;
+
+std::int64_t microseconds(clockid_t clock) {
+    struct timespec now;
+    clock_gettime(clock, &now);
+    return std::int64_t{now.tv_sec} * 1000 * ms + now.tv_nsec / 1000;
+}
+
+}  // namespace
+
+// The coarse clock is a few milliseconds late, which is nothing here, and every read asks for the time.
+void Cache::refresh(bool at_once) {
+    now_ = microseconds(CLOCK_MONOTONIC_COARSE);
+    if (now_ < next_check_ && !at_once) return;
+    next_check_ = now_ + check_interval;
+    const Watch::Finding found = watch_.check(store_path());
+    if (found == Watch::Finding::absent) forget();
+    if (found == Watch::Finding::changed && now_ + load_allowance >= next_load_) load();
+}
+
+// Pauses add up, so that many short loads are paid for as one long one is; short ones may come in a row before that.
+void Cache::load() {
+    const std::int64_t begin = microseconds(CLOCK_MONOTONIC);
+    const Status status = take_contents();
+    const std::int64_t retry = status == Status::ok ? 0 : failed(status);
+    const std::int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
+    const std::int64_t left = std::max(next_load_ - now_ - took, std::int64_t{0});
+    now_ += took;
+    next_load_ = now_ + std::min(std::max(left + (load_share - 1) * took, retry), longest_pause);
+    next_check_ = std::max(next_load_, now_ + check_interval);
+}
+
+Status Cache::take_contents() {
+    Database store;
+    Snapshot next;
+    Status status = read_contents(store, next);
+    if (status != Status::ok && store.worth_another_try()) status = read_contents(store, next);
+    if (status != Status::ok) return status;
+    contents_.swap(next);
+    watch_.loaded(store.change_counter());
+    loaded_ = true;
+    suspect_ = false;
+    busy_since_ = 0;
+    return status;
+}
+
+// The trees are examined where the change counter cannot be trusted to tell of every change.
+Status Cache::read_contents(Database& store, Snapshot& next) {
+    Status status = store.open_for_load(store_path(), patience());
+    if (status != Status::ok) return status;
+    const bool unexplained = watch_.has_moved() && store.change_counter() == watch_.counter();
+    if (suspect_ || unexplained || watch_.is_other_file()) status = store.examine_structure();
+    if (status == Status::ok) status = next.load(store);
+    store.close();
+    return status;
+}
+
+// How long a load may wait for the lock, in ms. Who has contents answers from them, and waits when they get old.
+int Cache::patience() const {
+    const bool waits = !loaded_ || (busy_since_ != 0 && now_ - busy_since_ >= busy_limit);
+    return waits ? reader_wait_ms : 0;
+}
+
+void Cache::expire() {
+    next_check_ = next_load_ = 0;
+}
+
+void Cache::forget() {
+    drop();
+    suspect_ = false;
+    busy_since_ = 0;
+}
+
+void Cache::drop() {
+    contents_.clear();
+    watch_.forget();
+    loaded_ = false;
+}
+
+// Answers how long to leave the store alone. A file that was replaced takes its contents with it, one that only became
+// unreadable does not, nor one that is busy.
+std::int64_t Cache::failed(Status status) {
+    if (status == Status::busy && patience() == 0) {
+        if (busy_since_ == 0) busy_since_ = now_;
+        return 0;
+    }
+    busy_since_ = status == Status::busy ? now_ : 0;
+    suspect_ = suspect_ || status != Status::busy;
+    if (status != Status::busy && watch_.is_other_file()) drop();
+    report(status);
+    return retry_interval;
+}
+
+void Cache::report(Status status) {
+    if (now_ < next_line_) return;
+    next_line_ = now_ + log_interval;
+    char line[800];
+    snprintf(line, sizeof line, "%s: %s%s", store_path(), describe(status),
+             loaded_ ? "; the last good contents stay in use" : "");
+    log_error(line);
+}
+
+}  // namespace cfql

@@ -1,0 +1,57 @@
+// The octets of a store's file that SQLite must not be trusted with unseen: its first page, with the header and the
+// schema.
+#ifndef CFQL_FORMAT_H
+#define CFQL_FORMAT_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "status.h"
+
+namespace cfql {
+
+inline constexpr std::uint32_t application_id = 0x6366716c;  // "cfql"
+inline constexpr std::uint32_t format_version = 1;
+inline constexpr std::size_t page_size = 1024;
+inline constexpr std::int64_t file_limit = 4 << 20;  // octets
+inline constexpr std::int64_t page_limit = file_limit / std::int64_t{page_size};
+inline constexpr std::size_t counter_offset = 24;  // of the change counter: 4 octets, most significant first
+
+// The schema, in the order in which it is made. Texts are BLOBs: octets that SQLite does not interpret.
+struct SchemaEntry {
+    const char *type, *name, *table, *sql;
+};
+inline constexpr SchemaEntry schema[] = {
+    {"table", "attribute", "attribute",
+     "CREATE TABLE attribute(object INTEGER NOT NULL, key BLOB NOT NULL, value BLOB NOT NULL, crc INTEGER NOT NULL, "
+     "PRIMARY KEY(object, key)) WITHOUT ROWID"},
+    {"table", "object", "object",
+     "CREATE TABLE object(id INTEGER PRIMARY KEY, tab BLOB NOT NULL, name BLOB NOT NULL, crc INTEGER NOT NULL)"},
+    {"index", "object_name", "object", "CREATE INDEX object_name ON object(tab, name)"},
+};
+
+// An unsigned number of SIZE octets, most significant first.
+constexpr std::uint32_t number_at(const unsigned char* octets, std::size_t size) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        number = (number << 8) | octets[i];
+    return number;
+}
+
+struct FirstPage {
+    std::int64_t file_size = 0;
+    unsigned char octets[page_size] = {};  // zeroes where the file is shorter
+};
+
+// Whether the file says that its latest changes lie in a write-ahead log.
+constexpr bool has_log_mode(const FirstPage& page) {
+    return page.octets[18] == 2 || page.octets[19] == 2;
+}
+
+// ok: a store of this version within the bound, whose schema is exactly the one above, in one page, each tree of it
+// with a root of its own. FAULT names what is damaged, or is null.
+Status examine_first_page(const FirstPage& page, const char*& fault);
+
+}  // namespace cfql
+
+#endif

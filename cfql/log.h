@@ -1,0 +1,13 @@
+// A line to the system's log that never makes the caller wait.
+#ifndef CFQL_LOG_H
+#define CFQL_LOG_H
+
+namespace cfql {
+
+// Sends LINE to /dev/log as an error. It is lost when nobody takes it at once: a full log must not stop an agent, as it
+// would with syslog().
+void log_error(const char* line);
+
+}  // namespace cfql
+
+#endif

@@ -1,0 +1,30 @@
+// Where the store is, and what lies there.
+#ifndef CFQL_PATH_H
+#define CFQL_PATH_H
+
+#include <limits.h>
+
+#include "status.h"
+
+namespace cfql {
+
+// CFQL_STORE, unless it is empty or the process runs with raised rights; otherwise /var/lib/cfql/store.db.
+const char* store_path();
+
+// PATH as SQLite takes it literally: names such as ":memory:" and "file:..." have a meaning of their own there, a path
+// with a slash has none. False when it is too long.
+bool literal_path(const char* path, char (&out)[PATH_MAX]);
+
+// ok for a regular file, otherwise absent, denied, io_error or not_a_store.
+Status examine_path(const char* path);
+
+// Whether a file lies beside the store at PATH (resolved) that SQLite must not see: a log, which it would merge into
+// the store, or a journal that is no regular file, on which it might wait for ever.
+bool is_obstructed(const char* path);
+
+// Whether SQLite may open PATH: a regular file or nothing. A link is neither.
+bool is_regular_or_absent(const char* path);
+
+}  // namespace cfql
+
+#endif

@@ -1,0 +1,26 @@
+// What a text of the store may be.
+#ifndef CFQL_STORE_LIMITS_H
+#define CFQL_STORE_LIMITS_H
+
+#include <cstddef>
+#include <string_view>
+
+namespace cfql {
+
+using Text = std::string_view;
+
+inline constexpr std::size_t text_limit = 255;     // octets of a table, an object's name, a key; at least 1
+inline constexpr std::size_t value_limit = 4096;   // octets of a value; at least 0
+inline constexpr Text singleton_table = "system";  // the table whose object has the empty name
+inline constexpr Text name_key = "name";           // stands for an object's name in lists, so no attribute may have it
+
+// Why a text is refused, as one line that names the rule, or null when it is allowed. An object is allowed or refused
+// for its table. All of them refuse a NUL among the octets.
+const char* refusal_of_table(Text table);
+const char* refusal_of_object(Text table, Text object);
+const char* refusal_of_key(Text key);
+const char* refusal_of_value(Text value);
+
+}  // namespace cfql
+
+#endif
