@@ -40,7 +40,7 @@ void* word(void* row, size_t* length) {
     return &value;
 }
 
-// An integer where it stands in the row.
+// An integer without a copy.
 template <auto member>
 void* word_in_place(void* row, size_t* length) {
     static_assert(sizeof(FieldOf<member>) == 4);
@@ -57,14 +57,14 @@ void* counted_octets(void* row, size_t* length) {
     return octets;
 }
 
-// The same where they stand in the row.
+// The same without a copy.
 template <auto member, auto length_member>
 void* counted_octets_in_place(void* row, size_t* length) {
     *length = std::min<size_t>(field<length_member>(row), sizeof(FieldOf<member>));
     return field<member>(row);
 }
 
-// A fixed number of octets, copied. The buffer ends on 32 bits, the rest zeroes.
+// A fixed number of octets, copied. The buffer is a multiple of 32 bits, padded with zeroes.
 template <auto member, size_t count>
 void* fixed_octets(void* row, size_t* length) {
     static uint8_t octets[(count + 4) / 4 * 4];
@@ -92,7 +92,7 @@ void* constant_octets(const char (&text)[size], size_t* length) {
     return octets;
 }
 
-// Stores an integer into the row, and so nowhere else.
+// Stores an integer into the row and nowhere else.
 template <auto member>
 int store_word(void* row, const void* value) {
     static_assert(sizeof(FieldOf<member>) == 4);
@@ -100,16 +100,16 @@ int store_word(void* row, const void* value) {
     return no_error;
 }
 
-// Stores a fixed number of octets into the row, and so nowhere else.
+// Stores a fixed number of octets into the row and nowhere else.
 template <auto member, size_t count>
 int store_octets(void* row, const void* value) {
-    static_assert(count <= most_octets_read);
+    static_assert(count <= max_octets_read);
     static_assert(count <= sizeof(FieldOf<member>));
     memcpy(field<member>(row), value, count);
     return no_error;
 }
 
-// What every column with data behind it answers to a write: the configuration is not changed from the network.
+// For every column of a table with rows: the configuration cannot be changed from the network.
 inline int refuse_write() {
     return not_writable;
 }

@@ -21,20 +21,20 @@ inline constexpr std::span<const StoreKey> no_key;
 }  // namespace dot11
 
 #define READ_ONLY(number, name, type, key) \
-    { number, #name, Type::type, Answered::when_present, false, keys_of(key), get_##name, nullptr, nullptr }
+    { number, Type::type, Answered::when_present, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 #define READ_WRITE(number, name, type, key) \
-    { number, #name, Type::type, Answered::when_present, false, keys_of(key), get_##name, check_##name, set_##name }
+    { number, Type::type, Answered::when_present, false, #name, keys_of(key), get_##name, check_##name, set_##name }
 
 // Read-only, and answered with whatever the accessor returns.
 #define ALWAYS_ANSWERED(number, name, type, key) \
-    { number, #name, Type::type, Answered::always, false, keys_of(key), get_##name, nullptr, nullptr }
+    { number, Type::type, Answered::always, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 
 // Quirk: a GET ends the handler, also for the columns that accept a SET.
 #define NOT_ANSWERED(number, name, type, key) \
-    { number, #name, Type::type, Answered::never, false, keys_of(key), get_##name, nullptr, nullptr }
+    { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 #define NOT_ANSWERED_WRITE(number, name, type, key) \
-    { number, #name, Type::type, Answered::never, false, keys_of(key), get_##name, check_##name, set_##name }
+    { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, check_##name, set_##name }
 
 // Quirk: a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
 #define CHECKED_ONLY(number, name, type, key) \
-    { number, #name, Type::type, Answered::never, true, keys_of(key), get_##name, check_##name, set_##name }
+    { number, Type::type, Answered::never, true, #name, keys_of(key), get_##name, check_##name, set_##name }

@@ -71,7 +71,7 @@ uint32_t dot11WEPKeyMappingIndexMax;
 
 namespace {
 
-// A row lives as long as the SET that makes it.
+// The caller releases the row when the SET is done. Null when out of memory.
 WEPKeyMappingsRow* make_key_mapping() {
     void* row = calloc(1, sizeof(WEPKeyMappingsRow));
     if (row) ++dot11WEPKeyMappingIndexMax;

@@ -10,13 +10,13 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// A row for index values that the table does not hold: a heap block that the caller releases with free, or null.
-typedef void* CreateRow(netsnmp_variable_list* indexes);
+// A row for index values that the table does not have: a heap block that the caller frees, or null.
+using CreateRow = void*(netsnmp_variable_list* indexes);
 
 // Ends the SET of a row. 0.
-typedef int CommitRow(void** row, int is_new);
+using CommitRow = int(void** row, int is_new);
 
-// Rows made so far for SETs of dot11WEPKeyMappingsTable, which holds none. Nothing reads it back.
+// How many rows SETs of dot11WEPKeyMappingsTable have had made so far. Nothing reads it back.
 extern uint32_t dot11WEPKeyMappingIndexMax;
 
 Netsnmp_First_Data_Point dot11StationConfigTable_get_first_data_point;

@@ -14,7 +14,7 @@
 
 namespace dot11 {
 
-// What a table's walk stands on: one static object for each table. The agent walks a table once at a time.
+// A walk's state: one static object for each table. The agent never walks a table twice at a time.
 template <class Row>
 struct LoopContext {
     uint32_t position;
@@ -35,10 +35,10 @@ struct ReloadingWalk {
 template <class Row>
 struct RateWalk {
     LoopContext<Row> loop;
-    int32_t value_index = 1;  // 1: a new group begins. Quirk: a walk that begins anew leaves it as it is
+    int32_t value_index = 1;  // 1: a new group begins. Quirk: a new walk leaves it as it is
 };
 
-// The next row of a walk into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
+// The next row of a walk, into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
 // a reload failed; then the next call tries again.
 netsnmp_variable_list* next_reloaded_row(const Table& table, int64_t& last_pass, uint32_t& position, void* row,
                                          netsnmp_variable_list* put_index_data);
@@ -59,7 +59,7 @@ netsnmp_variable_list* next_row(const Table& table, RateWalk<Row>& walk, void* l
     return next_rate(table, walk.value_index, loop->position, &loop->row, put_index_data);
 }
 
-// A heap copy of the loop context's row, for the agent; null without memory.
+// A heap copy of the loop context's row, for the agent; null when out of memory.
 template <template <class> class Walk, class Row>
 void* copy_of_row(const Walk<Row>&, const void* loop_context) {
     static_assert(offsetof(LoopContext<Row>, row) == sizeof(uint32_t), "the row follows the position");

@@ -35,7 +35,7 @@ void* get_dot11MultiDomainCapabilityImplemented(void* row, size_t* length) { ret
 void* get_dot11MultiDomainCapabilityEnabled(void* row, size_t* length) { return word<&Row::dot11MultiDomainCapabilityEnabled>(row, length); }
 void* get_dot11CountryString(void* row, size_t* length) { return fixed_octets<&Row::dot11CountryString, 3>(row, length); }
 
-// An access point never sleeps: the row itself becomes active (1) before it is answered. Meant.
+// Quirk: an access point never sleeps, so the row itself becomes active (1) before it is answered.
 void* get_dot11PowerManagementMode(void* row, size_t* length) {
     field<&Row::dot11PowerManagementMode>(row) = 1;
     return word<&Row::dot11PowerManagementMode>(row, length);

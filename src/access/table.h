@@ -20,15 +20,15 @@ extern "C" {
 // The column's value in a row: a pointer to its octets, never null, and their number in `*length`. The value of an
 // integer column is a 32-bit integer in host order. The octets stand in the row or in a buffer of the column's own, and
 // are good until the row changes or the column's next call.
-typedef void* GetColumn(void* row, size_t* length);
+using GetColumn = void*(void* row, size_t* length);
 
 // Writes a value, which its check has accepted, into a row; an error-status, 0 when it was stored. `value` is a 32-bit
 // integer in host order or octets. The length is not used.
-typedef int SetColumn(void* row, const void* value, size_t length);
+using SetColumn = int(void* row, const void* value, size_t length);
 }
 
 // The most octets that a SetColumn reads.
-constexpr size_t most_octets_read = 8;
+constexpr size_t max_octets_read = 8;
 
 // ASN.1 tag of an answer (RFC 2578).
 enum class Type : uint8_t { integer = 2, octet_string = 4, counter = 65, gauge = 66 };
@@ -42,10 +42,10 @@ enum class Answered : uint8_t {
 
 struct Column {
     uint32_t number;  // below the table's entry
-    const char* name;
     Type type;
     Answered answered;
     bool write_ends_handler;  // ACTION and UNDO return at once, as a GET does
+    const char* name;
     // Keys of the store that the value comes from: none, one for all rows, or one for each second index from 1.
     std::span<const StoreKey> keys;
     GetColumn* get;

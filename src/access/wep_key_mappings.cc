@@ -15,11 +15,10 @@ extern "C" {
 void* get_dot11WEPKeyMappingWEPOn(void* row, size_t* length) { return word<&Row::dot11WEPKeyMappingWEPOn>(row, length); }
 void* get_dot11WEPKeyMappingValue(void* row, size_t* length) { return fixed_octets<&Row::dot11WEPKeyMappingValue, 5>(row, length); }
 
-// A row is active (1), whatever was written. Meant.
+// Quirk: a row is active (1), whatever was written.
 void* get_dot11WEPKeyMappingStatus(void*, size_t* length) { return constant_word<&Row::dot11WEPKeyMappingStatus, 1>(length); }
 
-// Ends before the first zero octet: an address that holds one is answered short, 00:11:22:33:44:55 with no octet at all.
-// Meant.
+// Quirk: ends before the first zero octet, so an address that holds one is cut short, 00:11:22:33:44:55 to nothing.
 void* get_dot11WEPKeyMappingAddress(void* row, size_t* length) {
     void* octets = fixed_octets<&Row::dot11WEPKeyMappingAddress, 6>(row, length);
     *length = strlen(static_cast<const char*>(octets));
@@ -30,7 +29,7 @@ int set_dot11WEPKeyMappingAddress(void* row, const void* value, size_t) { return
 int set_dot11WEPKeyMappingWEPOn(void* row, const void* value, size_t) { return store_word<&Row::dot11WEPKeyMappingWEPOn>(row, value); }
 int set_dot11WEPKeyMappingValue(void* row, const void* value, size_t) { return store_octets<&Row::dot11WEPKeyMappingValue, 5>(row, value); }
 
-// Every status that the check accepts makes the row active (1). Meant.
+// Quirk: every status that the check accepts makes the row active (1).
 int set_dot11WEPKeyMappingStatus(void* row, const void*, size_t) {
     field<&Row::dot11WEPKeyMappingStatus>(row) = 1;
     return no_error;

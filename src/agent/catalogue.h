@@ -9,9 +9,9 @@
 
 namespace dot11 {
 
-// What a SET of a row that the table does not hold meets. Refused: 11 (noCreation). Made: the row that the table
-// creates. Stood in: a private row of zeroes; what is written there goes nowhere.
-enum class MissingRow : uint8_t { refused, made, stood_in };
+// What a SET meets for a row that the table does not have. Refused: 11 (noCreation). Created: by the table's hook.
+// Throwaway: a row of zeroes for this SET alone.
+enum class MissingRow : uint8_t { refused, created, throwaway };
 
 struct AgentTable {
     const Table& facts;

@@ -17,16 +17,16 @@ struct Phase {
     Keys keys;
 };
 
-// Whether the handler goes on to the next request of the list.
-enum class Next : bool { ends, request };
+// What comes after a request: nothing, for the handler ends; or the next request of the list.
+enum class Next : bool { nothing, request };
 
 void fail(const Phase& phase, netsnmp_request_info* request, int status) {
     netsnmp_set_request_error(phase.info, request, status);
 }
 
-// The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, in its 32-bit
-// form; few octets with zeroes behind them, for an accessor reads its number of octets whatever the length. A master
-// that goes on to ACTION after a failed check so has values written that are short, but none that are not there.
+// The value of a varbind as checks and accessors take it: an INTEGER, which the agent keeps in a long, as 32 bits; a
+// short OCTET STRING padded with zeroes, because an accessor reads its fixed number of octets whatever the length. (A
+// master agent may go on to ACTION after a failed check.)
 class RequestValue {
   public:
     explicit RequestValue(const netsnmp_variable_list& varbind) : value_(varbind.val.string), length_(varbind.val_len) {
@@ -50,12 +50,12 @@ class RequestValue {
         length_ = length;
     }
 
-    alignas(int32_t) uint8_t copy_[most_octets_read] = {};
+    alignas(int32_t) uint8_t copy_[max_octets_read] = {};
     const void* value_;
     size_t length_;
 };
 
-// Null for a number that is no column's.
+// Null for a number that no column has.
 const Column* find_column(const Table& table, uint32_t number) {
     const uint32_t position = number - table.columns.front().number;
     return position < table.columns.size() ? &table.columns[position] : nullptr;
@@ -70,7 +70,7 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
         log_problem(phase.table, "unknown column");
         return Next::request;
     }
-    if (column->answered == Answered::never) return Next::ends;
+    if (column->answered == Answered::never) return Next::nothing;
     size_t length = 0;
     const void* value = column->get(row, &length);
     if (value || column->answered == Answered::always)
@@ -78,15 +78,15 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     return Next::request;
 }
 
-// Makes the commit record of a SET's row: the row that the iterator found, otherwise one made for it. A refused row has
-// a record too, on a private row.
+// Makes the commit record of a SET's row: the row that the iterator found, otherwise a new one. A refused row has a
+// record too, of a throwaway row.
 void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
     if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     if (find_commit_record(phase.keys.row)) return;
     void* made = nullptr;
     if (!row) {
         made = phase.table.hooks.create_row(indexes);
-        if (!made && phase.table.missing_row != MissingRow::made) made = calloc(1, phase.table.facts.row_size);
+        if (!made && phase.table.missing_row != MissingRow::created) made = calloc(1, phase.table.facts.row_size);
         row = made;
     }
     if (!row || !add_commit_record(phase.keys.row, row, made, made != nullptr))
@@ -112,7 +112,7 @@ void check(const Phase& phase, netsnmp_request_info* request, const CommitRecord
 }
 
 // Nothing is written without a row or without a value.
-int written(const CommitRecord* record, const Column& column, const netsnmp_variable_list& varbind) {
+int write_value(const CommitRecord* record, const Column& column, const netsnmp_variable_list& varbind) {
     const RequestValue value(varbind);
     if (!record) return SNMP_ERR_RESOURCEUNAVAILABLE;
     return value.value() ? column.set(record->row, value.value(), value.length()) : SNMP_ERR_GENERR;
@@ -120,23 +120,23 @@ int written(const CommitRecord* record, const Column& column, const netsnmp_vari
 
 Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
     if (!column || !column->set) return Next::request;
-    if (column->write_ends_handler) return Next::ends;
-    const int status = written(record, *column, *request->requestvb);
+    if (column->write_ends_handler) return Next::nothing;
+    const int status = write_value(record, *column, *request->requestvb);
     if (status != SNMP_ERR_NOERROR) fail(phase, request, status);
     return Next::request;
 }
 
-// Once for each row, however many of its columns the request sets. Another table of the PDU may have emptied the
-// stores: then there is nothing left to do.
+// Once for each row, however many of its columns the request sets. There is nothing to do if another table of the PDU
+// has emptied the stores.
 void commit(const Phase& phase, CommitRecord* record) {
     if (!record || record->committed) return;
     phase.table.hooks.commit_row(&record->row, record->is_new);
     record->committed = 1;
 }
 
-// Writes the old value back; the status to report. Nothing saved, or the stores emptied by another table of the PDU, is
-// a failure. Only the tables that refuse missing rows report the write accessor's own status.
-int written_back(const Phase& phase, const CommitRecord* record, const Column& column) {
+// Writes the old value back and returns the status to report. It is a failure if nothing was saved, or if another table
+// of the PDU has emptied the stores. Only the tables that refuse missing rows report the write accessor's own status.
+int restore_value(const Phase& phase, const CommitRecord* record, const Column& column) {
     const UndoRecord* undo = find_undo_record(phase.keys.request);
     if (!record || !undo || !undo->value) return SNMP_ERR_UNDOFAILED;
     const int status = column.set(record->row, undo->value, undo->length);
@@ -146,8 +146,8 @@ int written_back(const Phase& phase, const CommitRecord* record, const Column& c
 
 Next undo(const Phase& phase, netsnmp_request_info* request, const CommitRecord* record, const Column* column) {
     if (!column || !column->set) return Next::request;
-    if (column->write_ends_handler) return Next::ends;
-    const int status = written_back(phase, record, *column);
+    if (column->write_ends_handler) return Next::nothing;
+    const int status = restore_value(phase, record, *column);
     if (status != SNMP_ERR_NOERROR) fail(phase, request, status);
     return Next::request;
 }
@@ -221,7 +221,7 @@ int handle_requests(const AgentTable& table, netsnmp_agent_request_info* info, n
     if (!requests) return SNMP_ERR_NOERROR;
     make_keys(table.root, *requests->requestvb, phase.keys);
     for (netsnmp_request_info* request = requests; request; request = request->next)
-        if (!request->processed && handle(phase, request) == Next::ends) return SNMP_ERR_NOERROR;
+        if (!request->processed && handle(phase, request) == Next::nothing) return SNMP_ERR_NOERROR;
     if (ends_set(info->mode)) empty_stores();
     return SNMP_ERR_NOERROR;
 }

@@ -8,10 +8,10 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Called by the agent once when it has loaded the module: registers the tables. A table that fails is left out.
+// Called once, by the agent that has loaded the module: registers the tables. A table that fails is left out.
 void init_ieee802dot11(void);
 
-typedef void InitializeTable(void);
+using InitializeTable = void(void);
 
 InitializeTable initialize_table_dot11StationConfigTable;
 InitializeTable initialize_table_dot11AuthenticationAlgorithmsTable;
@@ -52,7 +52,7 @@ Netsnmp_Node_Handler dot11PhyERPTable_handler;
 }
 #pragma GCC visibility pop
 
-// Registers the table with the agent. Without memory it is left out, with a line in the agent's log.
+// Registers the table with the agent. When out of memory it is left out, with a line in the agent's log.
 void register_table(const AgentTable& table);
 
 }  // namespace dot11

@@ -10,7 +10,7 @@ namespace dot11 {
 
 namespace {
 
-// A commit record and what has to be released with it at the end of the PDU.
+// A commit record, and the row that is released with it at the end of the PDU.
 struct OwnedRecord {
     CommitRecord record;
     void* owned_row;
@@ -21,7 +21,7 @@ constexpr char pdu_data[] = "ieee802dot11";
 
 netsnmp_oid_stash_node* undo_store;
 netsnmp_oid_stash_node* commit_store;
-OwnedRecord* made;
+OwnedRecord* owned_records;
 void* current_pdu;
 
 void append(Key& key, std::span<const oid> subids) {
@@ -30,22 +30,22 @@ void append(Key& key, std::span<const oid> subids) {
     key.length += count;
 }
 
-// What follows the first `count` sub-identifiers; nothing for an OID that ends before.
-std::span<const oid> behind(std::span<const oid> name, size_t count) {
+// What follows the first `count` sub-identifiers; nothing for a shorter OID.
+std::span<const oid> without_first(std::span<const oid> name, size_t count) {
     return name.last(name.size() - std::min(count, name.size()));
 }
 
 void release_all() {
     empty_stores();
-    while (made) {
-        OwnedRecord* next = made->next;
-        free(made->owned_row);
-        free(made);
-        made = next;
+    while (owned_records) {
+        OwnedRecord* next = owned_records->next;
+        free(owned_records->owned_row);
+        free(owned_records);
+        owned_records = next;
     }
 }
 
-// The agent calls this when a PDU is done. One that a later PDU has overtaken has nothing left to release.
+// The agent calls this when a PDU is done. If another one has begun since, the records are not this one's.
 void end_pdu(void* pdu) {
     if (pdu == current_pdu) {
         release_all();
@@ -61,9 +61,9 @@ void make_keys(std::span<const oid> root, const netsnmp_variable_list& first, Ke
     const size_t column = root.size() + 1;
     keys.request.length = keys.row.length = 0;
     append(keys.request, root);
-    append(keys.request, behind(name, column));
+    append(keys.request, without_first(name, column));
     append(keys.row, root);
-    append(keys.row, behind(name, column + 1));
+    append(keys.row, without_first(name, column + 1));
 }
 
 bool begin_set(netsnmp_agent_request_info* info) {
@@ -91,8 +91,8 @@ CommitRecord* add_commit_record(const Key& key, void* row, void* owned_row, bool
         free(owned_row);
         return nullptr;
     }
-    *owned = {{row, 0, is_new ? 1 : 0}, owned_row, made};
-    made = owned;
+    *owned = {{row, 0, is_new ? 1 : 0}, owned_row, owned_records};
+    owned_records = owned;
     return &owned->record;
 }
 
@@ -103,8 +103,8 @@ const UndoRecord* find_undo_record(const Key& request) {
 UndoRecord* make_undo_record(const void* value, size_t length) {
     auto* record = static_cast<UndoRecord*>(calloc(1, sizeof(UndoRecord)));
     if (!record) return nullptr;
-    // Written back through any column's accessor, its own length notwithstanding.
-    record->value = calloc(1, std::max(length, most_octets_read));
+    // Padded: any column's accessor may write it back, and reads its own number of octets.
+    record->value = calloc(1, std::max(length, max_octets_read));
     if (!record->value) {
         ieee802dot11_free_undoInfo(record);
         return nullptr;

@@ -1,10 +1,12 @@
 // What a SET keeps between its phases: the undo store and the commit store, one of each for all tables.
 //
 // A record is found by the OID of the SET's first varbind. Keys begin with the table's OID, so that a table never finds
-// a record that another one made. Emptying empties both stores for all tables.
+// another one's records.
 //
-// Records live at most as long as the PDU that made them: the agent may leave out a PDU's last phase, and a row dies
-// with its PDU.
+// Quirk: emptying empties both stores for all tables.
+//
+// Records live no longer than the PDU that made them: the agent may skip a PDU's last phase, and rows are released with
+// their PDU.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +22,11 @@ struct UndoRecord {
     size_t length;  // octets
 };
 
-// A row under SET.
+// A row that is being SET.
 struct CommitRecord {
     void* row;
     int committed;
-    int is_new;  // 1 when the row was made because the table did not hold it
+    int is_new;  // 1 when the row was created because the table did not have it
 };
 
 struct Key {
@@ -40,21 +42,21 @@ struct Keys {
 
 void make_keys(std::span<const oid> root, const netsnmp_variable_list& first, Keys& keys);
 
-// To be called at each RESERVE1: the first one of a PDU finds both stores empty, and whatever the PDU makes is released
-// at its end. False without memory.
+// To be called at each RESERVE1: the first one of a PDU finds both stores empty, and whatever the PDU allocates is
+// released at its end. False when out of memory.
 bool begin_set(netsnmp_agent_request_info* info);
 
 // The row's commit record, or null.
 CommitRecord* find_commit_record(const Key& row);
 
-// Adds a commit record for `row`. With `owned_row` the row is released together with the record. Null without memory,
-// and then `owned_row` has been released.
+// Adds a commit record for `row`. With `owned_row` the row is released together with the record. Null when out of
+// memory, and then `owned_row` has been released.
 CommitRecord* add_commit_record(const Key& key, void* row, void* owned_row, bool is_new);
 
 // The undo record under that key, or null.
 const UndoRecord* find_undo_record(const Key& request);
 
-// A copy of a column's value, to be added or released with ieee802dot11_free_undoInfo. Null without memory.
+// A copy of a column's value, to be added or released with ieee802dot11_free_undoInfo. Null when out of memory.
 UndoRecord* make_undo_record(const void* value, size_t length);
 
 // Adds an undo record, which the store then owns. A key that has one already keeps it, and the new one is released: the

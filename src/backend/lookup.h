@@ -14,11 +14,11 @@ inline constexpr StoreKey mac = {"interface", "mac"};
 // Turns a value's text into the number that a row holds. May change the text.
 using Conversion = int32_t (*)(char* text);
 
-int32_t number(char* text);               // decimal; -1 for what is no number
-int32_t number_not_negative(char* text);  // decimal; 0 for negative numbers and for what is no number
-int32_t true_when_one(char* text);        // TruthValue (RFC 2579): 1 for "1", 2 for any other text
+int32_t parse_number(char* text);        // decimal; -1 for what is not a number
+int32_t parse_non_negative(char* text);  // decimal; 0 for negative numbers and for what is not a number
+int32_t parse_one_as_true(char* text);   // TruthValue (RFC 2579): 1 for "1", 2 for any other text
 
-// One key of an interface's own object, and the field that it fills: `absent` when the key is missing or empty.
+// A key of an interface's own object and the field that it fills, with `absent` when the key is missing or empty.
 template <class Row>
 struct InterfaceKey {
     StoreKey key;
@@ -28,22 +28,22 @@ struct InterfaceKey {
     int32_t absent;
 };
 
-// Converts a value that was found, and releases it.
-int32_t take_number(ScratchText& scratch, Conversion convert);
+// Converts a value that was found and releases it.
+int32_t convert_and_release(ScratchText& scratch, Conversion convert);
 
-// Copies a value that was found into a field of `size` octets, and releases it. Returns how many octets of it the field
-// holds: a longer text is clipped. `take_text` ends the field with a terminator, `take_octets` adds none.
-uint32_t take_octets(ScratchText& scratch, uint8_t* field, uint32_t size);
-uint32_t take_text(ScratchText& scratch, char* field, uint32_t size);
+// Moves a value that was found into a field of `size` octets. Returns how many octets of it the field holds: a longer
+// text is clipped. `move_text` terminates the field, `move_octets` does not.
+uint32_t move_octets(ScratchText& scratch, uint8_t* field, uint32_t size);
+uint32_t move_text(ScratchText& scratch, char* field, uint32_t size);
 
-// The number under `key` in the answer `list`, or `absent`.
-int32_t converted(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch, Conversion convert,
-                  int32_t absent);
+// The number that the answer `list` has for `key`, or `absent`.
+int32_t read_number(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch, Conversion convert,
+                    int32_t absent);
 
 template <class Row>
 void read_interface_key(Row& row, const char* interface, const InterfaceKey<Row>& key) {
     const Answer answer(key.key, interface);
-    row.*key.field = converted(answer.list(), key.key, *key.scratch, key.convert, key.absent);
+    row.*key.field = read_number(answer.list(), key.key, *key.scratch, key.convert, key.absent);
 }
 
 template <class Row, class Keys>
@@ -52,9 +52,10 @@ void read_interface_keys(Row& row, const char* interface, const Keys& keys) {
         read_interface_key(row, interface, key);
 }
 
-// The six octets under `key` of the interface, into `octets`; when absent only the first is set, to 0. Text is taken
-// without its ':' separators; missing digits count as 0, surplus ones are ignored. False without memory for the working
-// buffer, and then nothing is changed.
+// The six octets of the address under `key` of the interface, into `octets`. Without ':' separators; missing digits
+// count as 0, surplus ones are ignored. False when out of memory, and then nothing is changed.
+//
+// Quirk: when the key is absent only the first octet is set, to 0.
 bool read_mac_address(const char* interface, const StoreKey& key, ScratchText& scratch, uint8_t* octets);
 
 }  // namespace dot11

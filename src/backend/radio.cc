@@ -25,13 +25,13 @@ bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText&
     return find(bss_answer, key::bss, bss) && find_radio_of_bss(bss, radio, find);
 }
 
-int32_t write_radio_number(uint32_t interface_index, const StoreKey& key, uint32_t value, int32_t without_memory) {
+int32_t write_radio_number(uint32_t interface_index, const StoreKey& key, uint32_t value, int32_t out_of_memory) {
     const InterfaceName name(interface_index);
-    if (!name.text()) return without_memory;
+    if (!name.text()) return out_of_memory;
     ScratchText bss = {};
     ScratchText radio = {};
     if (!find_bss(name.text(), bss) || !find_radio_of_bss(bss, radio)) return 0;
-    const int32_t result = write_number(key, radio.text, value, without_memory);
+    const int32_t result = write_number(key, radio.text, value, out_of_memory);
     release(radio);
     return result;
 }

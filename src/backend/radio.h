@@ -14,7 +14,7 @@ inline constexpr StoreKey radio = {"bss", "radio"};
 inline constexpr StoreKey manufacturer_product_name = {"radio", "manufacturer-product-name"};
 }  // namespace key
 
-// The look-up in one answer: find_value, or find_value_or_last.
+// How a link is found in an answer: find_value, or find_value_or_last.
 using Find = bool (*)(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
 // Asks for the name of an interface's BSS, which is left in `bss` for the caller to release.
@@ -47,11 +47,11 @@ void read_radio_text(Row& row, const cfqlquery_node* bss_answer, ScratchText& bs
     text[0] = '\0';
     row.*key.length = 1;
     if (find_radio(bss_answer, bss, radio, find) && find_value_of_radio(radio, key.key, *key.scratch))
-        row.*key.length = take_text(*key.scratch, text, size);
+        row.*key.length = move_text(*key.scratch, text, size);
 }
 
 // Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 when the interface has
-// no BSS or the BSS no radio, `without_memory` when there is none for a text.
-int32_t write_radio_number(uint32_t interface_index, const StoreKey& key, uint32_t value, int32_t without_memory);
+// no BSS or the BSS no radio, `out_of_memory` when a text cannot be allocated.
+int32_t write_radio_number(uint32_t interface_index, const StoreKey& key, uint32_t value, int32_t out_of_memory);
 
 }  // namespace dot11

@@ -1,13 +1,13 @@
 // Whether a value that a manager wants to SET is acceptable for its column: one check for every writable column, and
-// behind each a site check, `check_<column>_local`, the place for rules of this access point beyond those of the MIB.
+// after it a site check, `check_<column>_local`, for rules of this access point beyond those of the MIB.
 //
 // All have one signature:
 //
 //   type         ASN.1 tag of the value sent: 2 INTEGER, 4 OCTET STRING
 //   value        the value sent; refused when null. An INTEGER is a 32-bit integer in the machine's byte order, which
 //                may be unaligned
-//   length       the number of octets of an OCTET STRING; not looked at for an INTEGER
-//   old_value    the column's present value, null when there is none; looked at for row-status columns only: a 32-bit
+//   length       the number of octets of an OCTET STRING; ignored for an INTEGER
+//   old_value    the column's present value, null when there is none; used for row-status columns only: a 32-bit
 //                integer, taken as 0 (no such row) when null or shorter
 //   old_length   its length in bytes
 //
@@ -16,11 +16,11 @@
 //   5  genErr               no value
 //   7  wrongType            not the column's type
 //   10 wrongValue           a number out of range, or a wrong length
-//   12 inconsistentValue    a number that is none of an enumeration's: the difference to 10 is meant
-//   the transition's        row-status columns: what Net-SNMP's check_rowstatus_transition says of old and new status
-//   the site check's        the result of check_<column>_local, called for accepted values only; 0 for all of them
+//   12 inconsistentValue    a number outside an enumeration. Quirk: not 10
+//   any                     row-status columns: what Net-SNMP's check_rowstatus_transition says of old and new status
+//   any                     the result of check_<column>_local, called for accepted values only; 0 for all of them
 //
-// The checks keep nothing and change nothing. Some belong to columns of tables that are not served.
+// The checks have no state. Some belong to columns of tables that are not served.
 #pragma once
 
 #include <cstddef>

@@ -21,7 +21,7 @@ struct StoreKey {
     const char* name;
 };
 
-// Hands the list of a get call back to the store at the end of the scope.
+// Returns the list of a get call to the store at the end of the scope.
 class Answer {
   public:
     Answer(const StoreKey& key, const char* object) : list_(cfqlquery_get_pv(key.table, object, key.name)) {}
@@ -36,22 +36,22 @@ class Answer {
 };
 
 // Whether the answer's first node is `key`, of whatever table, with a value that is not empty; then `scratch` holds a
-// copy of it, which the caller releases with `release`. Later nodes are never looked at. A null answer leaves `scratch`
-// as it is; any other answer first sets the length to 0. Without memory for the copy the key counts as not found.
+// copy of it, which the caller releases with `release`. Later nodes never count. A null answer leaves `scratch`
+// as it is; any other answer first sets the length to 0. When out of memory the key counts as not found.
 bool find_value(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
-// As find_value, for an answer that may be any of `keys`.
+// As find_value, for the first of `keys` that the answer has.
 bool find_value_of_any(const cfqlquery_node* list, std::span<const StoreKey> keys, ScratchText& scratch);
 
 // As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as
 // found, as long as the text has not been released.
 bool find_value_or_last(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
-// Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False without memory.
+// Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False when out of
+// memory.
 bool copy_value(const cfqlquery_node& node, ScratchText& scratch);
 
-// Overwrites and frees the copy, which may be a secret, and clears the pointer, so that no text is used or freed twice.
-// The length stays.
+// Overwrites and frees the copy, which may be a secret, and clears the pointer. The length stays.
 void release(ScratchText& scratch);
 
 }  // namespace dot11

@@ -43,7 +43,7 @@ const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, i
 int enumerate_interfaces(int32_t& counter) {
     char* type = copy_of("type");
     char* service_set = copy_of("service-set");
-    // The query is made without memory for its texts too.
+    // Quirk: out of memory, the query is made all the same, without its filter.
     cfqlquery_node filter = {};
     if (type && service_set) filter = {type, service_set, nullptr, 0};
     cfqlquery_node* answer = cfqlquery_get_grid("interface", nullptr, nullptr, &filter, 1);

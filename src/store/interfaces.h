@@ -21,7 +21,7 @@ extern "C" {
 extern char iface_tags[max_interfaces + 1][iface_tag_size];
 
 // Appends to iface_tags, at slot `*counter` and up, the values of all "name" nodes that have at most 5 characters and
-// are interfaces of the running system, in the order of the list, while the counter is below 129. `table` is not used.
+// are interfaces of the running system, in the order of the list, while the counter is below 129. `table` is ignored.
 // Returns the null pointer at which the list ends.
 const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* table, int32_t* counter);
 }

@@ -30,19 +30,19 @@ InterfaceName::InterfaceName(uint32_t index) : text_(static_cast<char*>(calloc(2
     if (text_) if_indextoname(index, text_);
 }
 
-int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t without_memory) {
+int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t out_of_memory) {
     uint32_t length = 0;
     char* text = ConvertToStringFromUnsignedInteger(&value, &length);
-    if (!text) return without_memory;
+    if (!text) return out_of_memory;
     const int32_t result = setTableData(key.table, object, key.name, text);
     free(text);
     return result;
 }
 
-int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t without_memory) {
+int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t out_of_memory) {
     const InterfaceName name(index);
-    if (!name.text()) return without_memory;
-    return write_number(key, name.text(), value, without_memory);
+    if (!name.text()) return out_of_memory;
+    return write_number(key, name.text(), value, out_of_memory);
 }
 
 }  // namespace dot11

@@ -13,14 +13,15 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status:
-// the sense is turned round. Without memory for the two copies nothing is written and the result is 0 as well.
+// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status.
+//
+// Quirk: when out of memory nothing is written, and the result is 0 as well.
 int32_t setTableData(const char* table, const char* object, const char* key, const char* value);
 }
 #pragma GCC visibility pop
 
-// The name of the interface with a given index, in a heap buffer that is released at the end of the scope. Empty when
-// the system has no such interface; the store then refuses the write. `text()` is null without memory.
+// The name of the interface with a given index, in a heap buffer released at the end of the scope. Empty when
+// the system has no such interface; the store then refuses the write. `text()` is null when out of memory.
 class InterfaceName {
   public:
     explicit InterfaceName(uint32_t index);
@@ -34,10 +35,10 @@ class InterfaceName {
     char* text_;
 };
 
-// setTableData with the decimal text of `value`. Returns `without_memory` when there is none for the text.
-int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t without_memory);
+// setTableData with the decimal text of `value`. Returns `out_of_memory` when the text cannot be allocated.
+int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t out_of_memory);
 
 // write_number on the object of the interface with that index.
-int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t without_memory);
+int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t out_of_memory);
 
 }  // namespace dot11

@@ -18,8 +18,9 @@ char* zeroed(size_t size) {
 
 enum class Component { stored, not_a_number, refused };
 
-// Converts the LENGTH characters of one component. A number of which no bit is left in the byte must end in "0": that
-// lets 1280 pass and refuses 256, and is meant.
+// Converts the `length` characters of one component.
+//
+// Quirk: a number of which no bit is left in the byte must end in "0", which accepts 1280 and refuses 256.
 Component convert_component(const char* text, size_t length, uint8_t* byte) {
     char token[24];
     if (length == 0 || length >= sizeof token) return Component::refused;
@@ -32,7 +33,7 @@ Component convert_component(const char* text, size_t length, uint8_t* byte) {
     return *byte == 0 && token[length - 1] != '0' ? Component::refused : Component::stored;
 }
 
-// Fills BYTES, which must hold a byte for every dot of TEXT and one more. COUNT is the number of bytes stored.
+// Fills `bytes`, which must hold a byte for every dot of `text` and one more. `*count` is the number of bytes stored.
 Component convert_components(const char* text, uint8_t* bytes, size_t* count) {
     for (*count = 0;; ++text) {
         const size_t length = strcspn(text, ".");

@@ -69,23 +69,23 @@ const struct {
     uint32_t indexes;
     MissingRow missing_row;
 } members[] = {
-    {292, 1, MissingRow::refused},   // dot11StationConfigTable
-    {16, 2, MissingRow::refused},    // dot11AuthenticationAlgorithmsTable
-    {76, 2, MissingRow::refused},    // dot11WEPDefaultKeysTable
-    {32, 2, MissingRow::made},       // dot11WEPKeyMappingsTable
-    {28, 1, MissingRow::refused},    // dot11PrivacyTable
-    {304, 1, MissingRow::refused},   // dot11OperationTable
-    {60, 1, MissingRow::stood_in},   // dot11CountersTable
-    {16, 2, MissingRow::stood_in},   // dot11GroupAddressesTable
-    {796, 1, MissingRow::stood_in},  // dot11ResourceInfoTable
-    {16, 1, MissingRow::refused},    // dot11PhyOperationTable
-    {44, 1, MissingRow::refused},    // dot11PhyTxPowerTable
-    {20, 1, MissingRow::refused},    // dot11PhyDSSSTable
-    {12, 2, MissingRow::stood_in},   // dot11RegDomainsSupportedTable
-    {12, 2, MissingRow::stood_in},   // dot11SupportedDataRatesTxTable
-    {12, 2, MissingRow::stood_in},   // dot11SupportedDataRatesRxTable
-    {20, 1, MissingRow::stood_in},   // dot11PhyHRDSSSTable
-    {24, 1, MissingRow::stood_in},   // dot11PhyERPTable
+    {292, 1, MissingRow::refused},    // dot11StationConfigTable
+    {16, 2, MissingRow::refused},     // dot11AuthenticationAlgorithmsTable
+    {76, 2, MissingRow::refused},     // dot11WEPDefaultKeysTable
+    {32, 2, MissingRow::created},     // dot11WEPKeyMappingsTable
+    {28, 1, MissingRow::refused},     // dot11PrivacyTable
+    {304, 1, MissingRow::refused},    // dot11OperationTable
+    {60, 1, MissingRow::throwaway},   // dot11CountersTable
+    {16, 2, MissingRow::throwaway},   // dot11GroupAddressesTable
+    {796, 1, MissingRow::throwaway},  // dot11ResourceInfoTable
+    {16, 1, MissingRow::refused},     // dot11PhyOperationTable
+    {44, 1, MissingRow::refused},     // dot11PhyTxPowerTable
+    {20, 1, MissingRow::refused},     // dot11PhyDSSSTable
+    {12, 2, MissingRow::throwaway},   // dot11RegDomainsSupportedTable
+    {12, 2, MissingRow::throwaway},   // dot11SupportedDataRatesTxTable
+    {12, 2, MissingRow::throwaway},   // dot11SupportedDataRatesRxTable
+    {20, 1, MissingRow::throwaway},   // dot11PhyHRDSSSTable
+    {24, 1, MissingRow::throwaway},   // dot11PhyERPTable
 };
 
 TEST(Catalogue, SaysHowATablesRowsAreMetBySets) {

@@ -269,12 +269,12 @@ TEST(TakeOctets, FillAFieldAndNoMore) {
         ScratchText scratch = {};
         char field[] = "----+";
         ASSERT_TRUE(find_value(list.head(), key, scratch));
-        EXPECT_EQ(take_octets(scratch, reinterpret_cast<uint8_t*>(field), 4), fact.octets) << fact.text;
+        EXPECT_EQ(move_octets(scratch, reinterpret_cast<uint8_t*>(field), 4), fact.octets) << fact.text;
         EXPECT_EQ(scratch.text, nullptr);
         EXPECT_EQ(std::string(field), fact.field + std::string("+"));
 
         ASSERT_TRUE(find_value(list.head(), key, scratch));
-        EXPECT_EQ(take_text(scratch, field, 4), fact.length) << fact.text;
+        EXPECT_EQ(move_text(scratch, field, 4), fact.length) << fact.text;
         EXPECT_EQ(scratch.text, nullptr);
         EXPECT_STREQ(field, fact.terminated);
         EXPECT_EQ(field[4], '+');

@@ -44,11 +44,11 @@ TEST(TxPower, ReadsTheKeysInOrderAndOneOfThemForEachLevel) {
 }
 
 TEST(TxPower, Numbers) {
-    const auto level_1 = [](int32_t number) { return number < 0 ? 100 : number; };
+    const auto parse_level_1 = [](int32_t number) { return number < 0 ? 100 : number; };
     expect_numbers<Row>(
         {
             {"interface", "num_supported_pow_level", &Row::dot11NumberSupportedPowerLevels, 1, zero_when_negative},
-            {"interface", "tx-power", &Row::dot11TxPowerLevel1, 100, level_1},
+            {"interface", "tx-power", &Row::dot11TxPowerLevel1, 100, parse_level_1},
             {"interface", "tx-power", &Row::dot11TxPowerLevel2, 100, zero_when_negative},
             {"interface", "tx-power", &Row::dot11TxPowerLevel3, 100, zero_when_negative},
             {"interface", "tx-power", &Row::dot11TxPowerLevel4, 100, zero_when_negative},

@@ -27,7 +27,7 @@ struct Writer {
     // For an interface that the system does not know; null: nothing, for want of a BSS.
     const char* call_without_interface;
     // Its results without memory for the n-th allocation.
-    std::vector<int32_t> without_memory;
+    std::vector<int32_t> out_of_memory;
 };
 
 template <int32_t (*set)(const uint32_t*, const uint32_t*, uint32_t)>
@@ -154,7 +154,7 @@ TEST_P(Writers, WriteNoObjectForAnUnknownInterface) {
 }
 
 TEST_P(Writers, SayWithoutMemoryWhatTheyMust) {
-    const std::vector<int32_t>& results = GetParam().without_memory;
+    const std::vector<int32_t>& results = GetParam().out_of_memory;
     for (size_t n = 0; n < results.size(); ++n) {
         device.calls.clear();
         device.fail_allocation(static_cast<int>(n) + 1);

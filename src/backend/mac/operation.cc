@@ -16,17 +16,17 @@ namespace {
 
 using Row = OperationRow;
 
-int32_t counter;
+int32_t interface_count;
 
 // clang-format off
 constexpr InterfaceKey<Row> retry_limits[] = {
-    {key::short_retry_limit, &oper_info.short_retry_limit, &Row::dot11ShortRetryLimit, number_not_negative, 7},
-    {key::long_retry_limit, &oper_info.long_retry_limit, &Row::dot11LongRetryLimit, number_not_negative, 4},
+    {key::short_retry_limit, &oper_info.short_retry_limit, &Row::dot11ShortRetryLimit, parse_non_negative, 7},
+    {key::long_retry_limit, &oper_info.long_retry_limit, &Row::dot11LongRetryLimit, parse_non_negative, 4},
 };
 
 constexpr InterfaceKey<Row> lifetimes[] = {
-    {key::max_transmit_msdu_lifetime, &oper_info.max_transmit_msdu_lifetime, &Row::dot11MaxTransmitMSDULifetime, number_not_negative, 512},
-    {key::max_receive_lifetime, &oper_info.max_receive_lifetime, &Row::dot11MaxReceiveLifetime, number_not_negative, 512},
+    {key::max_transmit_msdu_lifetime, &oper_info.max_transmit_msdu_lifetime, &Row::dot11MaxTransmitMSDULifetime, parse_non_negative, 512},
+    {key::max_receive_lifetime, &oper_info.max_receive_lifetime, &Row::dot11MaxReceiveLifetime, parse_non_negative, 512},
 };
 
 constexpr RadioText<Row, sizeof Row::dot11ManufacturerID> identifiers[] = {
@@ -51,13 +51,13 @@ void read_rts_threshold(Row& row, const cfqlquery_node* bss_answer) {
     if (!find_bss_or_last(bss_answer)) return;
     row.dot11RTSThreshold = 2347;
     if (find_threshold(key::rts_threshold, oper_info.rts_threshold))
-        row.dot11RTSThreshold = take_number(oper_info.rts_threshold, number_not_negative);
+        row.dot11RTSThreshold = convert_and_release(oper_info.rts_threshold, parse_non_negative);
 }
 
 // Quirk: the default goes into the RTS threshold, and the fragmentation threshold keeps its earlier value.
 void read_fragmentation_threshold(Row& row, const cfqlquery_node* bss_answer) {
     if (find_bss_or_last(bss_answer) && find_threshold(key::fragmentation_threshold, oper_info.fragmentation_threshold))
-        row.dot11FragmentationThreshold = take_number(oper_info.fragmentation_threshold, number_not_negative);
+        row.dot11FragmentationThreshold = convert_and_release(oper_info.fragmentation_threshold, parse_non_negative);
     else
         row.dot11RTSThreshold = 2346;
 }
@@ -68,8 +68,8 @@ void read_identifiers(Row& row, const cfqlquery_node* bss_answer) {
         read_radio_text(row, bss_answer, oper_info.bss, oper_info.radio, identifier, find_value_or_last);
 }
 
-// Each answer for "bss" is asked for anew, and handed back when the values behind it have been read. False when memory
-// ran out; what was read until then stays.
+// Each answer for "bss" is asked for again, and returned when the values behind it have been read. False when out of
+// memory; what was read until then stays.
 bool fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     if (!read_mac_address(interface, key::mac, oper_info.mac, row.dot11MACAddress)) return false;
@@ -82,20 +82,20 @@ bool fill_row(Row& row, const char* interface) {
     return true;
 }
 
-constexpr int32_t without_memory = 0;
+constexpr int32_t out_of_memory = 0;
 
 }  // namespace
 
 int GetOperationsEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetOperationTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetOperationsTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         if (!fill_row(opinfo[i], iface_tags[i])) return -1;
     return 1;
 }
@@ -105,27 +105,27 @@ int GetOperationsEntryByIndex(uint32_t row, void* destination) {
 }
 
 int32_t SetRTSThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, key::rts_threshold, *value, without_memory);
+    return write_radio_number(*index, key::rts_threshold, *value, out_of_memory);
 }
 
 int32_t SetShortRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::short_retry_limit, *value, without_memory);
+    return write_interface_number(*index, key::short_retry_limit, *value, out_of_memory);
 }
 
 int32_t SetLongRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::long_retry_limit, *value, without_memory);
+    return write_interface_number(*index, key::long_retry_limit, *value, out_of_memory);
 }
 
 int32_t SetFragmentationThreshold(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, key::fragmentation_threshold, *value, without_memory);
+    return write_radio_number(*index, key::fragmentation_threshold, *value, out_of_memory);
 }
 
 int32_t SetMaxTransmitMSDULifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::max_transmit_msdu_lifetime, *value, without_memory);
+    return write_interface_number(*index, key::max_transmit_msdu_lifetime, *value, out_of_memory);
 }
 
 int32_t SetMaxReceiveLifetime(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::max_receive_lifetime, *value, without_memory);
+    return write_interface_number(*index, key::max_receive_lifetime, *value, out_of_memory);
 }
 
 }  // namespace dot11

@@ -59,9 +59,9 @@ uint32_t GetOperationTableIndexCount(void);  // rows found by the latest enumera
 int GetOperationsTableData(void);            // fills the rows; 1, or -1 when memory ran out on the way
 int GetOperationsEntryByIndex(uint32_t row, void* destination);  // copies one OperationRow; see copy_row
 
-// Writers into the store, for other callers than SNMP. `index` points to a row's interface index. All return
-// setTableData's result, 0 without memory, and those of the two thresholds also 0 when the interface has no BSS or the
-// BSS no radio. The length is not used, nor is a value's range looked at.
+// Writers into the store, for callers other than SNMP. `index` points to a row's interface index. All return
+// setTableData's result, 0 when out of memory or when the interface has no BSS or the BSS no radio. Any value is
+// written. `length` is ignored.
 int32_t SetRTSThreshold(const uint32_t* index, const uint32_t* value, uint32_t length);
 int32_t SetShortRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t length);
 int32_t SetLongRetryLimit(const uint32_t* index, const uint32_t* value, uint32_t length);

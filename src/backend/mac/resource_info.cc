@@ -17,7 +17,7 @@ namespace {
 
 using Row = ResourceInfoRow;
 
-int32_t counter;
+int32_t interface_count;
 
 // clang-format off
 constexpr RadioText<Row, sizeof Row::dot11manufacturerName> names[] = {
@@ -33,10 +33,10 @@ void read_oui(Row& row, const cfqlquery_node* bss_answer) {
     if (find_radio(bss_answer, res_info.bss, res_info.radio) &&
         find_value_of_radio(res_info.radio, key::manufacturer_oui, res_info.oui))
         row.dot11manufacturerOUILen =
-            take_octets(res_info.oui, row.dot11manufacturerOUI, sizeof row.dot11manufacturerOUI);
+            move_octets(res_info.oui, row.dot11manufacturerOUI, sizeof row.dot11manufacturerOUI);
 }
 
-// One answer for "bss" serves all four; each follows the links afresh.
+// One answer for "bss" serves all four; each follows the links again.
 void fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     const Answer bss_answer(key::bss, interface);
@@ -48,15 +48,15 @@ void fill_row(Row& row, const char* interface) {
 }  // namespace
 
 int GetResourceInfoEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetResourceInfoTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetResourceInfoTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         fill_row(rinfo[i], iface_tags[i]);
     return 1;
 }

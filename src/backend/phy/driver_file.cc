@@ -11,21 +11,21 @@ namespace dot11 {
 namespace {
 
 constexpr int line_size = 512;
-constexpr size_t longest_value = 16;
-constexpr int most_lines = 1024;
+constexpr size_t max_value_size = 16;
+constexpr int max_lines = 1024;
 
 // Room for a value behind an '=' that is the last character of the longest line.
-using Line = char[line_size + longest_value];
+using Line = char[line_size + max_value_size];
 
-// fopen waits for the writer of a FIFO. Only the kernel makes files where the driver's are, so that none turns into
-// another between this look and the opening. A path that cannot be looked at is left to fopen.
+// fopen waits for the writer of a FIFO. Only the kernel makes files where the driver's are, so none can be swapped
+// between this check and the opening. A path that cannot be checked is left to fopen.
 bool may_block(const char* path) {
     struct stat status;
     return stat(path, &status) == 0 && !S_ISREG(status.st_mode);
 }
 
 bool find_line(FILE* file, const char* key, Line& line) {
-    for (int i = 0; i < most_lines && fgets(line, line_size, file); ++i)
+    for (int i = 0; i < max_lines && fgets(line, line_size, file); ++i)
         if (strstr(line, key)) return true;
     return false;
 }
@@ -40,7 +40,7 @@ int read_driver_value(const char* path, const char* key, size_t count, char* des
     const bool found = find_line(file, key, line);
     fclose(file);
     if (!found) return 1;
-    if (const char* equals = strchr(line, '=')) memcpy(destination, equals + 1, std::min(count, longest_value));
+    if (const char* equals = strchr(line, '=')) memcpy(destination, equals + 1, std::min(count, max_value_size));
     return 0;
 }
 

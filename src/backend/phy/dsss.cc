@@ -17,10 +17,10 @@ DsssScratch phy_dsss_info;
 
 namespace {
 
-int32_t counter;
+int32_t interface_count;
 
-// As atoi reads it where a long has 32 bits: numbers that are too great end at the limits.
-int32_t leading_number(const char* text) {
+// As atoi where a long has 32 bits: numbers out of range become the nearest limit.
+int32_t parse_leading_number(const char* text) {
     return static_cast<int32_t>(std::clamp<long long>(strtoll(text, nullptr, 10), INT32_MIN, INT32_MAX));
 }
 
@@ -36,7 +36,7 @@ int32_t read_ed_threshold(uint32_t position) {
     int32_t threshold = 0;
     if (read_driver_value(path, "caThreshold", value_size, value.text) == 0) {
         value.length = sizeof threshold;
-        threshold = leading_number(value.text);
+        threshold = parse_leading_number(value.text);
     }
     release(value);
     return threshold;
@@ -46,22 +46,22 @@ int32_t read_ed_threshold(uint32_t position) {
 void fill_row(DsssRow& row, const char* interface, uint32_t position) {
     row.ifIndex = if_nametoindex(interface);
     const Answer answer(key::channel, interface);
-    row.dot11CurrentChannel = converted(answer.list(), key::channel, phy_dsss_info.channel, number, 6);
+    row.dot11CurrentChannel = read_number(answer.list(), key::channel, phy_dsss_info.channel, parse_number, 6);
     row.dot11EDThreshold = read_ed_threshold(position);
 }
 
 }  // namespace
 
 int GetPhyDsssEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetPhyDsssTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetPhyDsssTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         fill_row(pdsssinfo[i], iface_tags[i], i);
     return 1;
 }

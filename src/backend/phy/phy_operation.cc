@@ -16,34 +16,34 @@ namespace {
 
 using Row = PhyOperationRow;
 
-int32_t counter;
+int32_t interface_count;
 
 // Quirk: every other number, the higher codes of the MIB among them, is served as 1.
-int32_t phy_type(char* text) {
+int32_t parse_phy_type(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value >= 0 && value < 4 ? value : 1;
 }
 
 // clang-format off
 constexpr InterfaceKey<Row> keys[] = {
-    {key::current_reg_domain, &phy_oper_info.current_reg_domain, &Row::dot11CurrentRegDomain, number_not_negative, 0},
-    {key::temp_type, &phy_oper_info.temp_type, &Row::dot11TempType, number_not_negative, 1},
-    {key::phy_type, &phy_oper_info.phy_type, &Row::dot11PHYType, phy_type, 1},
+    {key::current_reg_domain, &phy_oper_info.current_reg_domain, &Row::dot11CurrentRegDomain, parse_non_negative, 0},
+    {key::temp_type, &phy_oper_info.temp_type, &Row::dot11TempType, parse_non_negative, 1},
+    {key::phy_type, &phy_oper_info.phy_type, &Row::dot11PHYType, parse_phy_type, 1},
 };
 // clang-format on
 
 }  // namespace
 
 int GetPhyOperationsEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetPhyOperationTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetPhyOperationsTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i) {
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i) {
         poinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
         read_interface_keys(poinfo[i], iface_tags[i], keys);
     }

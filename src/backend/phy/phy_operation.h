@@ -41,8 +41,8 @@ uint32_t GetPhyOperationTableIndexCount(void);  // rows found by the latest enum
 int GetPhyOperationsTableData(void);            // fills the rows; always 1
 int GetPhyOperationsEntryByIndex(uint32_t row, void* destination);  // copies one PhyOperationRow; see copy_row
 
-// Writes the regulatory domain of the interface whose index `index` points to, for other callers than SNMP. Any value
-// is written. Returns setTableData's result, 0 without memory. `length` is not used.
+// Writes the regulatory domain of the interface whose index `index` points to, for callers other than SNMP. Any value
+// is written. Returns setTableData's result, 0 when out of memory. `length` is ignored.
 int32_t SetCurrentRegDomain(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop

@@ -15,10 +15,10 @@ namespace {
 
 using Row = RegDomainsRow;
 
-int32_t counter;
+int32_t interface_count;
 
 constexpr InterfaceKey<Row> current_reg_domain = {key::current_reg_domain, &reg_info.current_reg_domain,
-                                                  &Row::dot11RegDomainsSupportValue, number_not_negative, 16};
+                                                  &Row::dot11RegDomainsSupportValue, parse_non_negative, 16};
 
 void fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
@@ -29,15 +29,15 @@ void fill_row(Row& row, const char* interface) {
 }  // namespace
 
 int GetRegDomainSupportedEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetRegDomainsSupportedTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetRegDomainSupportedTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         fill_row(rdinfo[i], iface_tags[i]);
     return 1;
 }

@@ -33,10 +33,12 @@ constexpr int64_t seconds_kept = 50;
 constexpr int32_t rates_per_group = 8;
 constexpr uint32_t max_names = max_interfaces + 1;  // as many as lcl_get_tags_pv finds
 
-// One table's names and rates. Each group is asked for its rate once, when it is first visited; its text goes to the
-// next free place, in the order of the visits, and is looked for where the groups' rows before it end. So a group of
-// one object serves its rate, and the further rows of larger groups serve empty texts. What a reload clears and what
-// only the reset at the end of a walk does is meant too.
+// One table's names and rates.
+//
+// Quirk: each group's rate is fetched once, when the group is first visited. Its text goes to the next free element, in
+// the order of the visits, but is read where the rows of the groups before it end. So a group of one object serves its
+// rate, and the other rows of larger groups serve empty texts. A reload clears less than the reset at the end of a
+// walk.
 struct RateCache {
     uint32_t& last_load;
     RateGroupName*& names;
@@ -60,7 +62,7 @@ struct Rate {
 };
 static_assert(sizeof(Rate) == sizeof(SupportedDataRatesRxRow) && sizeof(Rate) == sizeof(SupportedDataRatesTxRow));
 
-uint32_t groups(const RateCache& cache) {
+uint32_t loaded_groups(const RateCache& cache) {
     return cache.names ? cache.group_count : 0;
 }
 
@@ -71,13 +73,13 @@ uint32_t rows_before(const RateCache& cache, uint32_t group) {
     return rows;
 }
 
-uint32_t rows_in_all(const RateCache& cache) {
-    return rows_before(cache, groups(cache));
+uint32_t all_rows(const RateCache& cache) {
+    return rows_before(cache, loaded_groups(cache));
 }
 
 // Null outside the array.
-RateText* text_at(const RateCache& cache, int64_t place) {
-    return cache.texts && place >= 0 && place < rows_in_all(cache) ? &cache.texts[place] : nullptr;
+RateText* text_at(const RateCache& cache, int64_t position) {
+    return cache.texts && position >= 0 && position < all_rows(cache) ? &cache.texts[position] : nullptr;
 }
 
 void release(RateCache& cache) {
@@ -96,7 +98,7 @@ void find_groups(RateCache& cache, int32_t name_count) {
     }
 }
 
-// Without memory for the texts they all count as empty. False without memory for the names.
+// When out of memory for the texts, they all count as empty. False when out of memory for the names.
 bool allocate(RateCache& cache) {
     release(cache);
     cache.names = static_cast<RateGroupName*>(calloc(cache.group_count, sizeof(RateGroupName)));
@@ -106,11 +108,11 @@ bool allocate(RateCache& cache) {
         memcpy(cache.names[group], name, sizeof *name);
         name += cache.group_sizes[group];
     }
-    cache.texts = static_cast<RateText*>(calloc(rows_in_all(cache), sizeof(RateText)));
+    cache.texts = static_cast<RateText*>(calloc(all_rows(cache), sizeof(RateText)));
     return true;
 }
 
-// 1, or what the call that needed the names returns without them.
+// 1, or what the call that needed the names returns if there are none.
 int reload(RateCache& cache, int64_t now) {
     cfqlquery_node* list = cfqlquery_get_grid(key::rate.table, nullptr, nullptr, nullptr, 1);
     if (!list) return 0;
@@ -130,8 +132,8 @@ int reload(RateCache& cache, int64_t now) {
 int reload_when_old(RateCache& cache) {
     timeval now = {};
     gettimeofday(&now, nullptr);
-    const bool is_current = cache.last_load != 0 && cache.last_load + seconds_kept >= now.tv_sec;
-    return is_current ? 1 : reload(cache, now.tv_sec);
+    const bool is_fresh = cache.last_load != 0 && cache.last_load + seconds_kept >= now.tv_sec;
+    return is_fresh ? 1 : reload(cache, now.tv_sec);
 }
 
 void store_rate(RateCache& cache, const cfqlquery_node* list) {
@@ -144,9 +146,9 @@ void store_rate(RateCache& cache, const cfqlquery_node* list) {
     ++cache.stored_now;
 }
 
-// Only as many visits fetch as there are groups: those of the first walk. False when the store has no answer.
+// Quirk: only as many visits fetch as there are groups, those of the first walk. False when the store has no answer.
 bool fetch_rate(RateCache& cache, const char* group_name) {
-    if (++cache.loaded_rows > groups(cache)) return true;
+    if (++cache.loaded_rows > loaded_groups(cache)) return true;
     const Answer answer(key::rate, group_name);
     if (!answer.list()) return false;
     store_rate(cache, answer.list());
@@ -159,10 +161,12 @@ int32_t rate_value(const RateText* text) {
     return std::max(value, 2);
 }
 
-// A walk of n rows by GETNEXT requests, each of which scans from the first row and ends behind the last, takes (n + 1)
-// squared calls: the cache is emptied when a walk like that has had it for itself. Meant, and kept.
+// A walk of n rows by GETNEXT requests, each of which scans the table from its first row to past its last, takes (n +
+// 1) squared calls.
+//
+// Quirk: the cache is emptied after that many calls, so only by a walk that no other request disturbs.
 void end_walk(RateCache& cache) {
-    const uint64_t scan = uint64_t{rows_in_all(cache)} + 1;
+    const uint64_t scan = uint64_t{all_rows(cache)} + 1;
     if (scan * scan != cache.call_count) return;
     cache.last_load = 0;
     cache.next_text = 0;
@@ -175,7 +179,7 @@ int next_rate(RateCache& cache, uint32_t row, int32_t& value_index, Rate& rate) 
     cache.stored_now = 0;
     ++cache.call_count;
     if (const int loaded = reload_when_old(cache); loaded != 1) return loaded;
-    if (row >= groups(cache)) {
+    if (row >= loaded_groups(cache)) {
         end_walk(cache);
         return 0;
     }

@@ -2,9 +2,9 @@
 // "supported-rate" objects.
 //
 // The two tables read the same objects, each through a cache of its own. A group is a run of objects with the same
-// name, an interface's; names are not sorted, so a name that comes back after another makes a group again. There is no
-// array of rows: the iterator asks for one row after the other, and the cache is read again, emptied or kept inside
-// these calls.
+// name, an interface's; names are not sorted, so a name that returns after another makes another group. There is no
+// array of rows: the iterator asks for one row after the other, and the cache is reloaded, emptied or kept inside these
+// calls.
 #pragma once
 
 #include <cstddef>
@@ -43,7 +43,7 @@ using RateText = char[6];  // units of 100 kbit/s, decimal, terminated
 #pragma GCC visibility push(default)
 extern "C" {
 
-extern uint32_t SUPPDATARATESRXLastLoad;    // seconds since the epoch; 0: the cache is read at the next call
+extern uint32_t SUPPDATARATESRXLastLoad;    // seconds since the epoch; 0: the cache is loaded by the next call
 extern RateGroupName* rx_tag;               // one for each group; null: there is none
 extern RateText* suppRx_info;               // as many as the groups have rows; null: all count as empty
 extern int32_t rxval_index;                 // the text that the next rate goes to
@@ -61,14 +61,13 @@ extern SupportedDataRatesTxRow suppTxInfo;
 // row's index in the group, 1 for a new group: it goes up by one with each row. Returns
 //    1  a row, and the group has more
 //    2  the group's last row: go on with the next group and *value_index 1
-//    0  no row: end of the table, or the store or memory failed
+//    0  no row: end of the table, or the store failed, or out of memory
 //   -1  no row: the store has no "supported-rate" object
 int GetSuppDataRatesRxTableByIndex(uint32_t row, int32_t* value_index, void* record);
-int GetSuppDataRatesTxTableByIndex(uint32_t row, int32_t* value_index,
-                                   void* record);  // the same, a SupportedDataRatesTxRow
+// The same, `record` a SupportedDataRatesTxRow.
+int GetSuppDataRatesTxTableByIndex(uint32_t row, int32_t* value_index, void* record);
 
-// Stores the rate of an answer for "rate" in the next text, clipped at five characters. Only the first node is looked
-// at.
+// Stores the rate of an answer for "rate" in the next text, clipped at five characters. Only the first node counts.
 void lcl_suppRx(const cfqlquery_node* list);
 void lcl_suppTx(const cfqlquery_node* list);
 }

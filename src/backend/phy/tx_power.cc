@@ -16,10 +16,10 @@ namespace {
 
 using Row = TxPowerRow;
 
-int32_t counter;
+int32_t interface_count;
 
 // Quirk: level 1 alone turns a negative number into the default instead of 0.
-int32_t level_1(char* text) {
+int32_t parse_level_1(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value < 0 ? 100 : value;
 }
@@ -27,31 +27,31 @@ int32_t level_1(char* text) {
 // Quirk: all levels are read from one key, each with a query of its own.
 // clang-format off
 constexpr InterfaceKey<Row> keys[] = {
-    {key::num_supported_pow_level, &phy_pow_info.number_supported_levels, &Row::dot11NumberSupportedPowerLevels, number_not_negative, 1},
-    {key::tx_power, &phy_pow_info.levels[0], &Row::dot11TxPowerLevel1, level_1, 100},
-    {key::tx_power, &phy_pow_info.levels[1], &Row::dot11TxPowerLevel2, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[2], &Row::dot11TxPowerLevel3, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[3], &Row::dot11TxPowerLevel4, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[4], &Row::dot11TxPowerLevel5, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[5], &Row::dot11TxPowerLevel6, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[6], &Row::dot11TxPowerLevel7, number_not_negative, 100},
-    {key::tx_power, &phy_pow_info.levels[7], &Row::dot11TxPowerLevel8, number_not_negative, 100},
-    {key::curr_tx_power_level, &phy_pow_info.current_level, &Row::dot11CurrentTxPowerLevel, number_not_negative, 1},
+    {key::num_supported_pow_level, &phy_pow_info.number_supported_levels, &Row::dot11NumberSupportedPowerLevels, parse_non_negative, 1},
+    {key::tx_power, &phy_pow_info.levels[0], &Row::dot11TxPowerLevel1, parse_level_1, 100},
+    {key::tx_power, &phy_pow_info.levels[1], &Row::dot11TxPowerLevel2, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[2], &Row::dot11TxPowerLevel3, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[3], &Row::dot11TxPowerLevel4, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[4], &Row::dot11TxPowerLevel5, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[5], &Row::dot11TxPowerLevel6, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[6], &Row::dot11TxPowerLevel7, parse_non_negative, 100},
+    {key::tx_power, &phy_pow_info.levels[7], &Row::dot11TxPowerLevel8, parse_non_negative, 100},
+    {key::curr_tx_power_level, &phy_pow_info.current_level, &Row::dot11CurrentTxPowerLevel, parse_non_negative, 1},
 };
 // clang-format on
 
 }  // namespace
 
 int GetPhyTxPowerEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetPhyTxPowerTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetPhyTxPowerTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i) {
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i) {
         ptinfo[i].ifIndex = if_nametoindex(iface_tags[i]);
         read_interface_keys(ptinfo[i], iface_tags[i], keys);
     }

@@ -49,8 +49,8 @@ uint32_t GetPhyTxPowerTableIndexCount(void);  // rows found by the latest enumer
 int GetPhyTxPowerTableData(void);             // fills the rows; always 1
 int GetPhyTxPowerEntryByIndex(uint32_t row, void* destination);  // copies one TxPowerRow; see copy_row
 
-// Writes the current power level of the interface whose index `index` points to, for other callers than SNMP. Any value
-// is written. Returns setTableData's result, 0 without memory. `length` is not used.
+// Writes the current power level of the interface whose index `index` points to, for callers other than SNMP. Any value
+// is written. Returns setTableData's result, 0 when out of memory. `length` is ignored.
 int32_t SetCurrentPowerLevel(const uint32_t* index, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop

@@ -47,8 +47,8 @@ uint32_t GetPrivacyTableIndexCount(void);  // rows found by the latest enumerati
 int GetPrivacyTableData(void);             // fills the rows; 1
 int GetPrivacyEntryByIndex(uint32_t row, void* destination);  // copies one PrivacyRow; see copy_row
 
-// Writers into the store, for other callers than SNMP. `index` points to a row's interface index. All return
-// setTableData's result, 0 without memory. The length is not used.
+// Writers into the store, for callers other than SNMP. `index` points to a row's interface index. All return
+// setTableData's result, 0 when out of memory. `length` is ignored.
 int32_t SetPrivacyInvoked(const uint32_t* index, const uint32_t* value, uint32_t length);
 int32_t SetWEPDefaultKeyID(const uint32_t* index, const uint32_t* value, uint32_t length);
 int32_t SetWEPKeyMappingLength(const uint32_t* index, const uint32_t* value, uint32_t length);

@@ -22,7 +22,7 @@ namespace {
 
 using Row = StationConfigRow;
 
-int32_t counter;
+int32_t interface_count;
 
 // A MAC address under a key of the interface, the field that it fills and that field's length.
 struct MacKey {
@@ -38,7 +38,7 @@ struct EventKeys {
     MacKey station;
 };
 
-int32_t false_when_plain_text(char* text) {
+int32_t parse_plain_text_as_false(char* text) {
     return strcmp(text, "plain-text") == 0 ? 2 : 1;
 }
 
@@ -47,21 +47,21 @@ constexpr MacKey station_id =
     {key::mac, &sta_info.mac, &Row::dot11StationID, &Row::dot11StationIDLen};
 
 constexpr InterfaceKey<Row> settings[] = {
-    {key::cf_pollable, &sta_info.cf_pollable, &Row::dot11CFPollable, true_when_one, 2},
-    {key::authentication_response_time_out, &sta_info.authentication_time_out, &Row::dot11AuthenticationResponseTimeOut, number, 1},
-    {key::privacy_option_implemented, &sta_info.privacy_option, &Row::privacy_option_configured, true_when_one, 2},
-    {key::security, &sta_info.security, &Row::dot11PrivacyOptionImplemented, false_when_plain_text, 2},
+    {key::cf_pollable, &sta_info.cf_pollable, &Row::dot11CFPollable, parse_one_as_true, 2},
+    {key::authentication_response_time_out, &sta_info.authentication_time_out, &Row::dot11AuthenticationResponseTimeOut, parse_number, 1},
+    {key::privacy_option_implemented, &sta_info.privacy_option, &Row::privacy_option_configured, parse_one_as_true, 2},
+    {key::security, &sta_info.security, &Row::dot11PrivacyOptionImplemented, parse_plain_text_as_false, 2},
 };
 
 constexpr InterfaceKey<Row> association_time_out =
-    {key::association_response_time_out, &sta_info.association_time_out, &Row::dot11AssociationResponseTimeOut, number, 1};
+    {key::association_response_time_out, &sta_info.association_time_out, &Row::dot11AssociationResponseTimeOut, parse_number, 1};
 
 constexpr EventKeys events[] = {
-    {{key::disassociate_reason, &sta_info.disassociate_reason, &Row::dot11DisassociateReason, number, 0},
+    {{key::disassociate_reason, &sta_info.disassociate_reason, &Row::dot11DisassociateReason, parse_number, 0},
      {key::disassociate_station, &sta_info.disassociate_station, &Row::dot11DisassociateStation, &Row::dot11DisassociateStationLen}},
-    {{key::deauthenticate_reason, &sta_info.deauthenticate_reason, &Row::dot11DeauthenticateReason, number, 0},
+    {{key::deauthenticate_reason, &sta_info.deauthenticate_reason, &Row::dot11DeauthenticateReason, parse_number, 0},
      {key::deauthenticate_station, &sta_info.deauthenticate_station, &Row::dot11DeauthenticateStation, &Row::dot11DeauthenticateStationLen}},
-    {{key::authenticate_fail_status, &sta_info.authenticate_fail_status, &Row::dot11AuthenticateFailStatus, number, 0},
+    {{key::authenticate_fail_status, &sta_info.authenticate_fail_status, &Row::dot11AuthenticateFailStatus, parse_number, 0},
      {key::authenticate_fail_station, &sta_info.authenticate_fail_station, &Row::dot11AuthenticateFailStation, &Row::dot11AuthenticateFailStationLen}},
 };
 // clang-format on
@@ -77,22 +77,24 @@ void read_ssid(Row& row, const char* interface) {
     row.dot11DesiredSSID[0] = '0';
     row.dot11DesiredSSIDLen = 1;
     if (!find_value(answer.list(), key::ssid, sta_info.ssid)) return;
-    row.dot11DesiredSSIDLen = take_octets(sta_info.ssid, row.dot11DesiredSSID, sizeof row.dot11DesiredSSID);
+    row.dot11DesiredSSIDLen = move_octets(sta_info.ssid, row.dot11DesiredSSID, sizeof row.dot11DesiredSSID);
 }
 
-// A stored rate, in 100 kbit/s, to units of 500 kbit/s. The result passes as a character through GetHexValue, which
-// turns 48 to 57 ('0' to '9') and the codes of the letters a to f into digits: meant, and kept.
-uint8_t rate_octet(const char* text) {
+// From units of 100 kbit/s to units of 500 kbit/s.
+//
+// Quirk: the result goes through GetHexValue as a character, which turns 48 to 57 ('0' to '9') and the codes of the
+// letters a to f into digits.
+uint8_t parse_rate_octet(const char* text) {
     const auto doubled = static_cast<int32_t>(static_cast<uint32_t>(AlphabeticToNumeric(text)) * 2);
     return static_cast<uint8_t>(GetHexValue(static_cast<uint8_t>(doubled / 10)));
 }
 
-// Only an answer's first node is looked at, so that a row's rate set holds at most one rate.
+// Quirk: only an answer's first node counts, so a row's rate set holds at most one rate.
 void read_rates(Row& row, const char* interface) {
     const Answer answer(key::rate, interface);
     sta_info.rate_count = find_value(answer.list(), key::rate, sta_info.rates[0]) ? 1 : 0;
     for (uint32_t i = 0; i < sta_info.rate_count; ++i) {
-        row.dot11OperationalRateSet[i] = rate_octet(sta_info.rates[i].text);
+        row.dot11OperationalRateSet[i] = parse_rate_octet(sta_info.rates[i].text);
         release(sta_info.rates[i]);
     }
     if (sta_info.rate_count == 0) row.dot11OperationalRateSet[0] = 0;
@@ -103,7 +105,7 @@ void read_beacon_period(Row& row, const cfqlquery_node* bss_answer) {
     row.dot11BeaconPeriod = 1;
     if (find_radio(bss_answer, sta_info.bss, sta_info.radio) &&
         find_value_of_radio(sta_info.radio, key::beacon_interval, sta_info.beacon_interval))
-        row.dot11BeaconPeriod = take_number(sta_info.beacon_interval, number);
+        row.dot11BeaconPeriod = convert_and_release(sta_info.beacon_interval, parse_number);
 }
 
 void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
@@ -111,10 +113,10 @@ void read_dtim_period(Row& row, const cfqlquery_node* bss_answer) {
     if (!find_value(bss_answer, key::bss, sta_info.bss)) return;
     const Answer answer(key::dtim_period, sta_info.bss.text);
     release(sta_info.bss);
-    row.dot11DTIMPeriod = converted(answer.list(), key::dtim_period, sta_info.dtim_period, number, 1);
+    row.dot11DTIMPeriod = read_number(answer.list(), key::dtim_period, sta_info.dtim_period, parse_number, 1);
 }
 
-int32_t true_when_up(char* text) {
+int32_t parse_up_as_true(char* text) {
     return strcmp(text, "up") == 0 ? 1 : 2;
 }
 
@@ -124,10 +126,10 @@ void read_multi_domain(Row& row, const cfqlquery_node* bss_answer) {
     if (!find_radio(bss_answer, sta_info.bss, sta_info.radio)) return;
     if (!find_value_of_radio(sta_info.radio, key::dot11d, sta_info.dot11d)) return;
     row.dot11MultiDomainCapabilityImplemented = 1;
-    row.dot11MultiDomainCapabilityEnabled = take_number(sta_info.dot11d, true_when_up);
+    row.dot11MultiDomainCapabilityEnabled = convert_and_release(sta_info.dot11d, parse_up_as_true);
 }
 
-// One answer for "bss" serves three columns; each follows the links afresh.
+// One answer for "bss" serves three columns; each follows the links again.
 void read_radio_settings(Row& row, const char* interface) {
     const Answer bss_answer(key::bss, interface);
     read_beacon_period(row, bss_answer.list());
@@ -139,12 +141,12 @@ void set_constants(Row& row) {
     row.dot11MediumOccupancyLimit = 100;
     row.dot11CFPPeriod = 0;
     row.dot11CFPMaxDuration = 0;
-    row.dot11PowerManagementMode = 2;  // powersave, though the column always answers active
+    row.dot11PowerManagementMode = 2;  // powersave; but see the accessor
     row.dot11DesiredBSSType = 1;       // infrastructure
 }
 
-// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag is not
-// looked at.
+// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag does not
+// matter.
 void read_country(Row& row) {
     const Answer answer(key::country, nullptr);
     memcpy(row.dot11CountryString, "???", 3);
@@ -156,7 +158,7 @@ void read_country(Row& row) {
     release(sta_info.country);
 }
 
-// False when memory ran out; what was read until then stays.
+// False when out of memory; what was read until then stays.
 bool fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     if (!read_mac(row, interface, station_id)) return false;
@@ -174,20 +176,20 @@ bool fill_row(Row& row, const char* interface) {
     return true;
 }
 
-constexpr int32_t without_memory = -1;
+constexpr int32_t out_of_memory = -1;
 
 }  // namespace
 
 int GetStationConfigEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetStationConfigTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetStationConfigTableData(void) {
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         if (!fill_row(sinfo[i], iface_tags[i])) return -1;
     return 1;
 }
@@ -198,22 +200,22 @@ int GetStationConfigEntryByIndex(uint32_t row, void* destination) {
 
 int32_t SetDesiredSSID(const uint32_t* index, const char* ssid, uint32_t) {
     const InterfaceName name(*index);
-    if (!name.text()) return without_memory;
+    if (!name.text()) return out_of_memory;
     return setTableData(key::ssid.table, name.text(), key::ssid.name, ssid);
 }
 
 int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_radio_number(*index, key::beacon_interval, *value, without_memory);
+    return write_radio_number(*index, key::beacon_interval, *value, out_of_memory);
 }
 
-// Asks whether the interface has a BSS, and then writes under the interface's own name as the BSS: meant, and kept.
+// Quirk: the interface must have a BSS, but what is written is the BSS of the interface's own name.
 int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
     const InterfaceName name(*index);
-    if (!name.text()) return without_memory;
+    if (!name.text()) return out_of_memory;
     ScratchText bss = {};
     if (!find_bss(name.text(), bss)) return 0;
     release(bss);
-    return write_number(key::dtim_period, name.text(), *value, without_memory);
+    return write_number(key::dtim_period, name.text(), *value, out_of_memory);
 }
 
 int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t count) {
@@ -222,7 +224,7 @@ int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t coun
     const auto octet_count = static_cast<int32_t>(count);
     const InterfaceName name(*index);
     auto* text = static_cast<char*>(calloc(text_size, 1));
-    int32_t result = without_memory;
+    int32_t result = out_of_memory;
     if (name.text() && text) {
         ConvertToStringFromHex(text, octets, octet_count);
         ConvertToMacAddrFromString(text, octet_count * 2);
@@ -232,14 +234,14 @@ int32_t SetStationId(const uint32_t* index, const uint8_t* octets, uint32_t coun
     return result;
 }
 
-// The two time-out writers are crossed: each writes the other's key, while the rows read every key into its own column.
-// Meant.
+// Quirk: the two time-out writers are crossed. Each writes the other's key, while the rows read every key into its own
+// column.
 int32_t SetAuthenticationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::association_response_time_out, *value, without_memory);
+    return write_interface_number(*index, key::association_response_time_out, *value, out_of_memory);
 }
 
 int32_t SetAssociationResponseTimeout(const uint32_t* index, const uint32_t* value, uint32_t) {
-    return write_interface_number(*index, key::authentication_response_time_out, *value, without_memory);
+    return write_interface_number(*index, key::authentication_response_time_out, *value, out_of_memory);
 }
 
 }  // namespace dot11

@@ -84,12 +84,12 @@ extern StationConfigScratch sta_info;
 
 int GetStationConfigEntries(void);               // enumerates the interfaces; 1 = there are rows, 0 = there are none
 uint32_t GetStationConfigTableIndexCount(void);  // rows found by the latest enumeration
-int GetStationConfigTableData(void);             // fills the rows; 1, or -1 when memory ran out on the way
+int GetStationConfigTableData(void);             // fills the rows; 1, or -1 when out of memory on the way
 int GetStationConfigEntryByIndex(uint32_t row, void* destination);  // copies one StationConfigRow; see copy_row
 
-// Writers into the store, for other callers than SNMP. `index` points to a row's interface index. All return
-// setTableData's result, -1 without memory, 0 when the interface has no BSS or no radio to write to. A trailing length
-// is not used.
+// Writers into the store, for callers other than SNMP. `index` points to a row's interface index. All return
+// setTableData's result, -1 when out of memory, 0 when the interface has no BSS or no radio to write to. A trailing
+// `length` is ignored.
 int32_t SetDesiredSSID(const uint32_t* index, const char* ssid, uint32_t length);
 int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t length);
 int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t length);

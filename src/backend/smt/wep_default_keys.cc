@@ -21,10 +21,10 @@ using Row = WEPDefaultKeysRow;
 
 static_assert(std::size(key::wep_keys) == keys_per_interface);
 
-int32_t counter;
+int32_t interface_count;
 
 // The key of a default key's number, in a heap buffer that is released at the end of the scope. Empty for any number
-// but 1 to 4. `text()` is null without memory.
+// but 1 to 4. `text()` is null when out of memory.
 class KeyName {
   public:
     explicit KeyName(uint32_t number) : text_(static_cast<char*>(calloc(sizeof "wep-key-1", 1))) {
@@ -48,10 +48,10 @@ void read_value(Row& row, const cfqlquery_node* answer) {
     value[0] = 0;
     row.dot11WEPDefaultKeyValueLen = 5;
     if (find_value_of_any(answer, key::wep_keys, wep_info.key))
-        row.dot11WEPDefaultKeyValueLen = take_octets(wep_info.key, value, sizeof row.dot11WEPDefaultKeyValue);
+        row.dot11WEPDefaultKeyValueLen = move_octets(wep_info.key, value, sizeof row.dot11WEPDefaultKeyValue);
 }
 
-// False when memory ran out; what was read until then stays.
+// False when out of memory; what was read until then stays.
 bool fill_row(Row& row, const char* interface, uint32_t number) {
     row.ifIndex = if_nametoindex(interface);
     row.dot11WEPDefaultKeyIndex = number;
@@ -65,16 +65,16 @@ bool fill_row(Row& row, const char* interface, uint32_t number) {
 }  // namespace
 
 int GetDefaultWEPKeysEntries(void) {
-    return enumerate_interfaces(counter);
+    return enumerate_interfaces(interface_count);
 }
 
 uint32_t GetWEPDefaultKeysTableIndexCount(void) {
-    return static_cast<uint32_t>(counter);
+    return static_cast<uint32_t>(interface_count);
 }
 
 int GetDefaultWEPKeysTableData(void) {
     Row* row = winfo;
-    for (uint32_t i = 0; i < names_to_fill(counter); ++i)
+    for (uint32_t i = 0; i < names_to_fill(interface_count); ++i)
         for (uint32_t number = 1; number <= keys_per_interface; ++number)
             if (!fill_row(*row++, iface_tags[i], number)) return -1;
     return 1;

@@ -51,13 +51,13 @@ extern WEPDefaultKeysScratch wep_info;
 
 int GetDefaultWEPKeysEntries(void);               // enumerates the interfaces; 1 = there are rows, 0 = there are none
 uint32_t GetWEPDefaultKeysTableIndexCount(void);  // interfaces, a quarter of the number of rows
-int GetDefaultWEPKeysTableData(void);             // fills the rows; 1, or -1 when memory ran out on the way
+int GetDefaultWEPKeysTableData(void);             // fills the rows; 1, or -1 when out of memory on the way
 int GetDefaultWEPKeysEntryByIndex(uint32_t row, void* destination);  // copies one WEPDefaultKeysRow; see copy_row
 
-// Writers into the store, for other callers than SNMP.
+// Writers into the store, for callers other than SNMP.
 
 // Writes the key that the row's two index values name; any key index but 1 to 4 writes under the empty key. `value` has
-// `length` octets, or fewer when a NUL ends it. Returns setDefaultKeys' result, -1 without memory.
+// `length` octets, or fewer when a NUL ends it. Returns setDefaultKeys' result, -1 when out of memory.
 int32_t SetWEPDefaultKeysTableData(const WEPDefaultKeysRow* row, const char* value, uint32_t length);
 
 // 0 when setTableData's result is 0, otherwise 1.
