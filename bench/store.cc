@@ -1,114 +1,304 @@
-// store-bench PATH snapshot|plain COUNT: reads COUNT values, through the library from the store at PATH, which is made
-// first if there is none, or from a plain hash table with the same contents. To be counted by callgrind: see the
-// command `store`.
+// bench-store: the store's calls beside their yardsticks, to be counted by callgrind; the module's calls come here, and
+// go to one or the other.
+//
+//   bench-store reload MODULE STORE    the module's tables all read anew: instructions
+//   bench-store faults MODULE STORE    the same, not under callgrind: prints the page faults of one such poll
+//   bench-store calls MODULE STORE     single calls and a renewed snapshot: instructions
+//   bench-store write MODULE STORE     a durable write: instructions
+//   bench-store import MODULE STORE    the store's rows into a new file beside it: instructions
+//   bench-store times MODULE STORE     a durable write, not under callgrind: prints the median time in microseconds of
+//                                      ours and of SQLite
+//   bench-store disturb MODULE STORE   writes ten times a second until it is ended
+//
+// STORE is what bench/contents makes. A measure is dumped as "NAME/DIVISOR" (see bench/run); of several dumps with one
+// name the least counts, since what disturbs only adds.
 #include <cfqlquery.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
+#include <dlfcn.h>
+#include <sys/resource.h>
+#include <sys/time.h>
+#include <unistd.h>
+#include <valgrind/callgrind.h>
 
-#include <array>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "database.h"
+#include "util/net_snmp.h"
+#include "yardsticks.h"
 
 namespace {
 
-struct Entry {
-    std::string table, object, key, value;
+// Whom the module's calls are for.
+struct Calls {
+    std::function<cfqlquery_node*(const char*, const cfqlquery_node*)> get_grid;
+    std::function<cfqlquery_node*(const char*, const char*, const char*)> get_pv;
+    void (*destroy)(cfqlquery_node*);
 };
 
-// What an access point with 16 interfaces holds.
-std::vector<Entry> contents() {
-    std::vector<Entry> entries;
-    for (int i = 0; i < 16; ++i) {
-        for (int k = 0; k < 30; ++k) {
-            entries.push_back(
-                {"interface", "wlan" + std::to_string(i), "some-key-" + std::to_string(k), std::to_string(k * 997)});
-        }
-    }
-    return entries;
+const Calls* calls;
+time_t now = 1'000'000;  // what the module's clock says
+
+void free_list(cfqlquery_node* list) {
+    free(list);
 }
-
-bool make(const char* path, const std::vector<Entry>& entries) {
-    using cfql::Status;
-    cfql::Database store;
-    Status status = store.create(path);
-    if (status == Status::exists) return true;
-    if (status == Status::ok) status = store.open(path, cfql::Access::write);
-    if (status == Status::ok) status = store.begin_write();
-    for (const Entry& e : entries) {
-        if (status == Status::ok) status = store.set(e.table, e.object, e.key, e.value);
-    }
-    return status == Status::ok && store.commit() == Status::ok;
-}
-
-// The yardstick: a hash table with open addressing, half full, without lock, clock, freshness or wiping, and a list of
-// one block.
-class Plain {
-  public:
-    explicit Plain(const std::vector<Entry>& entries) {
-        for (const Entry& entry : entries) {
-            std::size_t slot = hash(entry.table.c_str(), entry.object.c_str(), entry.key.c_str()) % slots_.size();
-            while (slots_[slot] != nullptr)
-                slot = (slot + 1) % slots_.size();
-            slots_[slot] = &entry;
-        }
-    }
-
-    cfqlquery_node* get(const char* table, const char* object, const char* key) const {
-        std::size_t slot = hash(table, object, key) % slots_.size();
-        for (; slots_[slot] != nullptr; slot = (slot + 1) % slots_.size()) {
-            const Entry& entry = *slots_[slot];
-            if (entry.key == key && entry.object == object && entry.table == table) return list(entry);
-        }
-        return nullptr;
-    }
-
-  private:
-    static unsigned hash(const char* table, const char* object, const char* key) {
-        unsigned hash = 2166136261U;
-        for (const char* text : {table, object, key}) {
-            do {
-                hash = (hash ^ static_cast<unsigned char>(*text)) * 16777619U;
-            } while (*text++ != '\0');
-        }
-        return hash;
-    }
-
-    static cfqlquery_node* list(const Entry& entry) {
-        const std::size_t key = entry.key.size() + 1;
-        const std::size_t value = entry.value.size() + 1;
-        auto* const node = static_cast<cfqlquery_node*>(malloc(sizeof(cfqlquery_node) + key + value));
-        if (node == nullptr) return nullptr;
-        char* const texts = reinterpret_cast<char*>(node + 1);
-        memcpy(texts, entry.key.c_str(), key);
-        memcpy(texts + key, entry.value.c_str(), value);
-        *node = {texts, texts + key, nullptr, 0};
-        return node;
-    }
-
-    std::array<const Entry*, 1024> slots_ = {};
-};
 
 }  // namespace
 
-int main(int arguments, char** argument) {
-    const std::vector<Entry> entries = contents();
-    if (arguments != 4 || !make(argument[1], entries)) {
-        fprintf(stderr, "usage: store-bench PATH snapshot|plain COUNT\n");
-        return 2;
+// In front of the libraries' functions of the same names.
+extern "C" {
+
+__attribute__((visibility("default"))) cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*,
+                                                                          const cfqlquery_node* filter, int) {
+    return calls->get_grid(table, filter);
+}
+
+__attribute__((visibility("default"))) cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object,
+                                                                        const char* key) {
+    return calls->get_pv(table, object, key);
+}
+
+__attribute__((visibility("default"))) void cfqlquery_destroy_pv(cfqlquery_node* list) {
+    calls->destroy(list);
+}
+
+__attribute__((visibility("default"))) int gettimeofday(timeval* time, void*) noexcept {
+    *time = {now, 0};
+    return 0;
+}
+}
+
+namespace {
+
+constexpr const char* tables[] = {
+    "StationConfig",
+    "AuthenticationAlgorithms",
+    "WEPDefaultKeys",
+    "Privacy",
+    "Operation",
+    "Counters",
+    "ResourceInfo",
+    "PhyOperation",
+    "PhyTxPower",
+    "PhyDSSS",
+    "RegDomainsSupported",
+    "SupportedDataRatesTx",
+    "SupportedDataRatesRx",
+};
+
+[[noreturn]] void fail(const char* what) {
+    fprintf(stderr, "bench-store: %s\n", what);
+    exit(2);
+}
+
+template <class Function>
+Function* symbol(void* library, const char* name) {
+    auto* const found = reinterpret_cast<Function*>(dlsym(library, name));
+    if (!found) fail(dlerror());
+    return found;
+}
+
+// The module with the library that it needs, and the hooks that read a table anew.
+class Module {
+  public:
+    explicit Module(const char* path) : module_(dlopen(path, RTLD_NOW | RTLD_GLOBAL)) {
+        if (!module_) fail(dlerror());
+        for (const char* table : tables) {
+            const std::string hook = std::string("dot11") + table + "Table_get_first_data_point";
+            hooks_.push_back(symbol<Netsnmp_First_Data_Point>(module_, hook.c_str()));
+        }
+        auto* const grid = symbol<decltype(cfqlquery_get_grid)>(module_, "cfqlquery_get_grid");
+        calls_.get_grid = [grid](const char* table, const cfqlquery_node* filter) {
+            return grid(table, nullptr, nullptr, filter, 1);
+        };
+        calls_.get_pv = symbol<decltype(cfqlquery_get_pv)>(module_, "cfqlquery_get_pv");
+        calls_.destroy = symbol<decltype(cfqlquery_destroy_pv)>(module_, "cfqlquery_destroy_pv");
+        set_ = symbol<decltype(cfqlquery_set_pv)>(module_, "cfqlquery_set_pv");
     }
-    setenv("CFQL_STORE", argument[1], 1);
-    const bool plain = strcmp(argument[2], "plain") == 0;
-    const Plain table(entries);
-    const int count = atoi(argument[3]);
-    for (int i = 0; i < count; ++i) {
-        const Entry& e = entries[static_cast<std::size_t>(i) * 7 % entries.size()];
-        cfqlquery_node* const list = plain ? table.get(e.table.c_str(), e.object.c_str(), e.key.c_str())
-                                           : cfqlquery_get_pv(e.table.c_str(), e.object.c_str(), e.key.c_str());
-        if (list == nullptr || e.value != list->value) return 1;
-        plain ? free(list) : cfqlquery_destroy_pv(list);
+
+    const Calls& store() const { return calls_; }
+
+    void set(const char* value) const {
+        const cfqlquery_node pair = {"ssid", value, nullptr, 0};
+        if (set_("interface", "w0", &pair, 0) != 1) fail("a write is refused");
+    }
+
+    // A minute is longer than any table keeps what it has read.
+    void poll() const {
+        now += 60;
+        for (Netsnmp_First_Data_Point* hook : hooks_) {
+            netsnmp_variable_list second = {};
+            netsnmp_variable_list index = {};
+            index.next_variable = &second;
+            index.type = second.type = ASN_INTEGER;
+            void *loop = nullptr, *data = nullptr;
+            netsnmp_iterator_info info = {};
+            if (!hook(&loop, &data, &index, &info)) fail("a table is empty");
+            snmp_reset_var_buffers(&index);
+        }
+    }
+
+  private:
+    void* module_;
+    Calls calls_;
+    decltype(cfqlquery_set_pv)* set_ = nullptr;
+    std::vector<Netsnmp_First_Data_Point*> hooks_;
+};
+
+// Each round is `divisor` of what is measured.
+template <class Round>
+void count(const std::string& name, int rounds, size_t divisor, Round round) {
+    const std::string label = name + "/" + std::to_string(divisor);
+    for (int i = 0; i < rounds; ++i) {
+        CALLGRIND_ZERO_STATS;
+        round();
+        CALLGRIND_DUMP_STATS_AT(label.c_str());
+    }
+}
+
+// The store, and the same contents in both yardsticks.
+struct All {
+    All(const char* module_path, const std::string& store)
+        : module(module_path), objects(yardsticks::contents(store)), hash(objects), sqlite(store) {}
+
+    template <class Yardstick>
+    static Calls calls_to(const Yardstick& to) {
+        return {[&to](auto... arguments) { return to.get_grid(arguments...); },
+                [&to](auto... arguments) { return to.get_pv(arguments...); }, free_list};
+    }
+
+    Module module;
+    std::vector<yardsticks::Object> objects;
+    yardsticks::Hash hash;
+    yardsticks::Sqlite sqlite;
+    struct Named {
+        const char* name;
+        Calls calls;
+    };
+    std::vector<Named> stores = {{"store", module.store()}, {"hash", calls_to(hash)}, {"sqlite", calls_to(sqlite)}};
+};
+
+void reload(const All& all) {
+    for (const auto& [name, to] : all.stores) {
+        calls = &to;
+        all.module.poll();
+        count(std::string("reload-") + name, 3, 1, [&] { all.module.poll(); });
+    }
+}
+
+void get_all(const yardsticks::Object& object) {
+    for (const auto& [key, value] : object.attributes) {
+        cfqlquery_node* const list = cfqlquery_get_pv(object.table.c_str(), object.name.c_str(), key.c_str());
+        if (!list || value != list->value) fail("a wrong value");
+        cfqlquery_destroy_pv(list);
+    }
+}
+
+void get_grid() {
+    const cfqlquery_node filter = {"type", "service-set", nullptr, 0};
+    cfqlquery_node* const list = cfqlquery_get_grid("interface", nullptr, nullptr, &filter, 1);
+    if (!list) fail("an empty grid");
+    cfqlquery_destroy_pv(list);
+}
+
+void examine(const std::string& path) {
+    cfql::Database database;
+    if (database.open(path.c_str(), cfql::Access::read) != cfql::Status::ok) fail("the store cannot be opened");
+}
+
+void single_calls(const All& all, const std::string& store) {
+    const yardsticks::Object& object = *std::find_if(all.objects.rbegin(), all.objects.rend(),
+                                                     [](const auto& each) { return each.table == "interface"; });
+    for (const auto& [name, to] : all.stores) {
+        calls = &to;
+        get_grid();
+        count(std::string("get_pv-") + name, 20, object.attributes.size(), [&] { get_all(object); });
+        count(std::string("get_grid-") + name, 5, 1, get_grid);
+    }
+    calls = &all.stores[0].calls;
+    for (int i = 0; i < 3; ++i) {
+        all.module.set(std::to_string(i).c_str());
+        count("snapshot", 1, 1, get_grid);
+    }
+    count("examine", 3, 1, [&] { examine(store); });
+    count("scan-sqlite", 3, 1, [&] { yardsticks::read_all(store); });
+}
+
+void write(const All& all, const std::string& store) {
+    int value = 0;
+    count("set_pv-store", 5, 1, [&] { all.module.set(std::to_string(++value).c_str()); });
+    count("set_pv-sqlite", 5, 1,
+          [&] { yardsticks::write_one(store, "interface", "w0", "ssid", std::to_string(++value).c_str()); });
+}
+
+double median_time(const std::function<void(const char*)>& write) {
+    using Clock = std::chrono::steady_clock;
+    std::vector<double> times;
+    for (int i = 0; i < 101; ++i) {
+        const Clock::time_point start = Clock::now();
+        write(std::to_string(i).c_str());
+        times.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
+    }
+    std::nth_element(times.begin(), times.begin() + 50, times.end());
+    return times[50];
+}
+
+void print_times(const All& all, const std::string& store) {
+    const double ours = median_time([&](const char* value) { all.module.set(value); });
+    const double bare =
+        median_time([&](const char* value) { yardsticks::write_one(store, "interface", "w0", "ssid", value); });
+    printf("%.0f %.0f\n", ours, bare);
+}
+
+// A poll is some time after the last one: the store looks for changes each time.
+void print_faults(const All& all) {
+    constexpr int polls = 20;
+    calls = &all.stores[0].calls;
+    all.module.poll();
+    rusage before = {}, after = {};
+    getrusage(RUSAGE_SELF, &before);
+    for (int i = 0; i < polls; ++i)
+        all.module.poll();
+    getrusage(RUSAGE_SELF, &after);
+    printf("%.1f\n", static_cast<double>(after.ru_minflt - before.ru_minflt) / polls);
+}
+
+[[noreturn]] void disturb(const All& all) {
+    for (int i = 0;; ++i, usleep(100'000))
+        all.module.set(std::to_string(i).c_str());
+}
+
+int run(const std::string& command, const All& all, const std::string& store) {
+    if (command == "reload") {
+        reload(all);
+    } else if (command == "faults") {
+        print_faults(all);
+    } else if (command == "calls") {
+        single_calls(all, store);
+    } else if (command == "write") {
+        write(all, store);
+    } else if (command == "import") {
+        count("import-sqlite", 1, 1, [&] { yardsticks::write_all(store + ".new", all.objects); });
+    } else if (command == "times") {
+        print_times(all, store);
+    } else if (command == "disturb") {
+        disturb(all);
+    } else {
+        fail("no such command");
     }
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) fail("usage: bench-store COMMAND MODULE STORE    (see bench/store.cc)");
+    setenv("CFQL_STORE", argv[3], 1);
+    const All all(argv[2], argv[3]);
+    return run(argv[1], all, argv[3]);
 }
