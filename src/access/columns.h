@@ -29,12 +29,18 @@ inline constexpr std::span<const StoreKey> no_key;
 #define ALWAYS_ANSWERED(number, name, type, key) \
     { number, Type::type, Answered::always, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 
-// Quirk: a GET ends the handler, also for the columns that accept a SET.
+// Answered on request only. Also for a column that accepts a SET.
+#define COMPLETE_ONLY(number, name, type, key) \
+    { number, Type::type, Answered::complete_only, false, #name, keys_of(key), get_##name, nullptr, nullptr }
+#define COMPLETE_ONLY_WRITE(number, name, type, key) \
+    { number, Type::type, Answered::complete_only, false, #name, keys_of(key), get_##name, check_##name, set_##name }
+
+// Never answered, for its record does not hold what a manager would understand. Also for columns that accept a SET.
 #define NOT_ANSWERED(number, name, type, key) \
     { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 #define NOT_ANSWERED_WRITE(number, name, type, key) \
     { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, check_##name, set_##name }
 
-// Quirk: a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
+// Quirk: not answered; a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
 #define CHECKED_ONLY(number, name, type, key) \
     { number, Type::type, Answered::never, true, #name, keys_of(key), get_##name, check_##name, set_##name }

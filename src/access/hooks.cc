@@ -26,7 +26,7 @@ uint32_t dot11WEPKeyMappingIndexMax;
     netsnmp_variable_list* table##_get_first_data_point(void** loop_context, void** data_context,     \
                                                         netsnmp_variable_list* put_index_data,        \
                                                         netsnmp_iterator_info* info) {                \
-        table##_walk.loop.position = 0;                                                               \
+        begin_walk(table##_walk);                                                                     \
         *loop_context = &table##_walk.loop;                                                           \
         return table##_get_next_data_point(loop_context, data_context, put_index_data, info);         \
     }                                                                                                 \

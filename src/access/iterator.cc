@@ -2,22 +2,42 @@
 
 #include <sys/time.h>
 
+#include <climits>
+#include <ctime>
+
 #include "store/interfaces.h"
 
 namespace dot11 {
+
+uint32_t max_age = 0;
 
 namespace {
 
 constexpr int64_t quiet_seconds = 15;
 constexpr int last_of_group = 2;
 
+// The last pass of a table that has to be reloaded: longer ago than any clock says.
+constexpr int64_t never = INT64_MIN / 2;
+
+int64_t monotonic_milliseconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+bool reload(const Table& table, ReloadTimes& times) {
+    // Read first: rows count as old as the store's contents at the beginning of the load.
+    if (max_age != 0) times.loaded = monotonic_milliseconds();
+    return table.entries() && table.table_data();
+}
+
 // Reloads the table when it has not been asked for long enough. False when that failed.
-bool reload_after_silence(const Table& table, int64_t& last_pass) {
+bool reload_after_silence(const Table& table, ReloadTimes& times) {
     timeval now = {};
     gettimeofday(&now, nullptr);
     const int64_t seconds = now.tv_sec;
-    if (last_pass + quiet_seconds < seconds && (!table.entries() || !table.table_data())) return false;
-    last_pass = seconds;
+    if (times.last_pass + quiet_seconds < seconds && !reload(table, times)) return false;
+    times.last_pass = seconds;
     return true;
 }
 
@@ -31,11 +51,15 @@ netsnmp_variable_list* put_indexes(const Table& table, const void* row, netsnmp_
 
 }  // namespace
 
+void begin_walk(ReloadTimes& times) {
+    if (max_age != 0 && monotonic_milliseconds() - times.loaded >= int64_t{max_age} * 1000) times.last_pass = never;
+}
+
 // Quirk: a walk ends where the position equals the count. A position past the count, which a reload in the middle of a
 // walk can leave, goes on with what the backend's array holds, up to its last record.
-netsnmp_variable_list* next_reloaded_row(const Table& table, int64_t& last_pass, uint32_t& position, void* row,
+netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, uint32_t& position, void* row,
                                          netsnmp_variable_list* put_index_data) {
-    if (!reload_after_silence(table, last_pass)) return nullptr;
+    if (!reload_after_silence(table, times)) return nullptr;
     const uint32_t count = table.index_count() * table.rows_per_interface;
     if (position == count || position >= max_interfaces * table.rows_per_interface) return nullptr;
     table.entry_by_index(position, row);

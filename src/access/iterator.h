@@ -21,14 +21,21 @@ struct LoopContext {
     Row row;
 };
 
-// The walk of a table whose rows are read as a whole, at most once every 16 seconds of silence.
+// When the rows of a table are reloaded.
+struct ReloadTimes {
+    int64_t last_pass;  // seconds since the epoch, of the latest call that got past its reload
+    int64_t loaded;     // milliseconds of CLOCK_MONOTONIC, of the latest load while max_age was set
+};
+
+// The walk of a table whose rows are read as a whole: when it has not been asked for for more than 15 seconds, and when
+// the rows are older than max_age.
 //
-// Quirk: the 15 seconds run from the latest call for the table, not from the latest reload, so that a table under
-// steady polling is not reloaded.
+// Quirk: the 15 seconds run from the latest call for the table, not from the latest reload, so that without max_age a
+// table under steady polling is not reloaded.
 template <class Row>
 struct ReloadingWalk {
     LoopContext<Row> loop;
-    int64_t last_pass;  // seconds since the epoch, of the latest call that got past its reload
+    ReloadTimes times;
 };
 
 // The walk of a table whose backend hands out one row after the other, and says with each whether its group goes on.
@@ -38,9 +45,16 @@ struct RateWalk {
     int32_t value_index = 1;  // 1: a new group begins. Quirk: a new walk leaves it as it is
 };
 
+// Seconds after which rows are reloaded however often they are asked for; 0, the default: never. Such a reload happens
+// before a walk's first row only, so that the iterator's scan of a table is never disturbed by one.
+extern uint32_t max_age;
+
+// Before a walk's first row.
+void begin_walk(ReloadTimes& times);
+
 // The next row of a walk, into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
 // a reload failed; then the next call tries again.
-netsnmp_variable_list* next_reloaded_row(const Table& table, int64_t& last_pass, uint32_t& position, void* row,
+netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, uint32_t& position, void* row,
                                          netsnmp_variable_list* put_index_data);
 netsnmp_variable_list* next_rate(const Table& table, int32_t& value_index, uint32_t& position, void* row,
                                  netsnmp_variable_list* put_index_data);
@@ -49,7 +63,7 @@ template <class Row>
 netsnmp_variable_list* next_row(const Table& table, ReloadingWalk<Row>& walk, void* loop_context,
                                 netsnmp_variable_list* put_index_data) {
     auto* loop = static_cast<LoopContext<Row>*>(loop_context);
-    return next_reloaded_row(table, walk.last_pass, loop->position, &loop->row, put_index_data);
+    return next_reloaded_row(table, walk.times, loop->position, &loop->row, put_index_data);
 }
 
 template <class Row>
@@ -57,6 +71,17 @@ netsnmp_variable_list* next_row(const Table& table, RateWalk<Row>& walk, void* l
                                 netsnmp_variable_list* put_index_data) {
     auto* loop = static_cast<LoopContext<Row>*>(loop_context);
     return next_rate(table, walk.value_index, loop->position, &loop->row, put_index_data);
+}
+
+template <class Row>
+void begin_walk(ReloadingWalk<Row>& walk) {
+    walk.loop.position = 0;
+    begin_walk(walk.times);
+}
+
+template <class Row>
+void begin_walk(RateWalk<Row>& walk) {
+    walk.loop.position = 0;
 }
 
 // A heap copy of the loop context's row, for the agent; null when out of memory.

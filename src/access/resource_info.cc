@@ -19,10 +19,10 @@ void* get_dot11manufacturerProductVersion(void* row, size_t* length) { return co
 #pragma GCC visibility pop
 
 constexpr Column columns[] = {
-    NOT_ANSWERED(1, dot11manufacturerOUI, octet_string, key::manufacturer_oui),
-    NOT_ANSWERED(2, dot11manufacturerName, octet_string, key::manufacturer_name),
-    NOT_ANSWERED(3, dot11manufacturerProductName, octet_string, key::manufacturer_product_name),
-    NOT_ANSWERED(4, dot11manufacturerProductVersion, octet_string, key::manufacturer_product_version),
+    COMPLETE_ONLY(1, dot11manufacturerOUI, octet_string, key::manufacturer_oui),
+    COMPLETE_ONLY(2, dot11manufacturerName, octet_string, key::manufacturer_name),
+    COMPLETE_ONLY(3, dot11manufacturerProductName, octet_string, key::manufacturer_product_name),
+    COMPLETE_ONLY(4, dot11manufacturerProductVersion, octet_string, key::manufacturer_product_version),
 };
 // clang-format on
 

@@ -37,7 +37,11 @@ enum class Type : uint8_t { integer = 2, octet_string = 4, counter = 65, gauge =
 enum class Answered : uint8_t {
     when_present,  // with the accessor's value, unless that is null
     always,        // with whatever the accessor returns
-    never,         // not at all: the handler returns at once and leaves the later requests of its list untouched
+    // Quirk: not at all. The handler returns at once and leaves the later requests of its list untouched, unless the
+    // operator has asked for complete answers: then the first of these is answered as when_present, the other one has
+    // no instance, and both go on to the next request.
+    complete_only,
+    never,
 };
 
 struct Column {
@@ -52,6 +56,11 @@ struct Column {
     Check* check;    // null for a column that is read-only
     SetColumn* set;  // null for a column that is read-only
 };
+
+// Whether a GET has a value, with complete answers and without.
+constexpr bool is_answered(const Column& column, bool complete) {
+    return column.answered == Answered::complete_only ? complete : column.answered != Answered::never;
+}
 
 // Rows of most tables are read from the store as a whole: `entries` finds the interfaces, `table_data` fills the rows,
 // `entry_by_index` copies the row at a position below `index_count` times `rows_per_interface`. The routines return 0

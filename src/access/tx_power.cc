@@ -26,16 +26,16 @@ int set_dot11CurrentTxPowerLevel(void*, const void*, size_t) { return refuse_wri
 #pragma GCC visibility pop
 
 constexpr Column columns[] = {
-    NOT_ANSWERED(1, dot11NumberSupportedPowerLevels, integer, key::num_supported_pow_level),
-    NOT_ANSWERED(2, dot11TxPowerLevel1, integer, key::tx_power),
-    NOT_ANSWERED(3, dot11TxPowerLevel2, integer, key::tx_power),
-    NOT_ANSWERED(4, dot11TxPowerLevel3, integer, key::tx_power),
-    NOT_ANSWERED(5, dot11TxPowerLevel4, integer, key::tx_power),
-    NOT_ANSWERED(6, dot11TxPowerLevel5, integer, key::tx_power),
-    NOT_ANSWERED(7, dot11TxPowerLevel6, integer, key::tx_power),
-    NOT_ANSWERED(8, dot11TxPowerLevel7, integer, key::tx_power),
-    NOT_ANSWERED(9, dot11TxPowerLevel8, integer, key::tx_power),
-    NOT_ANSWERED_WRITE(10, dot11CurrentTxPowerLevel, integer, key::curr_tx_power_level),
+    COMPLETE_ONLY(1, dot11NumberSupportedPowerLevels, integer, key::num_supported_pow_level),
+    COMPLETE_ONLY(2, dot11TxPowerLevel1, integer, key::tx_power),
+    COMPLETE_ONLY(3, dot11TxPowerLevel2, integer, key::tx_power),
+    COMPLETE_ONLY(4, dot11TxPowerLevel3, integer, key::tx_power),
+    COMPLETE_ONLY(5, dot11TxPowerLevel4, integer, key::tx_power),
+    COMPLETE_ONLY(6, dot11TxPowerLevel5, integer, key::tx_power),
+    COMPLETE_ONLY(7, dot11TxPowerLevel6, integer, key::tx_power),
+    COMPLETE_ONLY(8, dot11TxPowerLevel7, integer, key::tx_power),
+    COMPLETE_ONLY(9, dot11TxPowerLevel8, integer, key::tx_power),
+    COMPLETE_ONLY_WRITE(10, dot11CurrentTxPowerLevel, integer, key::curr_tx_power_level),
 };
 // clang-format on
 

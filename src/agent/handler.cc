@@ -8,6 +8,8 @@
 
 namespace dot11 {
 
+bool complete_answers = false;
+
 namespace {
 
 // What one phase of a request works on.
@@ -70,7 +72,11 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
         log_problem(phase.table, "unknown column");
         return Next::request;
     }
-    if (column->answered == Answered::never) return Next::nothing;
+    if (!is_answered(*column, complete_answers)) {
+        if (!complete_answers) return Next::nothing;
+        fail(phase, request, SNMP_NOSUCHINSTANCE);
+        return Next::request;
+    }
     size_t length = 0;
     const void* value = column->get(row, &length);
     if (value || column->answered == Answered::always)

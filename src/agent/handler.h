@@ -5,6 +5,9 @@
 
 namespace dot11 {
 
+// Whether a GET is answered for what is `complete_only` too, and no column ends the handler of a GET. Off by default.
+extern bool complete_answers;
+
 // Answers one phase of a request for all its varbinds in this table. Always SNMP_ERR_NOERROR: errors are attached to
 // varbinds.
 int handle_requests(const AgentTable& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests);

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "agent/options.h"
+
 namespace dot11 {
 
 namespace {
@@ -47,6 +49,7 @@ void register_table(const AgentTable& table) {
 }
 
 void init_ieee802dot11(void) {
+    register_options();
     for (const AgentTable* table : catalogue)
         table->initialize();
 }

@@ -8,7 +8,8 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Called once, by the agent that has loaded the module: registers the tables. A table that fails is left out.
+// Called once, by the agent that has loaded the module: registers the options and the tables. A
+// table that fails is left out.
 void init_ieee802dot11(void);
 
 using InitializeTable = void(void);

@@ -285,7 +285,8 @@ void Agent::make_control() {
     close(file);
 }
 
-void Agent::start(Role role, const std::string& lines, const std::string& options) {
+void Agent::start(Role role, const std::string& own_lines, const std::string& options) {
+    const std::string lines = own_lines + setting("AGENT_LINES", "");
     const std::string manager = std::string("agentAddress udp:") + address +
                                 "\ndontLogTCPWrappersConnects yes\nrwcommunity " + community + " default\n";
     const std::string module = "dlmod ieee802dot11 " + folder_ + "/" + module_file + "\n";

@@ -4,6 +4,8 @@
 // store, which the project's tool fills, its configuration and its log. It is stopped at the end of its life; the test
 // fails when it ended in any other way than by being asked, or when its log tells of a module that was not loaded.
 //
+// With the environment variable AGENT_LINES set, every agent's configuration has these lines too.
+//
 // With the environment variable AGENT_VALGRIND set, the agent runs under valgrind, and errors and leaks fail the test.
 #pragma once
 
@@ -119,7 +121,7 @@ class Agent {
 
   private:
     void make_control();
-    void start(Role role, const std::string& lines, const std::string& options);
+    void start(Role role, const std::string& own_lines, const std::string& options);
     void wait_for_tables();
     void write_file(const std::string& name, const std::string& text) const;
     Response send(netsnmp_pdu* pdu);

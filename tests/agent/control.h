@@ -27,8 +27,9 @@ class Shared {
 };
 
 struct agent_control {
-    Shared<int64_t> now;     // what gettimeofday answers in the agent, seconds since the epoch; 0: the real time
-    Shared<uint32_t> grids;  // calls of cfqlquery_get_grid so far
-    Shared<uint32_t> gets;   // calls of cfqlquery_get_pv so far
-    Shared<uint32_t> sets;   // calls of cfqlquery_set_pv so far
+    Shared<int64_t> now;        // what gettimeofday answers in the agent, seconds since the epoch; 0: the real time
+    Shared<int64_t> monotonic;  // likewise CLOCK_MONOTONIC, milliseconds
+    Shared<uint32_t> grids;     // calls of cfqlquery_get_grid so far
+    Shared<uint32_t> gets;      // calls of cfqlquery_get_pv so far
+    Shared<uint32_t> sets;      // calls of cfqlquery_set_pv so far
 };

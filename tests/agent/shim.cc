@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 
 #include "cfqlquery.h"
 #include "control.h"
@@ -33,8 +34,10 @@ Function* next(const char* name, Function*) {
 // With 64-bit times on a 32-bit machine, the C library has the function under a name of its own, here as there.
 #if __SIZEOF_POINTER__ == 4 && defined __USE_TIME_BITS64
 constexpr char gettimeofday_name[] = "__gettimeofday64";
+constexpr char clock_gettime_name[] = "__clock_gettime64";
 #else
 constexpr char gettimeofday_name[] = "gettimeofday";
+constexpr char clock_gettime_name[] = "clock_gettime";
 #endif
 
 }  // namespace
@@ -44,6 +47,13 @@ extern "C" {
 int gettimeofday(timeval* now, void* zone) noexcept {
     if (!control || control->now == 0) return next(gettimeofday_name, &gettimeofday)(now, zone);
     *now = {static_cast<time_t>(control->now), 0};
+    return 0;
+}
+
+int clock_gettime(clockid_t clock, timespec* now) noexcept {
+    if (!control || control->monotonic == 0 || clock != CLOCK_MONOTONIC)
+        return next(clock_gettime_name, &clock_gettime)(clock, now);
+    *now = {static_cast<time_t>(control->monotonic / 1000), static_cast<long>(control->monotonic % 1000 * 1'000'000)};
     return 0;
 }
 

@@ -213,6 +213,7 @@ void leap(ScriptedDevice& device, int64_t seconds) {
 void move_clock(ScriptedDevice& device, Input& input) {
     static constexpr int64_t moments[] = {0, 15, 1LL << 31, (1LL << 31) - 20, 1LL << 32, 1'000'000'000};
     const uint8_t how = input.octet();
+    device.monotonic_milliseconds += how * 1000;
     if (how < 96)
         device.now += how;
     else if (how < 128)

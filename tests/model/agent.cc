@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "access/iterator.h"
+#include "agent/handler.h"
 #include "agent/module.h"
 #include "util/net_snmp.h"
 // Needs what the other headers of the agent declare.
@@ -83,6 +85,10 @@ netsnmp_transport* make_transport() {
 
 }  // namespace
 
+bool has_options() {
+    return getenv("DOT11_OPTIONS") != nullptr;
+}
+
 void start_agent() {
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
@@ -96,6 +102,8 @@ void start_agent() {
         snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, check, vacm_in_view_callback, nullptr, 0);
     init_ieee802dot11();
     init_snmp("in-process");
+    complete_answers = has_options();
+    max_age = has_options() ? 1 : 0;
     netsnmp_register_agent_nsap(make_transport());
 }
 

@@ -13,6 +13,10 @@
 // Starts the agent and calls init_ieee802dot11; to be called once in a process.
 void start_agent();
 
+// Whether the environment has DOT11_OPTIONS: then the agent's configuration is taken to hold dot11Answers complete and
+// dot11MaxAge 1.
+bool has_options();
+
 // The agent's answer to a message, empty when it gives none; good until the next call.
 std::span<const uint8_t> answer_to(std::span<const uint8_t> message);
 

@@ -48,8 +48,9 @@ struct Table {
     bool creates;                    // a SET of a missing row is taken
     bool stores;                     // a write succeeds, into a row that nobody sees
     std::map<uint32_t, Rule> rules;  // of the columns that accept a SET
-    std::set<uint32_t> silent;       // columns at which a GET ends, also for the varbinds behind
+    std::set<uint32_t> silent;       // columns at which a GET ends, also for the varbinds behind; see on_request
     bool ends_writes = false;        // ACTION and UNDO end at column 11
+    bool on_request = false;         // the silent columns are answered when answers are to be complete
 };
 
 const std::vector<Table> tables = {
@@ -106,9 +107,18 @@ const std::vector<Table> tables = {
      {}},
     {{1, 2, 840, 10036, 2, 2}, 1, 1, 14, true, false, {}, {}},
     {{1, 2, 840, 10036, 2, 3}, 2, 2, 3, true, true, {{2, octets(6, 6)}, {3, status_of_no_row}}, {}},
-    {{1, 2, 840, 10036, 3, 1, 2}, 1, 1, 4, true, false, {}, {1, 2, 3, 4}},
+    {{1, 2, 840, 10036, 3, 1, 2}, 1, 1, 4, true, false, {}, {1, 2, 3, 4}, false, true},
     {{1, 2, 840, 10036, 4, 1}, 1, 1, 3, false, false, {{2, any}}, {1}},
-    {{1, 2, 840, 10036, 4, 3}, 1, 1, 10, false, false, {{10, between(1, 8)}}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
+    {{1, 2, 840, 10036, 4, 3},
+     1,
+     1,
+     10,
+     false,
+     false,
+     {{10, between(1, 8)}},
+     {1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
+     false,
+     true},
     {{1, 2, 840, 10036, 4, 5}, 1, 1, 4, false, false, {{1, between(1, 14)}, {3, cca_mode}, {4, any}}, {2, 3, 4}},
     {{1, 2, 840, 10036, 4, 7}, 2, 2, 2, true, false, {}, {}},
     {{1, 2, 840, 10036, 4, 9}, 2, 2, 2, true, false, {}, {2}},
@@ -195,7 +205,7 @@ class Exchange {
     }
 
     Expected set();
-    Expected get(std::set<Oid>& unknown);
+    Expected get(std::set<Oid>& unknown, bool complete);
 
   private:
     // Tables come in the order of their first varbinds.
@@ -253,7 +263,7 @@ class Exchange {
             list.reserved = list.saved = false;
     }
     static bool table_helper_finds(List& list);
-    void get(List& list, std::set<Oid>& unknown);
+    void get(List& list, std::set<Oid>& unknown, bool complete);
 
     const Device& device_;
     std::vector<std::unique_ptr<Request>> requests_;
@@ -354,7 +364,7 @@ bool Exchange::table_helper_finds(List& list) {
     return any_good;
 }
 
-void Exchange::get(List& list, std::set<Oid>& unknown) {
+void Exchange::get(List& list, std::set<Oid>& unknown, bool complete) {
     if (!list.table) {
         for (Request* request : list.requests)
             request->varbind.value.type = no_such_object;
@@ -363,7 +373,10 @@ void Exchange::get(List& list, std::set<Oid>& unknown) {
     if (!table_helper_finds(list)) return;
     for (Request* request : list.requests) {
         if (request->processed || !row_exists(list, *request)) continue;
-        if (list.table->silent.contains(list.column(*request))) return;
+        if (list.table->silent.contains(list.column(*request))) {
+            if (!complete) return;
+            if (!list.table->on_request) continue;
+        }
         const auto value = device_.values.find(request->name());
         if (value == device_.values.end())
             unknown.insert(request->name());
@@ -373,10 +386,10 @@ void Exchange::get(List& list, std::set<Oid>& unknown) {
 }
 
 // What no handler has answered is noSuchInstance.
-Expected Exchange::get(std::set<Oid>& unknown) {
+Expected Exchange::get(std::set<Oid>& unknown, bool complete) {
     for (Varbind& varbind : answer_.varbinds)
         varbind.value = {};
-    each_list([&](List& list) { get(list, unknown); });
+    each_list([&](List& list) { get(list, unknown, complete); });
     for (Varbind& varbind : answer_.varbinds)
         if (varbind.value.type == null_value) varbind.value.type = no_such_instance;
     return answer_;
@@ -388,6 +401,7 @@ Expected expected_set(const Device& device, const std::vector<Varbind>& varbinds
     return Exchange(device, varbinds).set();
 }
 
-Expected expected_get(const Device& device, const std::vector<Varbind>& varbinds, std::set<Oid>& unknown) {
-    return Exchange(device, varbinds).get(unknown);
+Expected expected_get(const Device& device, const std::vector<Varbind>& varbinds, std::set<Oid>& unknown,
+                      bool complete) {
+    return Exchange(device, varbinds).get(unknown, complete);
 }

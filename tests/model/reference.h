@@ -26,4 +26,5 @@ struct Expected {
 Expected expected_set(const Device& device, const std::vector<Varbind>& varbinds);
 
 // Names that a GET of the device must be able to answer and that `device.values` lacks go to `unknown`.
-Expected expected_get(const Device& device, const std::vector<Varbind>& varbinds, std::set<Oid>& unknown);
+Expected expected_get(const Device& device, const std::vector<Varbind>& varbinds, std::set<Oid>& unknown,
+                      bool complete);

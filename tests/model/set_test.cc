@@ -30,7 +30,7 @@ class Sets : public Model {
         compare(asked(set_request, list), set, list);
         EXPECT_EQ(dot11WEPKeyMappingIndexMax - made_before, static_cast<uint32_t>(set.key_mappings_made));
         expect_empty_stores(list);
-        compare(asked(get_request, list), expected_get(device_seen(), list, unknown_), list);
+        compare(asked(get_request, list), expected_get(device_seen(), list, unknown_, has_options()), list);
         EXPECT_TRUE(unknown_.empty()) << "a readable value that the test does not know: " << shown(*unknown_.begin());
         if (HasFailure()) report(list);
     }

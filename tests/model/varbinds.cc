@@ -52,7 +52,9 @@ const Device& device_seen() {
             {name({2, 1, 1, 5, 3}), number(2300)},          // dot11FragmentationThreshold
             {name({2, 1, 1, 8, 3}), text("Vantorix")},      // dot11ManufacturerID
             {name({2, 2, 1, 1, 3}), number(0, counter32)},  // dot11TransmittedFragmentCount
+            {name({3, 1, 2, 1, 2, 3}), text(std::string(1, '\0'))},    // dot11manufacturerName
             {name({4, 1, 1, 2, 3}), number(48)},            // dot11CurrentRegDomain
+            {name({4, 3, 1, 10, 3}), number(1)},            // dot11CurrentTxPowerLevel
             {name({4, 5, 1, 1, 3}), number(11)},            // dot11CurrentChannel
             {name({4, 5, 1, 1, 7}), number(6)},             //
             {name({4, 7, 1, 2, 3, 1}), number(48)},         // dot11RegDomainsSupportValue

@@ -2,6 +2,7 @@
 #include "agent/catalogue.h"
 
 #include <dlfcn.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,6 +14,8 @@
 using namespace dot11;
 
 namespace {
+
+using testing::ElementsAre;
 
 const AgentTable& of_agent(const Table& table) {
     return **std::ranges::find_if(catalogue, [&](const AgentTable* entry) { return &entry->facts == &table; });
@@ -61,6 +64,26 @@ TEST(Catalogue, ValuesComeFromOneKeyOrFromOneForEachRowOfAnInterface) {
     for (const Table* table : tables)
         for (const Column& column : table->columns)
             EXPECT_TRUE(column.keys.size() <= 1 || column.keys.size() == table->rows_per_interface) << column.name;
+}
+
+// The columns that complete answers add, and those that stay without a value.
+TEST(Catalogue, CompleteAnswersAddTwoTables) {
+    std::vector<std::string> added, unanswered;
+    for (const Table* table : tables)
+        for (const Column& column : table->columns) {
+            if (is_answered(column, true) != is_answered(column, false)) added.push_back(column.name);
+            if (!is_answered(column, true)) unanswered.push_back(column.name);
+        }
+    EXPECT_THAT(added, ElementsAre("dot11manufacturerOUI", "dot11manufacturerName", "dot11manufacturerProductName",
+                                   "dot11manufacturerProductVersion", "dot11NumberSupportedPowerLevels",
+                                   "dot11TxPowerLevel1", "dot11TxPowerLevel2", "dot11TxPowerLevel3",
+                                   "dot11TxPowerLevel4", "dot11TxPowerLevel5", "dot11TxPowerLevel6",
+                                   "dot11TxPowerLevel7", "dot11TxPowerLevel8", "dot11CurrentTxPowerLevel"));
+    EXPECT_THAT(unanswered,
+                ElementsAre("dot11OperationalRateSet", "dot11PHYType", "dot11CCAModeSupported", "dot11CurrentCCAMode",
+                            "dot11EDThreshold", "dot11SupportedDataRatesTxValue", "dot11SupportedDataRatesRxValue",
+                            "dot11ShortPreambleOptionImplemented", "dot11PBCCOptionImplemented",
+                            "dot11ChannelAgilityPresent", "dot11ChannelAgilityEnabled", "dot11HRCCAModeSupported"));
 }
 
 // In the order of the tables.
@@ -122,6 +145,7 @@ std::string type_name(Type type) {
 std::string marks(const Column& column) {
     if (column.answered == Answered::always) return "always-set";
     if (column.answered == Answered::when_present) return "-";
+    EXPECT_TRUE(column.answered == Answered::never || column.answered == Answered::complete_only) << column.name;
     return column.write_ends_handler ? "not-answered,never-written" : "not-answered";
 }
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -119,6 +120,7 @@ struct Backend {
     int entries = 1, table_data = 1;
     uint32_t count = 0;
     std::vector<std::string> calls;
+    std::function<void()> while_loading;
 } backend;
 
 struct TestRow {
@@ -131,6 +133,7 @@ int entries() {
 }
 int table_data() {
     backend.calls.push_back("data");
+    if (backend.while_loading) backend.while_loading();
     return backend.table_data;
 }
 uint32_t index_count() {
@@ -169,7 +172,7 @@ class NextRow : public testing::Test {
                    .entry_by_index = entry_by_index};
     ReloadingWalk<TestRow> walk = {};
     uint32_t& position = walk.loop.position;
-    int64_t& last_pass = walk.last_pass;
+    int64_t& last_pass = walk.times.last_pass;
     IndexVarbinds varbinds;
 };
 
@@ -297,6 +300,85 @@ TEST_F(NextRow, ATableUnderSteadyPollingIsNotReadAgain) {
         EXPECT_TRUE(next());
         EXPECT_THAT(backend.calls, ElementsAre("count", "row 0"));
     }
+}
+
+// With a maximal age.
+class Aged : public NextRow {
+  protected:
+    Aged() {
+        backend.count = 2;
+        max_age = 30;
+    }
+    ~Aged() { max_age = 0; }
+
+    // The first row, so many milliseconds later. Whether the table was reloaded.
+    bool first_reloads(int64_t milliseconds) {
+        device.monotonic_milliseconds += milliseconds;
+        position = 0;
+        begin_walk(walk);
+        EXPECT_TRUE(next());
+        return backend.calls[0] == "entries";
+    }
+};
+
+TEST_F(Aged, ATableUnderSteadyPollingIsReloadedAtThatAge) {
+    EXPECT_TRUE(first_reloads(0));
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_FALSE(first_reloads(10'000));
+        EXPECT_FALSE(first_reloads(10'000));
+        EXPECT_FALSE(first_reloads(9'999));
+        EXPECT_TRUE(first_reloads(1));
+    }
+}
+
+TEST_F(Aged, AReloadAfterSilenceMakesTheRowsYoung) {
+    EXPECT_TRUE(first_reloads(0));
+    device.now += 16;
+    EXPECT_TRUE(first_reloads(20'000));
+    EXPECT_FALSE(first_reloads(29'999));
+}
+
+TEST_F(Aged, ARowsAgeIsCountedFromTheBeginningOfItsLoad) {
+    EXPECT_TRUE(first_reloads(0));
+    backend.while_loading = [this] { device.monotonic_milliseconds += 29'000; };
+    device.now += 16;
+    EXPECT_TRUE(first_reloads(0));
+    backend.while_loading = nullptr;
+    EXPECT_TRUE(first_reloads(1'000));
+}
+
+TEST_F(Aged, OnlyAWalksBeginningReloads) {
+    EXPECT_TRUE(first_reloads(0));
+    device.monotonic_milliseconds += 1'000'000;
+    EXPECT_TRUE(next());
+    EXPECT_THAT(backend.calls, ElementsAre("count", "row 1"));
+    EXPECT_FALSE(next());
+    EXPECT_THAT(backend.calls, ElementsAre("count"));
+    EXPECT_TRUE(first_reloads(0));
+}
+
+TEST_F(Aged, AFailedReloadLeavesNoRowsAndIsTriedAgain) {
+    EXPECT_TRUE(first_reloads(0));
+    backend.entries = 0;
+    device.monotonic_milliseconds += 30'000;
+    for (int i = 0; i < 3; ++i) {
+        position = 0;
+        begin_walk(walk);
+        EXPECT_FALSE(next());
+        EXPECT_THAT(backend.calls, ElementsAre("entries"));
+    }
+    backend.entries = 1;
+    EXPECT_TRUE(first_reloads(0));
+    EXPECT_FALSE(first_reloads(0));
+}
+
+TEST_F(Aged, RowsFromBeforeTheOptionWasSetAreReloaded) {
+    max_age = 0;
+    EXPECT_TRUE(first_reloads(0));
+    EXPECT_FALSE(first_reloads(1'000'000));
+    max_age = 30;
+    EXPECT_TRUE(first_reloads(0));
+    EXPECT_FALSE(first_reloads(0));
 }
 
 TEST_F(NextRow, CountsRowsPerInterface) {
@@ -442,6 +524,18 @@ TEST_P(Reloaded, FifteenSecondsAreNotEnoughForAReload) {
     device.now += 16;
     walk.first();
     EXPECT_EQ(reloads(), 2U);
+}
+
+TEST_P(Reloaded, AMaximalAgeReloadsATableThatIsAskedForAllTheTime) {
+    add_interfaces(1);
+    max_age = 60;
+    for (int i = 0; i <= 120; ++i) {
+        walk.rows();
+        device.now += 1;
+        device.monotonic_milliseconds += 1'000;
+    }
+    max_age = 0;
+    EXPECT_EQ(reloads(), 3U) << "at 0, 60 and 120 seconds";
 }
 
 // The 15 seconds run from the latest request.
@@ -683,6 +777,18 @@ TEST_P(Rates, AWalkThatBeginsAnewResetsThePositionOnly) {
     ASSERT_TRUE(walk.next());
     EXPECT_THAT(walk.rows(), ElementsAre(Indexes{11, 3}, Indexes{12, 1}));
     EXPECT_THAT(walk.rows(), ElementsAre(Indexes{11, 1}, Indexes{11, 2}, Indexes{11, 3}, Indexes{12, 1}));
+}
+
+// They keep their own 50 seconds.
+TEST_P(Rates, AMaximalAgeIsNotForThem) {
+    add_groups({1});
+    max_age = 1;
+    walk.rows();
+    const size_t calls = reloads();
+    device.monotonic_milliseconds += 1'000'000;
+    walk.rows();
+    max_age = 0;
+    EXPECT_EQ(reloads(), calls);
 }
 
 TEST_P(Rates, WithoutRatesThereAreNoRows) {

@@ -7,7 +7,7 @@
 //   name                dot11StationID
 //   type of an answer   INTEGER, OCTET STRING, Counter32, Gauge32
 //   access              read-only, read-write
-//   a GET is answered   yes, always (whatever the accessor returns), no
+//   a GET is answered   yes, always (whatever the accessor returns), complete (with dot11Answers complete only), no
 //   a SET is written    yes, no; - for a read-only column. No: it is checked and then dropped
 //   keys of the store   interface/mac; several, separated by blanks, for one row each of an interface; - for none
 #include <cstdio>
@@ -49,6 +49,7 @@ const char* name_of(Type type) {
 
 const char* answered(const Column& column) {
     if (column.answered == Answered::never) return "no";
+    if (column.answered == Answered::complete_only) return "complete";
     return column.answered == Answered::always ? "always" : "yes";
 }
 

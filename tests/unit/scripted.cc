@@ -201,6 +201,14 @@ int __wrap_gettimeofday(timeval* time, void*) {
     return 0;
 }
 
+int __real_clock_gettime(clockid_t clock, timespec* time);
+int __wrap_clock_gettime(clockid_t clock, timespec* time) {
+    if (!device || clock != CLOCK_MONOTONIC) return __real_clock_gettime(clock, time);
+    *time = {static_cast<time_t>(device->monotonic_milliseconds / 1000),
+             device->monotonic_milliseconds % 1000 * 1'000'000};
+    return 0;
+}
+
 void* __real_calloc(size_t count, size_t size);
 void* __wrap_calloc(size_t count, size_t size) {
     return device && device->allocation_fails() ? nullptr : __real_calloc(count, size);

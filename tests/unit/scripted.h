@@ -52,6 +52,7 @@ class ScriptedDevice {
 
     std::map<std::string, unsigned> interfaces;  // name and index
     int64_t now = 1'000'000'000;                 // seconds since the epoch
+    int64_t monotonic_milliseconds = 1'000'000;  // of CLOCK_MONOTONIC; stands still unless a test moves it
     bool clock_fails = false;                    // as one of 32 bits does after 2038
     int64_t tick = 0;                            // seconds by which each look at the clock moves it
     int ticks = INT_MAX;                         // as many looks at most
