@@ -368,11 +368,15 @@ TEST_P(Configuration, MayComeLater) {
 
 TEST_P(Configuration, AWrongValueIsOneLineInTheLogAndChangesNothing) {
     const std::vector<std::string> wrong = {
-        "dot11Answers all", "dot11Answers complete standard",
+        "dot11Answers all",
+        "dot11Answers complete standard",
         "dot11Answers " + std::string(5000, 'c'),
-        "dot11MaxAge 0",    "dot11MaxAge 3601",
-        "dot11MaxAge -1",   "dot11MaxAge 5s",
-        "dot11MaxAge 1 2",  "dot11MaxAge 99999999999999999999",
+        "dot11MaxAge 0",
+        "dot11MaxAge 3601",
+        "dot11MaxAge -1",
+        "dot11MaxAge 5s",
+        "dot11MaxAge 1 2",
+        "dot11MaxAge 99999999999999999999",
     };
     std::string lines;
     for (const std::string& line : wrong)

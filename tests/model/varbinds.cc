@@ -35,29 +35,29 @@ void set_up(ScriptedDevice& device) {
 const Device& device_seen() {
     static const Device device = {
         {
-            {name({1, 1, 1, 2, 3}), number(100)},           // dot11MediumOccupancyLimit
-            {name({1, 1, 1, 3, 3}), number(2)},             // dot11CFPollable
-            {name({1, 1, 1, 8, 3}), number(1)},             // dot11PowerManagementMode
-            {name({1, 1, 1, 9, 3}), text("access")},        // dot11DesiredSSID
-            {name({1, 1, 1, 12, 3}), number(100)},          // dot11BeaconPeriod
-            {name({1, 1, 1, 12, 7}), number(1)},            //
-            {name({1, 2, 1, 2, 3, 1}), number(1)},          // dot11AuthenticationAlgorithm
-            {name({1, 2, 1, 3, 3, 1}), number(1)},          // dot11AuthenticationAlgorithmsEnable
-            {name({1, 2, 1, 3, 7, 2}), number(2)},          //
-            {name({1, 3, 1, 2, 3, 1}), text("abcde")},      // dot11WEPDefaultKeyValue
-            {name({1, 5, 1, 1, 3}), number(1)},             // dot11PrivacyInvoked
-            {name({1, 5, 1, 3, 3}), number(10, gauge32)},   // dot11WEPKeyMappingLength
-            {name({1, 5, 1, 5, 3}), number(0, counter32)},  // dot11WEPICVErrorCount
-            {name({2, 1, 1, 2, 3}), number(2000)},          // dot11RTSThreshold
-            {name({2, 1, 1, 5, 3}), number(2300)},          // dot11FragmentationThreshold
-            {name({2, 1, 1, 8, 3}), text("Vantorix")},      // dot11ManufacturerID
-            {name({2, 2, 1, 1, 3}), number(0, counter32)},  // dot11TransmittedFragmentCount
-            {name({3, 1, 2, 1, 2, 3}), text(std::string(1, '\0'))},    // dot11manufacturerName
-            {name({4, 1, 1, 2, 3}), number(48)},            // dot11CurrentRegDomain
-            {name({4, 3, 1, 10, 3}), number(1)},            // dot11CurrentTxPowerLevel
-            {name({4, 5, 1, 1, 3}), number(11)},            // dot11CurrentChannel
-            {name({4, 5, 1, 1, 7}), number(6)},             //
-            {name({4, 7, 1, 2, 3, 1}), number(48)},         // dot11RegDomainsSupportValue
+            {name({1, 1, 1, 2, 3}), number(100)},                    // dot11MediumOccupancyLimit
+            {name({1, 1, 1, 3, 3}), number(2)},                      // dot11CFPollable
+            {name({1, 1, 1, 8, 3}), number(1)},                      // dot11PowerManagementMode
+            {name({1, 1, 1, 9, 3}), text("access")},                 // dot11DesiredSSID
+            {name({1, 1, 1, 12, 3}), number(100)},                   // dot11BeaconPeriod
+            {name({1, 1, 1, 12, 7}), number(1)},                     //
+            {name({1, 2, 1, 2, 3, 1}), number(1)},                   // dot11AuthenticationAlgorithm
+            {name({1, 2, 1, 3, 3, 1}), number(1)},                   // dot11AuthenticationAlgorithmsEnable
+            {name({1, 2, 1, 3, 7, 2}), number(2)},                   //
+            {name({1, 3, 1, 2, 3, 1}), text("abcde")},               // dot11WEPDefaultKeyValue
+            {name({1, 5, 1, 1, 3}), number(1)},                      // dot11PrivacyInvoked
+            {name({1, 5, 1, 3, 3}), number(10, gauge32)},            // dot11WEPKeyMappingLength
+            {name({1, 5, 1, 5, 3}), number(0, counter32)},           // dot11WEPICVErrorCount
+            {name({2, 1, 1, 2, 3}), number(2000)},                   // dot11RTSThreshold
+            {name({2, 1, 1, 5, 3}), number(2300)},                   // dot11FragmentationThreshold
+            {name({2, 1, 1, 8, 3}), text("Vantorix")},               // dot11ManufacturerID
+            {name({2, 2, 1, 1, 3}), number(0, counter32)},           // dot11TransmittedFragmentCount
+            {name({3, 1, 2, 1, 2, 3}), text(std::string(1, '\0'))},  // dot11manufacturerName
+            {name({4, 1, 1, 2, 3}), number(48)},                     // dot11CurrentRegDomain
+            {name({4, 3, 1, 10, 3}), number(1)},                     // dot11CurrentTxPowerLevel
+            {name({4, 5, 1, 1, 3}), number(11)},                     // dot11CurrentChannel
+            {name({4, 5, 1, 1, 7}), number(6)},                      //
+            {name({4, 7, 1, 2, 3, 1}), number(48)},                  // dot11RegDomainsSupportValue
         },
         {
             {name({1, 1}), {{3}, {7}}},
