@@ -45,7 +45,7 @@ void Cache::load() {
     const Status status = take_contents();
     const std::int64_t retry = status == Status::ok ? 0 : failed(status);
     const std::int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
-    const std::int64_t left = std::max(next_load_ - now_ - took, std::int64_t{0});
+    const std::int64_t left = std::max(next_load_ - now_, std::int64_t{0});
     now_ += took;
     next_load_ = now_ + std::min(std::max(left + (load_share - 1) * took, retry), longest_pause);
     next_check_ = std::max(next_load_, now_ + check_interval);

@@ -2,8 +2,6 @@
 
 #include <string.h>
 
-#include <iterator>
-
 #include "store_limits.h"
 
 namespace cfql {

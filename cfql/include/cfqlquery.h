@@ -10,14 +10,20 @@
  * 0 to 4096.
  *
  * Place of the store: /var/lib/cfql/store.db, or the path in the environment variable CFQL_STORE, which is ignored in a
- * secure-execution process. The store is opened at the first call, not before, and follows a file that is replaced.
+ * secure-execution process. The store is read at the first call, not before, and a file that is replaced is followed.
  *
- * Freshness: cfqlquery_get_grid answers from the latest state of the store, cfqlquery_get_pv from the state of the last
- * look at it, which is usually less than 50 ms old; the rows of a grid and the values read right after it are of one
- * state. A store that was readable and is damaged, locked or unreadable is answered for from its last good state, and
- * syslog hears of it once a minute at most.
+ * Freshness: answers come from a copy in memory. cfqlquery_get_grid checks first whether the store has changed,
+ * cfqlquery_get_pv if the last check is 50 ms old; the rows of a grid and the values read right after it are of one
+ * state. The copy is renewed at once, unless renewing takes long: it takes at most a fifth of the caller's time, so an
+ * answer may be four times as old as a renewal takes, at most 10 s, once one takes more than 5 ms. While a writer holds
+ * the store, answers come from the copy there is; beside one that never pauses they are a few seconds old, and no call
+ * waits for it longer than 200 ms. After a set of its own a process sees what it wrote.
  *
- * Threads: calls may come from any thread, one at a time or several at once. Fork: a child opens the store for itself.
+ * A store that was readable and is damaged or unreadable is answered for from its last good state, and the system's log
+ * hears of it once a minute at most.
+ *
+ * Threads: calls may come from any thread, one at a time or several at once. Nothing stays open between calls, so a
+ * fork needs no care. Do not fork while another thread is in a call, if the child is to call the library.
  */
 #ifndef CFQLQUERY_H
 #define CFQLQUERY_H

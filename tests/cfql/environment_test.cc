@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 
 #include <fstream>
@@ -89,6 +91,42 @@ int read_only(const Place& place) {
 TEST(Environment, AReadOnlyFileSystemIsRead) {
     const Place place;
     const int result = in_child([&] { return read_only(place); });
+    if (result == not_allowed) GTEST_SKIP() << "no mount namespace";
+    EXPECT_EQ(result, 0);
+}
+
+// A socket where the system's log is, which nobody empties.
+int log_socket() {
+    const int log = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0);
+    const sockaddr_un place = {AF_UNIX, "/dev/log"};
+    return bind(log, reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 ? log : -1;
+}
+
+int full_log(const Place& place) {
+    if (!mount_small("/dev", "size=64k")) return not_allowed;
+    std::ofstream(place.path()) << "no store";
+    const int log = log_socket();
+    const int sender = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0);
+    const sockaddr_un to = {AF_UNIX, "/dev/log"};
+    if (log < 0 || connect(sender, reinterpret_cast<const sockaddr*>(&to), sizeof to) != 0) return 1;
+    while (send(sender, "x", 1, 0) == 1) {
+    }
+    if (errno != EAGAIN) return 2;
+    alarm(20);
+    if (in_child([] { return get("interface", "wlan0", "ssid") ? 1 : 0; }) != 0) return 3;
+    char line[1024];
+    while (recv(log, line, sizeof line, 0) == 1) {
+    }
+    if (get("interface", "wlan0", "ssid")) return 4;
+    const ssize_t size = recv(log, line, sizeof line, 0);
+    const std::string expected =
+        "<27>cfqlquery[" + std::to_string(getpid()) + "]: " + place.path() + ": the file is not a configuration store";
+    return std::string(line, static_cast<std::size_t>(std::max<ssize_t>(size, 0))) == expected ? 0 : 5;
+}
+
+TEST(Environment, AFullSystemLogStopsNobody) {
+    const Place place;
+    const int result = in_child([&] { return full_log(place); });
     if (result == not_allowed) GTEST_SKIP() << "no mount namespace";
     EXPECT_EQ(result, 0);
 }

@@ -4,6 +4,8 @@
 #include <signal.h>
 #include <sys/stat.h>
 
+#include <fstream>
+
 #include "disk.h"
 #include "fixture.h"
 #include "log.h"
@@ -343,6 +345,67 @@ TEST_F(Retry, AReaderWithoutContentsWaitsOnceASecond) {
         EXPECT_GE(waited, 8 * 200);
         EXPECT_LE(waited, (milliseconds - begin) / 1000 * 200) << "oftener than once a second";
         EXPECT_EQ(log_lines.size(), 1U);
+    }));
+}
+
+// Loads that take so many ms each, of a store that changes before every check.
+class Loads {
+  public:
+    explicit Loads(int each) {
+        EXPECT_EQ(look(), "office");
+        milliseconds += 20000;
+        disk.become([=](Call call, int) {
+            milliseconds += call == Call::open_store ? each : 0;
+            return SQLITE_OK;
+        });
+    }
+    static void check() {
+        std::fstream(cfql::store_path(), std::ios::in | std::ios::out).seekp(24 + 3).put(static_cast<char>(++counter));
+        look();
+    }
+    static int count() { return disk.calls[Call::open_store]; }
+
+  private:
+    static inline int counter = 0;
+};
+
+// One request may ask for as many grids, when no table has rows.
+TEST_F(Retry, AThousandGridsAtOnceCostTwoLoadsAtMost) {
+    for (const int each : {5, 6, 20, 300, 5000}) {
+        begin();
+        EXPECT_TRUE(alone([each] {
+            Loads loads(each);
+            for (int i = 0; i < 1000; ++i)
+                Loads::check();
+            EXPECT_EQ(Loads::count(), each > 5 ? 1 : 2) << each;
+        }));
+    }
+}
+
+TEST_F(Retry, LoadingTakesAFifthOfTheTime) {
+    for (const int each : {1, 5, 20, 300, 2500}) {
+        begin();
+        EXPECT_TRUE(alone([each] {
+            Loads loads(each);
+            const std::int64_t begin = milliseconds;
+            const std::int64_t end = begin + 100 * each;
+            for (; milliseconds < end; ++milliseconds)
+                Loads::check();
+            EXPECT_LE(Loads::count(), (milliseconds - begin) / each / 5 + 20 / (4 * each) + 1) << each;
+            EXPECT_GE(Loads::count(), (milliseconds - begin) / each / 5 - 2) << each;
+        }));
+    }
+}
+
+TEST_F(Retry, ThePauseAfterALoadIsTenSecondsAtMost) {
+    EXPECT_TRUE(alone([] {
+        Loads loads(60000);
+        Loads::check();
+        Loads::check();
+        EXPECT_EQ(Loads::count(), 1);
+        milliseconds += 10000;
+        Loads::check();
+        EXPECT_EQ(Loads::count(), 2);
     }));
 }
 
