@@ -15,7 +15,8 @@ constexpr std::int64_t load_share = 5;  // loading takes at most one part in so 
 // In microseconds.
 constexpr std::int64_t ms = 1000;
 constexpr std::int64_t check_interval = 50 * ms;
-constexpr std::int64_t load_allowance = (load_share - 1) * 5 * ms;  // the pause after a load of 5 ms
+constexpr std::int64_t shortest_credit = 20 * ms;
+constexpr std::int64_t longest_credit = 1000 * ms;
 constexpr std::int64_t longest_pause = 10000 * ms;
 constexpr std::int64_t retry_interval = 1000 * ms;
 constexpr std::int64_t busy_limit = 10000 * ms;  // then a reader waits for the lock
@@ -36,10 +37,11 @@ void Cache::refresh(bool at_once) {
     next_check_ = now_ + check_interval;
     const Watch::Finding found = watch_.check(store_path());
     if (found == Watch::Finding::absent) forget();
-    if (found == Watch::Finding::changed && now_ + load_allowance >= next_load_) load();
+    if (found == Watch::Finding::changed && now_ + credit_ >= next_load_) load();
 }
 
-// Pauses add up, so that many short loads are paid for as one long one is; short ones may come in a row before that.
+// Pauses add up, so that many short loads are paid for as one long one is. A second load may follow at once, on credit:
+// one change is often followed by another.
 void Cache::load() {
     const std::int64_t begin = microseconds(CLOCK_MONOTONIC);
     const Status status = take_contents();
@@ -47,7 +49,9 @@ void Cache::load() {
     const std::int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
     const std::int64_t left = std::max(next_load_ - now_, std::int64_t{0});
     now_ += took;
-    next_load_ = now_ + std::min(std::max(left + (load_share - 1) * took, retry), longest_pause);
+    const std::int64_t pause = (load_share - 1) * took;
+    credit_ = status == Status::ok ? std::clamp(pause, shortest_credit, longest_credit) : 0;
+    next_load_ = now_ + std::min(std::max(left + pause, retry), longest_pause);
     next_check_ = std::max(next_load_, now_ + check_interval);
 }
 

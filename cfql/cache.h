@@ -41,6 +41,7 @@ class Cache {
     std::int64_t now_ = 0;  // times in microseconds of CLOCK_MONOTONIC
     std::int64_t next_check_ = 0;
     std::int64_t next_load_ = 0;
+    std::int64_t credit_ = 0;      // so much before it a load may begin
     std::int64_t busy_since_ = 0;  // when the first load failed for want of the lock; 0: the last did not
     std::int64_t next_line_ = 0;
 };

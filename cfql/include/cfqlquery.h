@@ -15,7 +15,7 @@
  * Freshness: answers come from a copy in memory. cfqlquery_get_grid checks first whether the store has changed,
  * cfqlquery_get_pv if the last check is 50 ms old; the rows of a grid and the values read right after it are of one
  * state. The copy is renewed at once, unless renewing takes long: it takes at most a fifth of the caller's time, so an
- * answer may be four times as old as a renewal takes, at most 10 s, once one takes more than 5 ms. While a writer holds
+ * answer may be eight times as old as a renewal takes, at most 10 s. While a writer holds
  * the store, answers come from the copy there is; beside one that never pauses they are a few seconds old, and no call
  * waits for it longer than 200 ms. After a set of its own a process sees what it wrote.
  *

@@ -56,6 +56,7 @@ struct EmptyStore : store_test::Place {
 // The store's new contents.
 void store(const Contents& contents) {
     static const EmptyStore place;
+    EXPECT_EQ(store_test::set("any", "o", "k", "v"), 1) << "after a write of its own the library loads without a pause";
     cfql::Database database;
     store_test::require(database.open(place.path().c_str(), cfql::Access::write));
     store_test::require(database.begin_write());
