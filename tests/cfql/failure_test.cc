@@ -112,6 +112,27 @@ TEST_F(Failure, ADamagedPageLeavesTheLastGoodContents) {
     EXPECT_EQ(log_lines[0].find("office"), std::string::npos);
 }
 
+// The index of names is no part of what a load reads.
+TEST_F(Failure, DamageOutsideWhatIsReadIsFoundAllTheSame) {
+    sqlite3* connection = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open(place.path().c_str(), &connection);
+    sqlite3_prepare_v2(connection, "SELECT rootpage FROM sqlite_schema WHERE type='index'", -1, &statement, nullptr);
+    sqlite3_step(statement);
+    const int root = sqlite3_column_int(statement, 0);
+    sqlite3_finalize(statement);
+    sqlite3_close(connection);
+    EXPECT_EQ(ssid(), "office");
+    {
+        std::fstream file(place.path(), std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp((root - 1) * 1024);
+        file << std::string(1024, '\xff');
+    }
+    EXPECT_TRUE(eventually([] { return ssid() == "office" && !log_lines.empty(); })) << "the stamps have moved";
+    EXPECT_EQ(in_child([] { return ssid() ? 1 : 0; }), 1) << "who has contents keeps them";
+    EXPECT_EQ(cfql::Database().open(place.path().c_str(), cfql::Access::read), cfql::Status::damaged);
+}
+
 TEST_F(Failure, AFileOfAnotherKindIsNoStore) {
     const struct {
         const char* what;
