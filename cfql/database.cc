@@ -379,16 +379,17 @@ Status Database::unset(Text table, Text object, Text key) {
     return status == Status::ok ? unset_attribute(id, key) : status;
 }
 
-Status Database::list(Cursor& cursor, Text table) {
+Status Database::list(Cursor& cursor, Text table, std::int64_t after) {
     cursor.close();
     cursor.store_ = this;
-    cursor.last_id_ = INT64_MIN;
+    cursor.last_id_ = after;
     cursor.last_key_size_ = 0;
     const Status status = prepare(
         "SELECT o.id, o.tab, o.name, o.crc, a.key, a.value, a.crc FROM object AS o NOT INDEXED "
-        "LEFT JOIN attribute AS a ON a.object = o.id WHERE ?1 = x'' OR o.tab = ?1 ORDER BY o.id, a.key",
+        "LEFT JOIN attribute AS a ON a.object = o.id WHERE (?1 = x'' OR o.tab = ?1) AND o.id > ?2 ORDER BY o.id, a.key",
         cursor.statement_);
     if (status != Status::ok) return status;
+    sqlite3_bind_int64(cursor.statement_, 2, after);
     const int code = sqlite3_bind_blob(cursor.statement_, 1, table.empty() ? "" : table.data(),
                                        static_cast<int>(table.size()), SQLITE_TRANSIENT);
     return code == SQLITE_OK ? Status::ok : failure(code);

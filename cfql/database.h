@@ -150,8 +150,8 @@ class Database {
     Status get(Text table, Text object, Text key, Text& value);
     Status unset(Text table, Text object, Text key);
 
-    // Begins a listing of TABLE, or of everything when TABLE is empty.
-    Status list(Cursor& cursor, Text table = {});
+    // Begins a listing of TABLE, or of everything when TABLE is empty, of the objects whose id is above AFTER.
+    Status list(Cursor& cursor, Text table = {}, std::int64_t after = INT64_MIN);
 
     // Examines every page: `damaged` with the first fault in detail().
     Status examine_structure();
