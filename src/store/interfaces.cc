@@ -11,11 +11,9 @@ char iface_tags[max_interfaces + 1][iface_tag_size];
 
 namespace {
 
-constexpr size_t longest_name = 5;
-
 bool is_served(const cfqlquery_node& node) {
     return node.name && strcmp(node.name, "name") == 0 && node.value &&
-           strnlen(node.value, longest_name + 1) <= longest_name;
+           strnlen(node.value, longest_interface_name + 1) <= longest_interface_name;
 }
 
 char* copy_of(const char* text) {
@@ -34,7 +32,7 @@ const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, i
         if (*counter < 0 || *counter > static_cast<int32_t>(max_interfaces)) continue;
         if (if_nametoindex(list->value) == 0) continue;
         char* slot = iface_tags[*counter];
-        memcpy(slot, list->value, strnlen(list->value, longest_name) + 1);
+        memcpy(slot, list->value, strnlen(list->value, longest_interface_name) + 1);
         ++*counter;
     }
     return list;

@@ -11,6 +11,7 @@ namespace dot11 {
 
 constexpr uint32_t max_interfaces = 128;
 constexpr size_t iface_tag_size = 128;
+constexpr size_t longest_interface_name = 5;  // characters; interfaces of longer names are not served
 
 #pragma GCC visibility push(default)
 extern "C" {
