@@ -56,6 +56,7 @@ _cfql_words() {
             ;;
         get:1 | set:1 | unset:1) if [[ $1 == system ]]; then _cfql_column 3 system; else _cfql_column 2 "$1"; fi ;;
         list:1) _cfql_column 2 "$1" ;;
+        preview:0) _cfql_column 2 interface ;;
         get:2 | set:2 | unset:2) [[ $1 == system ]] || _cfql_column 3 "$@" ;;
     esac
 }
@@ -67,7 +68,8 @@ _cfql_options() {
         set | unset) candidates+=(--nth) ;;
         list | watch) candidates+=(--reveal) ;;
         import) candidates+=(--replace --allow-empty) ;;
-        export) candidates+=(--output --reveal) ;;
+        export) candidates+=(--output --salvage --reveal) ;;
+        preview) candidates+=(--json --complete --offline --reveal) ;;
         lint) candidates+=(--offline --defaults) ;;
     esac
 }
@@ -122,7 +124,7 @@ _cfql() {
     if [[ $current == -* && -z $ended ]]; then
         _cfql_options "${plain[0]}"
     elif ((${#plain[@]} == 0)); then
-        candidates=(init get set unset list import export check lint watch)
+        candidates=(init get set unset list import export check preview lint watch)
     elif [[ ${plain[0]} == import ]]; then
         compopt -o default
     else

@@ -1,5 +1,8 @@
 #include "commands.h"
 
+#include <algorithm>
+
+#include "facts.h"
 #include "input.h"
 #include "output.h"
 #include "store.h"
@@ -51,10 +54,28 @@ void require_attribute(const Store& store, const Request& request, Status status
     store.require(status);
 }
 
+// Prints the faults that an examination finds. The engine tells several in one text, below a heading.
+class Faults {
+  public:
+    void add(std::string_view text) {
+        while (!text.empty()) {
+            const std::string_view line = text.substr(0, text.find('\n'));
+            text.remove_prefix(std::min(line.size() + 1, text.size()));
+            if (line.empty() || line.starts_with("***")) continue;
+            report(line);
+            ++count_;
+        }
+    }
+    std::size_t count() const { return count_; }
+
+  private:
+    std::size_t count_ = 0;
+};
+
 }  // namespace
 
 Exit get(const Request& request) {
-    Store store(request.store, Access::read);
+    Store store(request.store, Access::recover);
     store.require(store.database().begin_read());
     Text value;
     const std::int64_t id = object_id(store, request);
@@ -77,6 +98,9 @@ Exit set(const Request& request) {
     const std::int64_t id = object_id_to_set(store, request);
     store.require(database.set_attribute(id, request.table, request.object, request.key, value));
     store.require(database.commit());
+    // The store may hold what the agent does not read.
+    const std::string error = typing_error(request.table, request.key);
+    if (!error.empty()) complain("note: " + error);
     return Exit::done;
 }
 
@@ -95,7 +119,7 @@ Exit unset(const Request& request) {
 }
 
 Exit list(const Request& request) {
-    Store store(request.store, Access::read);
+    Store store(request.store, Access::recover);
     const Reading reading = store.read(request.table);
     const std::vector<Place> found = places(reading.contents);
     bool any = request.table.empty();
@@ -113,16 +137,20 @@ Exit list(const Request& request) {
 }
 
 Exit check(const Request& request) {
-    Store store(request.store, Access::read);
-    std::size_t faults = 0;
-    store.require(store.database().check(
-        [](void* count, const char* line) {
-            ++*static_cast<std::size_t*>(count);
-            report(line);
-        },
-        &faults));
-    report(store.path() + ": " + (faults == 0 ? "no faults" : counted(faults, "fault")));
-    return faults == 0 ? Exit::done : Exit::no;
+    Store store(request.store, Access::salvage);
+    Faults faults;
+    const Status status =
+        store.database().check([](void* to, const char* text) { static_cast<Faults*>(to)->add(text); }, &faults);
+    if (status == Status::damaged) {
+        for (const std::string& line : store.salvage().damage)
+            faults.add(line);
+    } else {
+        store.require(status);
+    }
+    report(store.path() + ": " + (faults.count() == 0 ? "no faults" : counted(faults.count(), "fault")));
+    if (faults.count() == 0) return Exit::done;
+    complain("save what is left with \"cfql export --salvage --output FILE\"");
+    return Exit::no;
 }
 
 }  // namespace cfql::tool

@@ -15,10 +15,13 @@ struct Request {
     std::string file;  // of import, and of export --output
     std::size_t nth = 1;
     bool reveal = false;
+    bool salvage = false;
     bool replace = false;
     bool allow_empty = false;
     bool offline = false;
     bool defaults = false;
+    bool json = false;
+    bool complete = false;
 };
 
 Exit init(const Request& request);
@@ -29,6 +32,7 @@ Exit list(const Request& request);
 Exit import_contents(const Request& request);
 Exit export_contents(const Request& request);
 Exit check(const Request& request);
+Exit preview(const Request& request);
 Exit lint(const Request& request);
 Exit watch(const Request& request);
 

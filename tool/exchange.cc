@@ -1,7 +1,9 @@
 // The commands import and export.
 #include <map>
+#include <set>
 
 #include "commands.h"
+#include "facts.h"
 #include "input.h"
 #include "output.h"
 #include "private_file.h"
@@ -57,6 +59,22 @@ Contents contents_of(const std::string& file) {
     }
 }
 
+// The store may hold what the agent does not read: that is told, a few times at most.
+void note_typing_errors(const Contents& contents) {
+    constexpr std::size_t most = 10;
+    std::set<std::string> errors;
+    for (const Object& object : contents) {
+        for (const auto& [key, value] : object.attributes)
+            errors.insert(typing_error(object.table, key));
+    }
+    errors.erase("");
+    std::size_t told = 0;
+    for (const std::string& error : errors) {
+        if (told++ < most) complain("note: " + error);
+    }
+    if (told > most) complain("note: and " + counted(told - most, "more such key") + "; see \"cfql lint\"");
+}
+
 }  // namespace
 
 Exit import_contents(const Request& request) {
@@ -75,13 +93,14 @@ Exit import_contents(const Request& request) {
         values += contents[i].attributes.size();
     }
     import.commit();
+    note_typing_errors(contents);
     print_line("imported " + counted(contents.size(), "object") + " with " + counted(values, "value"));
     return Exit::done;
 }
 
 Exit export_contents(const Request& request) {
-    Store store(request.store, Access::read);
-    Reading reading = store.read();
+    Store store(request.store, request.salvage ? Access::salvage : Access::recover);
+    Reading reading = request.salvage ? store.salvage() : store.read();
     const bool hide = request.file.empty() && on_terminal() && !request.reveal;
     std::size_t hidden = 0;
     for (Object& object : reading.contents) {

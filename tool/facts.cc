@@ -1,94 +1,148 @@
 #include "facts.h"
 
+#include <algorithm>
+#include <vector>
+
+#include "nearest.h"
+#include "text.h"
+
 namespace cfql::tool {
 
 namespace {
 
-using enum Holder;
-using enum Conversion;
-
-constexpr std::string_view unset_mac = "00 in the first octet, five octets as they were";
-constexpr std::string_view unset_wep_key = "five octets, the first 00";
+using enum Form;
 
 // clang-format off
 constexpr Fact table[] = {
-    // key                                     holder     conversion  fallback
-    {"bss",                                    interface, link,       "the defaults of everything reached through it"},
-    {"radio",                                  bss,       link,       "the defaults of everything reached through it"},
+    {"interface", "type",                                   text,   {}},
+    {"interface", "bss",                                    link,   {}},
+    {"bss",       "radio",                                  link,   {}},
 
-    {"type",                                   interface, text,       "not at all"},
-    {"mac",                                    interface, mac,        unset_mac},
-    {"dot11-cf-pollable",                      interface, flag,       "2", 0, {}, "1", "0 2"},
-    {"dot11-authentication-response-time-out", interface, number,     "1"},
-    {"dot11-privacy-option-implemented",       interface, flag,       "2", 0, {}, "1", "0 2"},
-    {"security",                               interface, text,       "2"},
-    {"ssid",                                   interface, text,       "the text 0", 32},
-    {"rate",                                   rate,      rate_text,  "one octet 00 as the operational rate set", rate_text_width},
-    {"beacon-interval",                        radio,     number,     "1"},
-    {"dtim-period",                            bss,       number,     "1"},
-    {"dot11d",                                 radio,     flag,       "implemented 2, enabled -1", 0, {}, "up", "down"},
-    {"dot11-association-response-time-out",    interface, number,     "1"},
-    {"dot11-disassociate-reason",              interface, number,     "0"},
-    {"dot11-disassociate-station",             interface, mac,        unset_mac},
-    {"dot11-deauthenticate-reason",            interface, number,     "0"},
-    {"dot11-deauthenticate-station",           interface, mac,        unset_mac},
-    {"dot11-authenticate-fail-status",         interface, number,     "0"},
-    {"dot11-authenticate-fail-station",        interface, mac,        unset_mac},
-    {"country",                                system,    country,    "???"},
+    {"interface", "mac",                                    mac,    {}},
+    {"interface", "dot11-cf-pollable",                      words,  "1 0 2"},
+    {"interface", "dot11-authentication-response-time-out", number, "time units of 1024 us"},
+    {"interface", "dot11-privacy-option-implemented",       words,  "1 0 2"},
+    {"interface", "security",                               text,   {}},
+    {"interface", "ssid",                                   text,   {}},
+    {"supported-rate", "rate",                              number, "100 kbit/s"},
+    {"radio",     "beacon-interval",                        number, "time units of 1024 us"},
+    {"bss",       "dtim-period",                            number, "beacons"},
+    {"radio",     "dot11d",                                 words,  "up down"},
+    {"interface", "dot11-association-response-time-out",    number, "time units of 1024 us"},
+    {"interface", "dot11-disassociate-reason",              number, {}},
+    {"interface", "dot11-disassociate-station",             mac,    {}},
+    {"interface", "dot11-deauthenticate-reason",            number, {}},
+    {"interface", "dot11-deauthenticate-station",           mac,    {}},
+    {"interface", "dot11-authenticate-fail-status",         number, {}},
+    {"interface", "dot11-authenticate-fail-station",        mac,    {}},
+    {"system",    "country",                                text,   {}},
 
-    {"open-system-authentication",             bss,       flag,       "2", 0, {}, "on", "off"},
-    {"shared-key-authentication",              bss,       flag,       "2", 0, {}, "on", "off"},
+    {"bss",       "open-system-authentication",             words,  "on off"},
+    {"bss",       "shared-key-authentication",              words,  "on off"},
 
-    {"dot11-privacy-invoked",                  interface, number,     "2",  0, "0"},
-    {"wep-default-key",                        interface, number,     "0",  0, "0"},
-    {"wep-key-mapping-length",                 interface, number,     "10", 0, "0"},
-    {"wep-key-1",                              interface, text,       unset_wep_key, 64},
-    {"wep-key-2",                              interface, text,       unset_wep_key, 64},
-    {"wep-key-3",                              interface, text,       unset_wep_key, 64},
-    {"wep-key-4",                              interface, text,       unset_wep_key, 64},
+    {"interface", "dot11-privacy-invoked",                  number, {}},
+    {"interface", "wep-default-key",                        number, {}},
+    {"interface", "wep-key-mapping-length",                 number, {}},
+    {"interface", "wep-key-1",                              text,   {}},
+    {"interface", "wep-key-2",                              text,   {}},
+    {"interface", "wep-key-3",                              text,   {}},
+    {"interface", "wep-key-4",                              text,   {}},
 
-    {"rts-threshold",                          radio,     number,     "2347, or 2346 when \"fragmentation-threshold\" is not set", 0, "0"},
-    {"fragmentation-threshold",                radio,     number,     "2346, as the RTS threshold", 0, "0"},
-    {"dot11-short-retry-limit",                interface, number,     "7", 0, "0"},
-    {"dot11-long-retry-limit",                 interface, number,     "4", 0, "0"},
-    {"dot11-max-transmit-msdu-lifetime",       interface, number,     "512", 0, "0"},
-    {"dot11-max-receive-lifetime",             interface, number,     "512", 0, "0"},
-    {"manufacturer-id",                        radio,     text,       "the empty text", 127},
+    {"radio",     "rts-threshold",                          number, "octets"},
+    {"radio",     "fragmentation-threshold",                number, "octets"},
+    {"interface", "dot11-short-retry-limit",                number, {}},
+    {"interface", "dot11-long-retry-limit",                 number, {}},
+    {"interface", "dot11-max-transmit-msdu-lifetime",       number, "time units of 1024 us"},
+    {"interface", "dot11-max-receive-lifetime",             number, "time units of 1024 us"},
+    {"radio",     "manufacturer-id",                        text,   {}},
 
-    {"transmitted-fragment-count",             interface, number,     "0", 0, "0"},
-    {"multicast-transmitted-frame-count",      interface, number,     "0", 0, "0"},
-    {"failed-count",                           interface, number,     "0", 0, "0"},
-    {"retry-count",                            interface, number,     "0", 0, "0"},
-    {"multiple-retry-count",                   interface, number,     "0", 0, "0"},
-    {"frame-duplicate-count",                  interface, number,     "0", 0, "0"},
-    {"rts-success-count",                      interface, number,     "0", 0, "0"},
-    {"rts-failure-count",                      interface, number,     "0", 0, "0"},
-    {"ack-failure-count",                      interface, number,     "0", 0, "0"},
-    {"received-fragment-count",                interface, number,     "0", 0, "0"},
-    {"multicast-received-frame-count",         interface, number,     "0", 0, "0"},
-    {"fcs-error-count",                        interface, number,     "0", 0, "0"},
-    {"transmitted-frame-count",                interface, number,     "0", 0, "0"},
-    {"wep-undecryptable-count",                interface, number,     "0", 0, "0"},
+    {"interface", "transmitted-fragment-count",             number, {}},
+    {"interface", "multicast-transmitted-frame-count",      number, {}},
+    {"interface", "failed-count",                           number, {}},
+    {"interface", "retry-count",                            number, {}},
+    {"interface", "multiple-retry-count",                   number, {}},
+    {"interface", "frame-duplicate-count",                  number, {}},
+    {"interface", "rts-success-count",                      number, {}},
+    {"interface", "rts-failure-count",                      number, {}},
+    {"interface", "ack-failure-count",                      number, {}},
+    {"interface", "received-fragment-count",                number, {}},
+    {"interface", "multicast-received-frame-count",         number, {}},
+    {"interface", "fcs-error-count",                        number, {}},
+    {"interface", "transmitted-frame-count",                number, {}},
+    {"interface", "wep-undecryptable-count",                number, {}},
 
-    {"manufacturer-oui",                       radio,     text,       "XYZ", 8},
-    {"manufacturer-name",                      radio,     text,       "one octet 00", 255},
-    {"manufacturer-product-name",              radio,     text,       "one octet 00", 255},
-    {"manufacturer-product-version",           radio,     text,       "one octet 00", 255},
+    {"radio",     "manufacturer-oui",                       text,   {}},
+    {"radio",     "manufacturer-name",                      text,   {}},
+    {"radio",     "manufacturer-product-name",              text,   {}},
+    {"radio",     "manufacturer-product-version",           text,   {}},
 
-    {"dot11-phy-type",                         interface, phy_type,   "1"},
-    {"dot11-current-reg-domain",               interface, number,     "0, and 16 as the supported one", 0, "0"},
-    {"dot11-temp-type",                        interface, number,     "1", 0, "0"},
-    {"num_supported_pow_level",                interface, number,     "1", 0, "0"},
-    {"tx-power",                               interface, number,     "100", 0, "100 at level 1 and 0 at levels 2 to 8"},
-    {"curr_tx_power_level",                    interface, number,     "1", 0, "0"},
-    {"channel",                                own_radio, number,     "6"},
+    {"interface", "dot11-phy-type",                         number, "0 to 3"},
+    {"interface", "dot11-current-reg-domain",               number, {}},
+    {"interface", "dot11-temp-type",                        number, {}},
+    {"interface", "num_supported_pow_level",                number, {}},
+    {"interface", "tx-power",                               number, "mW"},
+    {"interface", "curr_tx_power_level",                    number, {}},
+    {"radio",     "channel",                                number, {}},
 };
 // clang-format on
+
+// The tables that hold KEY.
+std::string tables_of(std::string_view key) {
+    std::string names;
+    for (const Fact& fact : table) {
+        if (fact.key == key) names += (names.empty() ? "" : " and ") + quoted(fact.table);
+    }
+    return names;
+}
+
+std::vector<std::string> known_tables() {
+    std::vector<std::string> names;
+    for (const Fact& fact : table)
+        names.emplace_back(fact.table);
+    return names;
+}
+
+std::vector<std::string> known_keys(std::string_view of) {
+    std::vector<std::string> names;
+    for (const Fact& fact : table) {
+        if (fact.table == of) names.emplace_back(fact.key);
+    }
+    return names;
+}
+
+std::vector<std::string> all_keys() {
+    std::vector<std::string> names;
+    for (const Fact& fact : table)
+        names.emplace_back(fact.key);
+    return names;
+}
 
 }  // namespace
 
 std::span<const Fact> facts() {
     return table;
+}
+
+const Fact* find_fact(std::string_view of, std::string_view key) {
+    const auto* fact =
+        std::ranges::find_if(table, [&](const Fact& each) { return each.table == of && each.key == key; });
+    return fact == std::end(table) ? nullptr : fact;
+}
+
+bool is_known_table(std::string_view of) {
+    return std::ranges::any_of(table, [&](const Fact& fact) { return fact.table == of; });
+}
+
+std::string typing_error(std::string_view of, std::string_view key) {
+    if (find_fact(of, key) != nullptr) return {};
+    if (!is_known_table(of)) return "the agent reads no table " + quoted(of) + suggestion(of, known_tables());
+    const std::string elsewhere = tables_of(key);
+    if (!elsewhere.empty())
+        return "the agent reads the key " + quoted(key) + " in " + elsewhere + ", not in " + quoted(of);
+    std::string hint = suggestion(key, known_keys(of));
+    const std::string meant = hint.empty() ? nearest(key, all_keys()) : "";
+    if (!meant.empty()) hint = "; did you mean " + quoted(meant) + " in " + tables_of(meant) + '?';
+    return "the agent reads no key " + quoted(key) + " in " + quoted(of) + hint;
 }
 
 }  // namespace cfql::tool

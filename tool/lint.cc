@@ -1,28 +1,36 @@
-// The command lint: what the agent will do with the contents of the store.
-#include <net/if.h>
-
+// The command lint: what the agent will do with the contents of the store, where that is not what they say.
 #include <algorithm>
+#include <optional>
 #include <set>
 
+#include "agent_run.h"
 #include "commands.h"
 #include "facts.h"
 #include "output.h"
-#include "rates.h"
 #include "store.h"
+#include "store/interfaces.h"
 #include "text.h"
 
 namespace cfql::tool {
 
 namespace {
 
-std::string place(std::string_view table, std::string_view name) {
-    return described({std::string(table), std::string(name), 1});
+std::string place(const std::string& table, const std::string& name) {
+    return described({table, name, 1});
 }
 
-// A value in a message: never long, and never asked for a secret.
-std::string excerpt(std::string_view value) {
+// A value in a message: never long, and never a secret.
+std::string excerpt(std::string_view key, std::string_view value) {
     constexpr std::size_t longest = 32;
+    if (is_secret(key)) return "the value";
     return value.size() <= longest ? quoted(value) : quoted(value.substr(0, longest)) + "...";
+}
+
+std::string joined(const std::set<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
 }
 
 // Findings, each printed once: several interfaces may share a bss or a radio.
@@ -32,7 +40,7 @@ class Findings {
     void note(const std::string& where, const std::string& what) { add("note", where, what, notes_); }
 
     Exit conclude() const {
-        print_line(counted(warnings_, "warning") + ", " + counted(notes_, "note"));
+        report(counted(warnings_, "warning") + ", " + counted(notes_, "note"));
         return warnings_ == 0 ? Exit::done : Exit::no;
     }
 
@@ -40,7 +48,7 @@ class Findings {
     void add(std::string_view kind, const std::string& where, const std::string& what, std::size_t& count) {
         const std::string line = std::string(kind) + ": " + where + ": " + what;
         if (!seen_.insert(line).second) return;
-        print_line(line);
+        report(line);
         ++count;
     }
 
@@ -49,149 +57,100 @@ class Findings {
     std::size_t notes_ = 0;
 };
 
-std::string number_served(const Fact& fact, int value) {
-    return value < 0 && !fact.negative.empty() ? std::string(fact.negative) : std::to_string(value);
+// ---- a text against what is served of it
+
+// Without sign and zeroes that do not change the number; none when it is no decimal number.
+std::optional<std::string> decimal(std::string_view text) {
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    if (text.empty() || text.find_first_not_of("0123456789") != std::string_view::npos) return std::nullopt;
+    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size() - 1));
+    return (negative && text != "0" ? "-" : "") + std::string(text);
 }
 
-std::string fault_of_number(const Fact& fact, std::string_view text) {
-    const std::optional<Number> read = number(text);
-    const std::string served = ": served as " + number_served(fact, read ? read->value : -1);
-    if (!read || !read->has_digits) return excerpt(text) + " is no decimal number" + served;
-    if (read->wrapped) return excerpt(text) + " does not fit 32 bits" + served;
-    if (read->value >= 0 || fact.negative.empty()) return {};
-    return excerpt(text) + " is negative" + served;
-}
-
-std::string fault_of_phy_type(std::string_view text) {
-    const std::optional<Number> read = number(text);
-    const bool is_type = read && read->value >= 0 && read->value <= 3;
-    if (is_type && read->has_digits && !read->wrapped) return {};
-    return excerpt(text) + " is not 0 to 3: served as " + std::to_string(is_type ? read->value : 1);
-}
-
-std::string fault_of_rate(std::string_view text) {
-    const std::optional<Number> read = number(text);
-    if (read && read->has_digits && read->value >= 0) return {};  // too long a one is clipped
-    return excerpt(text) + " is no rate: served as " + std::to_string(served_rate(text)) +
-           ", and as the operational rate set " + std::to_string(operational_rate(text));
-}
-
-std::string fault_of_mac(std::string_view text) {
+bool is_mac(std::string_view text) {
     std::string digits(text);
     std::erase(digits, ':');
-    if (digits.size() == 12 && from_hex(digits)) return {};
-    return excerpt(text) + " is not 12 hexadecimal digits, with or without colons: wrong octets are served";
+    return digits.size() == 12 && from_hex(digits);
 }
 
-std::string fault_of_flag(const Fact& fact, std::string_view text) {
-    const std::string words = ' ' + std::string(fact.off) + ' ';
-    if (text == fact.on || words.find(' ' + std::string(text) + ' ') != std::string::npos) return {};
-    return excerpt(text) + " is read as disabled: only " + quoted(fact.on) + " is enabled";
+bool is_one_of(std::string_view words, std::string_view text) {
+    return (' ' + std::string(words) + ' ').find(' ' + std::string(text) + ' ') != std::string::npos &&
+           text.find(' ') == std::string_view::npos;
 }
 
-// What is wrong with a value that is set; empty when the agent serves it as it stands.
-std::string fault_of(const Fact& fact, std::string_view value) {
-    if (fact.width != 0 && value.size() > fact.width) {
-        return std::to_string(value.size()) + " octets are clipped to " + std::to_string(fact.width);
-    }
-    switch (fact.conversion) {
-        case Conversion::number:
-            return fault_of_number(fact, value);
-        case Conversion::phy_type:
-            return fault_of_phy_type(value);
-        case Conversion::rate_text:
-            return fault_of_rate(value);
-        case Conversion::mac:
-            return fault_of_mac(value);
-        case Conversion::flag:
-            return fault_of_flag(fact, value);
-        case Conversion::country:
-            return value.size() == 2 ? "" : excerpt(value) + " is not two characters: served as ???";
-        case Conversion::text:
-        case Conversion::link:  // followed by the caller
-            break;
-    }
+// What is wrong with a text as such; empty when it has its key's form.
+std::string fault_of_form(const Fact& fact, std::string_view text) {
+    const std::string unit = fact.detail.empty() ? "" : " (" + std::string(fact.detail) + ')';
+    if (fact.form == Form::number && !decimal(text)) return "is no decimal number" + unit;
+    if (fact.form == Form::mac && !is_mac(text)) return "is not 12 hexadecimal digits, with or without colons";
+    if (fact.form == Form::words && !is_one_of(fact.detail, text))
+        return "is none of the words " + std::string(fact.detail);
     return {};
 }
 
-std::string_view table_of(Holder holder) {
-    switch (holder) {
-        case Holder::interface:
-            return "interface";
-        case Holder::bss:
-            return "bss";
-        case Holder::radio:
-        case Holder::own_radio:
-            return "radio";
-        case Holder::rate:
-            return "supported-rate";
-        case Holder::system:
-            break;
+// What has become of a text of the right form in an answer; empty when it says what the text says. Numbers that a
+// column shows in another unit, and the words, are not to be compared.
+std::string fault_of_answer(const Fact& fact, const Instance& instance, std::string_view text) {
+    if (!instance.is_answered()) return {};
+    if (fact.form == Form::number && instance.is_number()) {
+        return decimal(text) == std::to_string(instance.number()) ? "" : "is not served as it is";
     }
-    return singleton_table;
+    if (fact.form == Form::text && !instance.is_number() && !instance.octets.starts_with(text)) {
+        if (!text.starts_with(instance.octets)) return "is not served as it is";
+        return "is clipped from " + std::to_string(text.size()) + " octets to " +
+               std::to_string(instance.octets.size());
+    }
+    return {};
 }
 
 class Lint {
   public:
     Lint(const Contents& contents, const Request& request)
-        : contents_(contents), offline_(request.offline), list_defaults_(request.defaults) {
-        for (const Object& object : contents_)
-            first_.try_emplace({object.table, object.name}, &object);
-    }
+        : contents_(contents),
+          run_(contents, request.offline ? numbers_of_contents(contents) : numbers_of_system()),
+          list_defaults_(request.defaults) {}
 
     Exit run() {
-        const std::vector<std::string> served = interfaces();
-        for (const std::string& name : served)
-            examine_interface(name);
-        examine_rates();
-        for (const Object& object : contents_)
-            examine_keys(object);
+        examine_interfaces();
+        examine_links();
+        for (const Instance& instance : run_.instances())
+            examine_value(instance);
+        tell_faults();
+        tell_defaults();
+        tell_unanswered();
+        const std::vector<Place> all = places(contents_);
+        for (std::size_t i = 0; i < all.size(); ++i)
+            examine_keys(all[i], contents_[i].attributes);
         return findings_.conclude();
     }
 
   private:
-    const Object* find(std::string_view table, std::string_view name) const {
-        const auto entry = first_.find({std::string(table), std::string(name)});
-        return entry == first_.end() ? nullptr : entry->second;
-    }
+    // ---- which interfaces are served
 
-    // Empty, too, when there is no such object or key: the agent treats all three alike.
-    static std::string_view value_of(const Object* object, std::string_view key) {
-        if (object == nullptr) return {};
-        const auto attribute = object->attributes.find(key);
-        return attribute == object->attributes.end() ? std::string_view{} : attribute->second;
-    }
-
-    // Why the agent passes over an interface or a rate of that name; empty when it does not.
-    std::string obstacle(const std::string& name) const {
-        if (name.size() > longest_interface_name) {
-            return "skipped: the name has more than " + std::to_string(longest_interface_name) + " characters";
-        }
-        if (!offline_ && if_nametoindex(name.c_str()) == 0) return "skipped: the system has no such interface";
-        return {};
-    }
-
-    std::vector<std::string> interfaces() {
-        std::vector<std::string> served;
+    void examine_interfaces() {
+        std::set<std::string> seen;
         std::size_t rows = 0;
         for (const Object& object : contents_) {
             if (object.table != "interface" || !is_served(object)) continue;
             ++rows;
-            if (std::ranges::find(served, object.name) == served.end()) {
-                served.push_back(object.name);
-            } else {
+            if (!seen.insert(object.name).second)
                 findings_.warn(place("interface", object.name), "given more than once: every row shows the first one");
-            }
         }
-        judge_count(rows);
-        return served;
+        if (rows == 0) findings_.warn("interface", "none is left to serve: the tables are empty");
+        if (rows > dot11::max_interfaces) {
+            findings_.warn("interface", std::to_string(rows) + " are more than " +
+                                            std::to_string(dot11::max_interfaces) + ": nothing is served at all");
+        }
     }
 
     bool is_served(const Object& object) {
         const std::string where = place("interface", object.name);
-        const std::string_view type = value_of(&object, "type");
-        if (type != served_type) {
-            findings_.note(where, "skipped: its type is " + excerpt(type) + ", not " + quoted(served_type));
+        const auto type = object.attributes.find(run_.chosen_by());
+        if (type == object.attributes.end() || type->second != run_.chosen_value()) {
+            const std::string_view found = type == object.attributes.end() ? std::string_view() : type->second;
+            findings_.note(where, "skipped: its " + run_.chosen_by() + " is " + excerpt("", found) + ", not " +
+                                      quoted(run_.chosen_value()));
             return false;
         }
         const std::string reason = obstacle(object.name);
@@ -199,152 +158,142 @@ class Lint {
         return reason.empty();
     }
 
-    void judge_count(std::size_t rows) {
-        if (rows == 0) findings_.warn("interface", "none is left to serve: the tables are empty");
-        if (rows > most_interfaces) {
-            findings_.warn("interface", std::to_string(rows) + " are more than " + std::to_string(most_interfaces) +
-                                            ": nothing is served at all");
+    // Why the agent passes over an interface of that name; empty when it does not.
+    std::string obstacle(const std::string& name) const {
+        if (name.size() > dot11::longest_interface_name) {
+            return "skipped: the name has more than " + std::to_string(dot11::longest_interface_name) + " characters";
         }
+        const auto number = run_.numbers().find(name);
+        if (number != run_.numbers().end() && number->second == 0) return "skipped: the system has no such interface";
+        return {};
     }
 
-    void examine_interface(const std::string& name) {
-        const Object* interface = find("interface", name);
-        const Object* bss = follow(interface, "bss");
-        const Object* radio = follow(bss, "radio");
-        const Object* own_radio = find("radio", name);
-        if (radio != nullptr && radio != own_radio) warn_of_channel(name, *radio);
-        if (radio != nullptr) warn_of_thresholds(*radio);
-        // In the order of Holder.
-        const Object* const holders[] = {
-            interface, bss, radio, own_radio, find("supported-rate", name), find(singleton_table, "")};
-        const std::string where = place("interface", name);
-        std::size_t defaults = 0;
-        for (const Fact& fact : facts()) {
-            const Object* holder = holders[static_cast<std::size_t>(fact.holder)];
-            if (!value_of(holder, fact.key).empty()) {
-                examine_value(fact, *holder);
-            } else if (++defaults; list_defaults_) {
-                findings_.note(where,
-                               quoted(fact.key) + " is not set, or empty: served as " + std::string(fact.fallback));
-            }
-        }
-        if (defaults > 0 && !list_defaults_) {
-            findings_.note(where,
-                           counted(defaults, "key") + " not set, or empty, and served by default; see --defaults");
-        }
-    }
+    // ---- what is served
 
-    // The object that KEY of FROM names; the key's name is also the table's.
-    const Object* follow(const Object* from, std::string_view key) {
-        const std::string_view name = value_of(from, key);
-        if (name.empty()) return nullptr;
-        const Object* to = find(key, name);
-        if (to == nullptr) {
-            findings_.warn(place(from->table, from->name),
-                           "key " + quoted(key) + " leads nowhere: there is no " + place(key, name));
-        }
-        return to;
-    }
-
-    void examine_value(const Fact& fact, const Object& holder) {
-        const std::string fault = fault_of(fact, value_of(&holder, fact.key));
-        if (!fault.empty()) findings_.warn(place(holder.table, holder.name), "key " + quoted(fact.key) + ": " + fault);
-    }
-
-    void warn_of_channel(const std::string& interface, const Object& radio) {
-        if (value_of(&radio, "channel").empty()) return;
-        findings_.warn(place("radio", radio.name), "its \"channel\" is not that of " + place("interface", interface) +
-                                                       ": that one is looked up in " + place("radio", interface));
-    }
-
-    // The default of the fragmentation threshold goes into the RTS threshold.
-    void warn_of_thresholds(const Object& radio) {
-        if (value_of(&radio, "rts-threshold").empty() || !value_of(&radio, "fragmentation-threshold").empty()) return;
-        findings_.warn(place("radio", radio.name),
-                       "key \"rts-threshold\": without \"fragmentation-threshold\" served as 2346");
-    }
-
-    void examine_rates() {
-        std::vector<std::string> names;
-        std::vector<std::string> rates;
-        for (const Object& object : contents_) {
-            if (object.table != "supported-rate") continue;
-            const std::string where = place(object.table, object.name);
-            const std::string reason = names.size() < most_rate_objects
-                                           ? obstacle(object.name)
-                                           : "skipped: " + std::to_string(most_rate_objects) + " are before it";
-            if (!reason.empty()) {
-                findings_.warn(where, reason);
+    void examine_links() {
+        for (const Question& question : run_.questions()) {
+            if (!question.answer || question.answer->empty()) continue;
+            const Fact* fact = find_fact(question.table, question.key);
+            if (fact == nullptr || fact->form != Form::link || run_.find(question.key, *question.answer) != nullptr)
                 continue;
+            findings_.warn(
+                place(question.table, question.object),
+                "key " + quoted(question.key) + " leads nowhere: there is no " + place(question.key, *question.answer));
+        }
+    }
+
+    void examine_value(const Instance& instance) {
+        const std::optional<std::string_view> text = instance.stored();
+        const Fact* fact = text ? find_fact(instance.key->table, instance.key->name) : nullptr;
+        if (fact == nullptr) return;
+        std::string fault = fault_of_form(*fact, *text);
+        if (fault.empty()) fault = fault_of_answer(*fact, instance, *text);
+        if (fault.empty()) return;
+        const std::string where = place(instance.question->table, instance.question->object);
+        const std::string what = "key " + quoted(fact->key) + ": " + excerpt(fact->key, *text) + ' ' + fault;
+        const bool is_shown = instance.is_answered() && !is_secret(fact->key);
+        std::set<std::string>& columns = faults_[{where, what}][is_shown ? instance.served_text() : ""];
+        if (is_shown) columns.insert(instance.column->name);
+    }
+
+    // One warning for all columns that show a text.
+    void tell_faults() {
+        for (const auto& [fault, answers] : faults_) {
+            std::string served;
+            for (const auto& [value, columns] : answers) {
+                if (!columns.empty())
+                    served += (served.empty() ? ": served as " : ", as ") + value + " (" + joined(columns) + ')';
             }
-            const Object& first = *find(object.table, object.name);  // the others are only counted
-            if (!first.attributes.contains("rate")) {
-                findings_.warn(where, "no \"rate\": what is served of all rates depends on the requests before");
-                rates_are_foreseeable_ = false;
-            }
-            names.push_back(object.name);
-            rates.emplace_back(value_of(&first, "rate"));
-        }
-        describe_groups(rate_groups(names, rates));
-    }
-
-    void describe_groups(const std::vector<RateGroup>& groups) {
-        std::set<std::string> seen;
-        for (const RateGroup& group : groups)
-            describe_group(group, !seen.insert(group.interface).second);
-        if (groups.size() > most_rate_groups) {
-            findings_.warn("supported-rate", std::to_string(groups.size()) + " groups are more than " +
-                                                 std::to_string(most_rate_groups) + ": keep to that many");
+            findings_.warn(fault.first, fault.second + served);
         }
     }
 
-    void describe_group(const RateGroup& group, bool again) {
-        const std::string where = place("supported-rate", group.interface);
-        if (again) findings_.warn(where, "its objects do not follow each other: each run is a group of its own");
-        if (group.size > most_rates) {
-            findings_.warn(where, std::to_string(group.size) + " rates in a row: only " + std::to_string(most_rates) +
-                                      " are served");
+    void tell_defaults() {
+        std::map<std::string, std::size_t> counts;  // by interface
+        for (const Instance& instance : run_.instances()) {
+            if (instance.key == nullptr || instance.stored() || !instance.is_answered()) continue;
+            ++counts[instance.interface];
+            if (!list_defaults_) continue;
+            findings_.note(place("interface", instance.interface),
+                           std::string(instance.column->name) + ": " + quoted(instance.key->name) + " in " +
+                               quoted(instance.key->table) + " is not set, or empty: served as " +
+                               instance.served_text());
         }
-        if (!rates_are_foreseeable_) return;
-        std::string values;
-        for (const int value : group.served)
-            values += (values.empty() ? "" : ", ") + std::to_string(value);
-        const std::string_view rate = value_of(find("supported-rate", group.interface), "rate");
-        findings_.note(where,
-                       counted(group.served.size(), "row") + ", served as " + values +
-                           " (in 500 kbit/s; only the first object's rate is read), and as the operational rate set " +
-                           std::to_string(operational_rate(rate)));
-    }
-
-    void examine_keys(const Object& object) {
-        const auto is_of_table = [&](const Fact& fact) { return table_of(fact.holder) == object.table; };
-        if (std::ranges::none_of(facts(), is_of_table)) {
-            findings_.note(place(object.table, object.name), "the agent reads no such table");
-            return;
-        }
-        for (const auto& [key, value] : object.attributes) {
-            if (is_read(object.table, key)) continue;
-            findings_.note(place(object.table, object.name), "key " + quoted(key) + " is not read by the agent");
+        for (const auto& [interface, count] : counts) {
+            if (list_defaults_) break;
+            findings_.note(place("interface", interface),
+                           counted(count, "value") + " served by default; see --defaults");
         }
     }
 
-    static bool is_read(std::string_view table, std::string_view key) {
-        return std::ranges::any_of(facts(),
-                                   [&](const Fact& fact) { return fact.key == key && table_of(fact.holder) == table; });
+    // Keys that the agent reads without any manager seeing them.
+    void tell_unanswered() {
+        std::set<std::string> answered;
+        for (const Instance& instance : run_.instances()) {
+            if (instance.key != nullptr && instance.is_answered()) answered.insert(instance.key->name);
+        }
+        std::set<std::string> unanswered;
+        for (const Question& question : run_.questions()) {
+            const Fact* fact = find_fact(question.table, question.key);
+            const bool is_link = fact != nullptr && fact->form == Form::link;
+            if (question.answer && !is_link && !answered.contains(question.key)) unanswered.insert(question.key);
+        }
+        if (!unanswered.empty()) findings_.note("agent", "no GET answers what it reads under " + joined(unanswered));
+    }
+
+    // ---- what is not read
+
+    void examine_keys(const Place& where, const Attributes& attributes) {
+        std::size_t read = 0;
+        for (const auto& [key, value] : attributes) {
+            const std::string error = typing_error(where.table, key);
+            if (!error.empty()) findings_.warn(described(where), error);
+            if (is_asked(where, key)) ++read;
+        }
+        if (attributes.empty() && !is_known_table(where.table))
+            findings_.warn(described(where), typing_error(where.table, ""));
+        if (read == 0) return tell_unread(where, attributes);
+        for (const auto& [key, value] : attributes) {
+            if (find_fact(where.table, key) == nullptr || is_asked(where, key) || key == run_.chosen_by()) continue;
+            findings_.warn(described(where), "key " + quoted(key) + " is not read here" + read_elsewhere(where, key));
+        }
+    }
+
+    bool is_asked(const Place& where, const std::string& key) const {
+        return where.nth == 1 && std::ranges::any_of(run_.questions(), [&](const Question& question) {
+                   return question.table == where.table && question.object == where.name && question.key == key;
+               });
+    }
+
+    // Interfaces have had their say, and of rates the agent counts the further ones.
+    void tell_unread(const Place& where, const Attributes& attributes) {
+        if (where.table == "interface" || attributes.empty() || !is_known_table(where.table)) return;
+        if (where.nth > 1 && where.table != "supported-rate")
+            findings_.warn(described(where), "the agent reads only the first one of a name");
+        if (where.nth == 1) findings_.note(described(where), "no interface that is served leads to it");
+    }
+
+    // Where the same key was asked for instead.
+    std::string read_elsewhere(const Place& where, const std::string& key) const {
+        for (const Question& question : run_.questions()) {
+            if (question.table == where.table && question.key == key)
+                return ": it is looked up in " + place(question.table, question.object);
+        }
+        return "";
     }
 
     const Contents& contents_;
-    bool offline_;
+    AgentRun run_;
     bool list_defaults_;
-    bool rates_are_foreseeable_ = true;
-    std::map<std::pair<std::string, std::string>, const Object*> first_;  // by table and name
+    // By place and fault: the values that are served, and the columns that serve them.
+    std::map<std::pair<std::string, std::string>, std::map<std::string, std::set<std::string>>> faults_;
     Findings findings_;
 };
 
 }  // namespace
 
 Exit lint(const Request& request) {
-    Store store(request.store, Access::read);
+    Store store(request.store, Access::recover);
     const Reading reading = store.read();
     complain_of_damage(store, reading);
     const Exit verdict = Lint(reading.contents, request).run();

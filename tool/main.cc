@@ -110,6 +110,10 @@ void add_reveal(CLI::App& command, Request& request) {
     command.add_flag("--reveal", request.reveal, "Show secrets on a terminal, too");
 }
 
+void add_offline(CLI::App& command, Request& request) {
+    command.add_flag("--offline", request.offline, "Take it that the system has every interface of the store");
+}
+
 struct Command {
     const char* name;
     const char* description;
@@ -181,13 +185,24 @@ const Command commands[] = {
      [](CLI::App& command, Words&, Request& request) {
          command.add_option("--output", request.file, "Write to FILE, which only you may read, all of it or nothing")
              ->type_name("FILE");
+         command.add_flag("--salvage", request.salvage,
+                          "Of a damaged store, too: print what can be read, and say what cannot");
          add_reveal(command, request);
      },
      complete_nothing, export_contents},
     {"check", "Examine the file: structure, indexes, checksums", declare_nothing, complete_nothing, check},
+    {"preview", "Print what the agent would serve: column, interface, value, where it is from, key, stored text",
+     [](CLI::App& command, Words& words, Request& request) {
+         add_words(command, words, {{"INTERFACE", "The interface; without it, all of them"}});
+         command.add_flag("--json", request.json, "Print JSON");
+         command.add_flag("--complete", request.complete, "Of an agent with the option \"dot11Answers complete\"");
+         add_offline(command, request);
+         command.add_flag("--reveal", request.reveal, "Show secrets");
+     },
+     [](const CLI::App&, const Words& words, Request& request) { request.object = words.text[0]; }, preview},
     {"lint", "Tell what the agent will do with the contents",
      [](CLI::App& command, Words&, Request& request) {
-         command.add_flag("--offline", request.offline, "Take it that the system has every interface");
+         add_offline(command, request);
          command.add_flag("--defaults", request.defaults, "Name every value that is served by default");
      },
      complete_nothing, lint},

@@ -25,7 +25,8 @@ const char* remedy(Status status) {
         case Status::wrong_version:
             return "use the cfql that belongs to it";
         case Status::damaged:
-            return "move the file away, make a new one with \"cfql init\", and import your last export";
+            return "\"cfql check\" tells where; save what is left with \"cfql export --salvage --output FILE\", move "
+                   "the store away, \"cfql init\", and import that or your last export";
         case Status::denied:
             return is_root ? "see the modes of the file and of its directory"
                            : "ask root to put you into the group \"cfql\", whose members read the store";
@@ -53,16 +54,32 @@ const char* remedy(Status status) {
     }
 }
 
+// The engine's words, without the heading that some have.
+std::string last_line(std::string_view text) {
+    return std::string(text.substr(text.rfind('\n') + 1));
+}
+
+Place place_of(const Row& row) {
+    return {std::string(row.table), std::string(row.object), 1};
+}
+
 std::string damage_of(const Row& row) {
     if (!row.object_sound)
-        return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong";
-    return described({std::string(row.table), std::string(row.object), 1}) + ": key " + quoted(row.key) +
-           ": checksum is wrong";
+        return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong; left out";
+    return described(place_of(row)) + ": key " + quoted(row.key) + ": checksum is wrong; left out";
 }
+
+}  // namespace
 
 class Collector {
   public:
+    Collector() = default;
+    explicit Collector(const std::string& fault) {
+        if (!fault.empty()) reading_.damage.push_back(fault);
+    }
+
     void add(const Row& row) {
+        if (losing_) tell_loss(row.object_sound ? described(place_of(row)) : "the next object");
         if (!row.object_sound) {
             if (row.id != unsound_) reading_.damage.push_back(damage_of(row));
             unsound_ = row.id;
@@ -81,15 +98,28 @@ class Collector {
         reading_.contents.back().attributes.emplace(row.key, row.value);
     }
 
-    Reading take() { return std::move(reading_); }
+    // What comes next could not be read.
+    void lose() { losing_ = true; }
+
+    Reading take() {
+        if (losing_) tell_loss("the end");
+        return std::move(reading_);
+    }
 
   private:
+    void tell_loss(const std::string& next) {
+        const Contents& contents = reading_.contents;
+        const std::string last =
+            contents.empty() ? "the beginning" : described({contents.back().table, contents.back().name, 1});
+        reading_.damage.push_back("between " + last + " and " + next + ": some or all values cannot be read; left out");
+        losing_ = false;
+    }
+
+    bool losing_ = false;
     Reading reading_;
     std::int64_t current_ = -1;
     std::int64_t unsound_ = -1;
 };
-
-}  // namespace
 
 void fail(const std::string& path, Status status, std::string_view detail) {
     std::string message = path + ": " + describe(status);
@@ -99,7 +129,7 @@ void fail(const std::string& path, Status status, std::string_view detail) {
 
 void complain_of_damage(const Store& store, const Reading& reading) {
     for (const std::string& line : reading.damage)
-        complain(store.path() + ": " + line + "; left out");
+        complain(store.path() + ": " + line);
 }
 
 std::string described(const Place& place) {
@@ -110,13 +140,21 @@ std::string described(const Place& place) {
 }
 
 Store::Store(std::string path, Access access) : path_(std::move(path)) {
-    require(database_.open(path_.c_str(), access));
+    const Status status = database_.open(path_.c_str(), access);
+    if (status != Status::damaged || access != Access::salvage) {
+        require(status);
+        return;
+    }
+    opening_fault_ = last_line(database_.detail());
+    copy_ = std::make_unique<PaddedCopy>(path_);
+    if (copy_->path().empty() || database_.open(copy_->path().c_str(), access) != Status::ok)
+        fail(path_, Status::damaged, opening_fault_);
 }
 
 void Store::require(Status status) const {
     if (status == Status::ok) return;
-    const bool engine_failed = status == Status::io_error || status == Status::damaged;
-    fail(path_, status, engine_failed ? database_.detail() : "");
+    const bool has_place = status == Status::io_error || status == Status::damaged;
+    fail(path_, status, has_place ? last_line(database_.detail()) : "");
 }
 
 Reading Store::read(std::string_view table) {
@@ -129,6 +167,39 @@ Reading Store::read(std::string_view table) {
         collector.add(row);
     if (status != Status::end) require(status);
     return collector.take();
+}
+
+// Goes on behind what cannot be read, an id further each time. After many failures the steps grow, so that neither a
+// wide gap between two ids nor a file full of damage takes long.
+Reading Store::salvage() {
+    constexpr int patience = 64;
+    Collector collector(opening_fault_);
+    std::int64_t last = 0;
+    for (int failures = 0; failures < 40 * patience; ++failures) {
+        const std::int64_t before = last;
+        const Status status = collect(collector, last);
+        if (status == Status::end) break;
+        if (status != Status::damaged) require(status);
+        collector.lose();
+        if (last != before) {
+            failures = 0;
+        } else {
+            last += std::int64_t{1} << (failures / patience);
+        }
+    }
+    return collector.take();
+}
+
+// Everything behind the object LAST, which becomes the last one that was read.
+Status Store::collect(Collector& collector, std::int64_t& last) {
+    Cursor cursor;
+    Row row;
+    Status status = database_.list(cursor, {}, last);
+    while (status == Status::ok && (status = cursor.next(row)) == Status::ok) {
+        collector.add(row);
+        last = row.id;
+    }
+    return status;
 }
 
 std::optional<std::int64_t> Store::find(const std::string& table, const std::string& object, std::size_t nth) {

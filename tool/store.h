@@ -3,6 +3,7 @@
 #define CFQL_TOOL_STORE_H
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,15 +11,17 @@
 
 #include "contents.h"
 #include "database.h"
+#include "salvage.h"
 
 namespace cfql::tool {
 
 struct Reading {
     Contents contents;
-    std::vector<std::int64_t> ids;  // of the objects, in the same order
-    std::vector<std::string>
-        damage;  // one line for each object or value that is left out because its checksum is wrong
+    std::vector<std::int64_t> ids;    // of the objects, in the same order
+    std::vector<std::string> damage;  // one line for each object or value that is left out because it is damaged
 };
+
+class Collector;
 
 class Store {
   public:
@@ -30,14 +33,24 @@ class Store {
     // Everything, or one table, in one consistent state.
     Reading read(std::string_view table = {});
 
+    // Everything that a damaged store still gives, when it is open for Access::salvage.
+    Reading salvage();
+
     // The id of the NTH object of that name, counted from 1 in order of insertion.
     std::optional<std::int64_t> find(const std::string& table, const std::string& object, std::size_t nth);
+
+    // What kept the store itself from being opened, so that a copy is salvaged; empty when it could be.
+    const std::string& opening_fault() const { return opening_fault_; }
 
     Database& database() { return database_; }
     const std::string& path() const { return path_; }
 
   private:
+    Status collect(Collector& collector, std::int64_t& last);
+
     std::string path_;
+    std::string opening_fault_;
+    std::unique_ptr<PaddedCopy> copy_;
     Database database_;
 };
 

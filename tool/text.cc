@@ -86,6 +86,11 @@ char32_t Character::number() const {
     return number;
 }
 
+std::string Character::number_in_hex() const {
+    const char pair[] = {static_cast<char>(number() >> 8), static_cast<char>(number())};
+    return to_hex({pair, sizeof pair});
+}
+
 bool Character::is_control() const {
     const char32_t code = number();
     return well_formed && std::ranges::any_of(controls, [code](const auto& range) {

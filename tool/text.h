@@ -16,6 +16,8 @@ struct Character {
 
     char32_t number() const;  // the code point of a well-formed one
 
+    std::string number_in_hex() const;  // four digits; of a control
+
     // For a terminal to obey instead of showing it: a control character (C0, DEL, C1), a mark of the direction of
     // writing, a separator of lines.
     bool is_control() const;

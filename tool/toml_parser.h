@@ -7,7 +7,7 @@
 #undef NDEBUG
 #define TOML_ASSERT(expression) static_cast<void>(0)
 #define TOML_HEADER_ONLY 1
-#define TOML_ENABLE_FORMATTERS 0
+#define TOML_ENABLE_FORMATTERS 1
 #include <toml++/impl/preprocessor.h>
 
 // Its classification of characters takes a place for unreachable that letters such as U+00E9 do reach when they stand

@@ -22,9 +22,7 @@ std::string basic(const Character& character) {
     if (octets == "\n") return "\\n";
     if (octets == "\t") return "\\t";
     if (!character.is_control()) return octets;
-    const char32_t number = character.number();
-    const char pair[] = {static_cast<char>(number >> 8), static_cast<char>(number)};
-    return "\\u" + to_hex({pair, sizeof pair});
+    return "\\u" + character.number_in_hex();
 }
 
 std::string basic_string(std::string_view text) {

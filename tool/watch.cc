@@ -75,7 +75,11 @@ class Watched {
     explicit Watched(std::string path) : path_(std::move(path)) {}
 
     // Whether there may be something new to read.
-    bool changed() { return watch_.check(path_.c_str()) == Watch::Finding::changed; }
+    bool changed() {
+        const Watch::Finding found = watch_.check(path_.c_str());
+        if (found == Watch::Finding::absent) fail(path_, Status::absent, "");
+        return found == Watch::Finding::changed;
+    }
 
     Reading read() {
         Store store(path_, Access::recover);
@@ -89,21 +93,46 @@ class Watched {
     Watch watch_;
 };
 
+// The states of the store, one after the other. One that is away, locked or damaged for the moment is waited for.
+class Vigil {
+  public:
+    explicit Vigil(const Request& request) : store_(request.store), differences_(request.reveal) {
+        store_.changed();
+        last_ = store_.read();
+    }
+
+    void check() {
+        try {
+            if (store_.changed()) print(store_.read());
+            if (!trouble_.empty()) complain("watching on");
+            trouble_.clear();
+        } catch (const Failure& failure) {
+            if (failure.exit() != Exit::store) throw;
+            if (trouble_ != failure.what()) complain(failure.what());
+            trouble_ = failure.what();
+        }
+    }
+
+  private:
+    void print(Reading now) {
+        differences_.print(last_.contents, now.contents);
+        flush_output();
+        last_ = std::move(now);
+    }
+
+    Watched store_;
+    Differences differences_;
+    Reading last_;
+    std::string trouble_;  // as it was told last
+};
+
 }  // namespace
 
 Exit watch(const Request& request) {
-    Watched store(request.store);
-    store.changed();
-    Reading last = store.read();
+    Vigil vigil(request);
     complain("watching " + request.store + "; end with Ctrl-C");
-    const Differences differences(request.reveal);
     for (;;) {
-        if (store.changed()) {
-            Reading now = store.read();
-            differences.print(last.contents, now.contents);
-            flush_output();
-            last = std::move(now);
-        }
+        vigil.check();
         std::this_thread::sleep_for(interval);
     }
 }

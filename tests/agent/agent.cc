@@ -341,9 +341,13 @@ void Agent::configure(const std::string& arguments, const std::string& store) co
         "/cfql.log");
 }
 
+std::string Agent::printed(const std::string& arguments) const {
+    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db " + arguments + " >" + folder_ + "/printed");
+    return read_file(folder_ + "/printed");
+}
+
 std::string Agent::exported() const {
-    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db export >" + folder_ + "/exported.toml");
-    return read_file(folder_ + "/exported.toml");
+    return printed("export");
 }
 
 Response Agent::send(netsnmp_pdu* pdu) {

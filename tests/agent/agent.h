@@ -108,7 +108,8 @@ class Agent {
     // Runs the store's tool on the agent's store, or on another in its folder: configure("set interface wlan0 ssid
     // lobby").
     void configure(const std::string& arguments, const std::string& store = "store.db") const;
-    std::string exported() const;  // the store's content
+    std::string printed(const std::string& arguments) const;  // by the tool, of the agent's store
+    std::string exported() const;                             // the store's content
 
     const std::string& folder() const { return folder_; }  // with its store, "store.db"
     void replace_module() const;                           // by a file of its own with the same content

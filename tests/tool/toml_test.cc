@@ -196,6 +196,7 @@ TEST(Printable, EscapesWhatATerminalObeys) {
         {"\n\t\r\x01\x1b\x7f", R"(\n\t\r\x01\x1b\x7f)"},
         {"\xc2\x80\xc2\x9f\xc2\xa0", "\\xc2\\x80\\xc2\\x9f\xc2\xa0"},
         {"\xff\xc3(", R"(\xff\xc3()"},
+        // NOLINTNEXTLINE(misc-misleading-bidirectional)
         {"\xd8\x9c\xe2\x80\x8e\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6",
          R"(\xd8\x9c\xe2\x80\x8e\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6)"},  // marks of direction and of lines
         {"\xe2\x80\x8d\xe2\x80\xa7\xe2\x80\xaf\xe2\x81\xa5\xe2\x81\xaa",
@@ -245,6 +246,7 @@ TEST(ToToml, Writes) {
         {"\xc3\xa9", "\"\xc3\xa9\""},
         {"\xc2\x9b", R"("\u009b")"},
         {"\xc2\xa0", "\"\xc2\xa0\""},
+        // NOLINTNEXTLINE(misc-misleading-bidirectional)
         {"\xe2\x80\xae", R"("\u202e")"},  // turns the direction of writing
         {"\xc3\x28", R"({ hex = "c328" })"},
         {"\xed\xa0\x80", R"({ hex = "eda080" })"},        // a surrogate

@@ -32,7 +32,7 @@ class Tool : public testing::Test {
     // The same with a terminal as standard output.
     Outcome run_on_terminal(const Words& words) const;
 
-    // run(), which must answer 0 and say nothing on standard error; its output.
+    // run(), which must answer 0 and say nothing but notes on standard error; its output.
     std::string done(const Words& words, const Setting& setting = {}) const;
 
     std::string write(const std::string& name, const std::string& text) const;  // the path of the new file
