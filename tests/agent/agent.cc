@@ -84,7 +84,7 @@ netsnmp_session* open_session() {
     session.peername = const_cast<char*>(address);
     session.community = reinterpret_cast<u_char*>(const_cast<char*>(community));
     session.community_len = strlen(community);
-    session.timeout = 20'000'000;  // microseconds; without trying again, so that each request is made once
+    session.timeout = 200'000'000;  // microseconds; without trying again, so that each request is made once
     session.retries = 0;
     return snmp_open(&session);
 }
@@ -139,6 +139,10 @@ std::string shown(const netsnmp_variable_list& varbind) {
     if (varbind.type == ASN_OCTET_STR)
         return shown_octets({reinterpret_cast<const char*>(varbind.val.string), varbind.val_len});
     return "type " + std::to_string(varbind.type);
+}
+
+void PrintTo(Role role, std::ostream* out) {
+    *out << (role == Role::agent ? "agent" : "subagent");
 }
 
 void PrintTo(const Varbind& varbind, std::ostream* out) {
@@ -230,7 +234,7 @@ bool Daemon::wait_for(const std::string& line, size_t times, std::chrono::second
 Daemon::~Daemon() {
     int status = 0;
     bool ended = false;
-    for (int second = 0; second < 30 && !ended; ++second) {
+    for (int second = 0; second < 300 && !ended; ++second) {
         kill(pid_, SIGTERM);
         ended = wait_until([&] { return waitpid(pid_, &status, WNOHANG) == pid_; }, std::chrono::seconds(1));
     }
@@ -328,7 +332,7 @@ void Agent::restart_master() {
 bool Agent::reload(size_t lines) {
     constexpr char last_refusal[] = "and dot11RegDomainsSupportedTable";
     const size_t before = occurrences(daemon_->log(), last_refusal);
-    for (int second = 0; second < 30; ++second) {
+    for (int second = 0; second < 300; ++second) {
         kill(daemon_->pid(), SIGHUP);
         get({"1"});
         if (daemon_->wait_for(last_refusal, before + lines, std::chrono::seconds(1))) return true;

@@ -60,6 +60,7 @@ struct Repeated {
 
 // How the module meets the manager: in the agent that is asked, or in a subagent behind it (AgentX, RFC 2741).
 enum class Role { agent, subagent };
+void PrintTo(Role role, std::ostream* out);
 
 // A running snmpd.
 class Daemon {
@@ -74,7 +75,7 @@ class Daemon {
     pid_t pid() const { return pid_; }
     std::string log() const;
     bool wait_for(const std::string& line, size_t times = 1,
-                  std::chrono::seconds most = std::chrono::seconds(30)) const;  // in the log; false after `most`
+                  std::chrono::seconds most = std::chrono::minutes(5)) const;  // in the log; false after `most`
 
   private:
     void run() const;
@@ -140,7 +141,7 @@ void remove_interface(const std::string& name);
 int long_bits_of_agent();  // the size of a long where the agent runs: 32 or 64
 
 // Waits until the condition holds, for at most that long, and ten times as long under valgrind. False when it does not.
-bool wait_until(const std::function<bool()>& condition, std::chrono::seconds most = std::chrono::seconds(30));
+bool wait_until(const std::function<bool()>& condition, std::chrono::seconds most = std::chrono::minutes(5));
 
 // The path of the built module. The agent loads a copy.
 std::string built_module();

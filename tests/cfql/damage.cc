@@ -188,7 +188,7 @@ class Damager {
     int read_after(const char* suffix, const Bytes& damaged) {
         save(path_ + suffix, damaged);
         return in_child([this] {
-            alarm(20);
+            alarm(200);
             const int result = read_all();
             if (result != 0 || !interrupted_) return result;
             // What an interrupted write left is undone by whoever may write.
@@ -202,7 +202,7 @@ class Damager {
         fs::remove(path_ + "-journal");
         save(path_, images_.store);
         const SteppedChild child([](auto stop) {
-            alarm(20);
+            alarm(200);
             if (read_all() != 0 || !get("interface", "wlan0", "key-0")) return 10;
             if (!stop()) return 11;
             return read_all();

@@ -182,7 +182,7 @@ TEST_F(Failure, AFileOfAnotherKindIsNoStore) {
         fact.make_it(place.path());
         // In a child, for the pause after a failure is the process's.
         EXPECT_EQ(in_child([] {
-                      alarm(10);
+                      alarm(100);
                       if (ssid() || !grid("interface").empty()) return 1;
                       return set("interface", "wlan0", "ssid", "x") == 0 ? 0 : 2;
                   }),
@@ -261,7 +261,7 @@ TEST_F(Failure, WhatLiesBesideAStoreIsNotTouched) {
         fs::remove_all(place.path() + "-journal");
         fact.make_it(place.path() + fact.suffix);
         EXPECT_EQ(in_child([&] {
-                      alarm(10);
+                      alarm(100);
                       using cfql::Access;
                       if (ssid() || set("interface", "wlan0", "ssid", "x") == 1) return 1;
                       for (const Access access : {Access::read, Access::recover, Access::salvage, Access::write}) {

@@ -108,7 +108,7 @@ inline Pairs grid(const char* table, const cfqlquery_node* filter = nullptr, int
 }
 
 template <class Condition>
-bool eventually(Condition condition, std::chrono::milliseconds bound = std::chrono::seconds(20)) {
+bool eventually(Condition condition, std::chrono::seconds bound = std::chrono::minutes(5)) {
     const auto end = std::chrono::steady_clock::now() + bound;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;

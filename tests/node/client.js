@@ -7,7 +7,7 @@ const snmp = require('net-snmp');
 
 const [address, port, community] = process.argv.slice(2);
 const session = snmp.createSession(address, community, {
-  port: Number(port), version: snmp.Version2c, timeout: 20000, retries: 0,
+  port: Number(port), version: snmp.Version2c, timeout: 200000, retries: 0,
 });
 
 const exceptions = {

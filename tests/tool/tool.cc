@@ -164,7 +164,7 @@ Background::~Background() {
 }
 
 std::string Background::wait_for(const std::string& text) {
-    constexpr int patience_ms = 20'000;
+    constexpr int patience_ms = 200'000;
     for (;;) {
         const std::size_t found = said_.find(text);
         if (found != std::string::npos) {

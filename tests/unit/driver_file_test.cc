@@ -22,7 +22,7 @@ class DriverFile : public testing::Test {
     DriverFile() {
         char name[] = "/tmp/driver_file.XXXXXX";
         folder_ = mkdtemp(name);
-        alarm(20);  // an endless read ends the test
+        alarm(200);  // an endless read ends the test
     }
     ~DriverFile() override {
         alarm(0);
