@@ -26,8 +26,9 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
 endif()
 
 if(DOT11_SANITIZE)
-  # The vptr check needs the C++ runtime, which the module and the library do without.
+  # Checks of types need the C++ runtime, which the module and the library do without.
   add_compile_options(-fsanitize=${DOT11_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options($<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
   add_link_options(-fsanitize=${DOT11_SANITIZE})
 endif()
 
