@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "columns.h"
+
 // Interface i of a test, i < 256: its name, "w0" and so on, and its index in the system. In a full configuration i is
 // the last octet of its MAC address.
 std::string interface_name(unsigned i);
@@ -15,3 +17,6 @@ void add_interfaces(unsigned count);
 // one each has a bss, whose radio is not the one of the interface's name: that has the channel alone.
 std::string full_configuration(unsigned count);
 std::string empty_configuration(unsigned count);
+
+// What a GET of a column's row of interface i is answered in a full configuration.
+std::string example_answer(const ColumnFact& column, size_t row, unsigned i);

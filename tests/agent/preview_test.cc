@@ -10,21 +10,17 @@
 #include <sstream>
 
 #include "agent.h"
+#include "columns.h"
 #include "network.h"
-#include "surface.h"
 
 namespace {
 
 using Answers = std::map<std::string, std::string>;  // by OID, dotted and below 1.2.840.10036
 
-std::string below_root(const std::string& oid) {
-    return oid.substr(sizeof "1.2.840.10036." - 1);
-}
-
 std::map<std::string, std::string> oids_of_columns() {
     std::map<std::string, std::string> oids;
-    for (const SurfaceColumn& column : read_surface())
-        oids[column.name] = below_root(column.oid);
+    for (const ColumnFact& column : column_facts())
+        oids[column.name] = column.oid;
     return oids;
 }
 
@@ -82,8 +78,8 @@ Answers previewed(const Agent& agent, const std::string& options, const std::vec
 // Tables of two indexes, of which the second is 1 to 8.
 constexpr const char* of_two_indexes[] = {"1.2.", "1.3.", "1.4.", "2.3.", "4.7.", "4.9.", "4.10."};
 
-std::vector<std::string> instances_of(const SurfaceColumn& column, unsigned interface) {
-    const std::string first = below_root(column.oid) + '.' + std::to_string(interface);
+std::vector<std::string> instances_of(const ColumnFact& column, unsigned interface) {
+    const std::string first = column.oid + '.' + std::to_string(interface);
     const bool has_two =
         std::ranges::any_of(of_two_indexes, [&](const char* table) { return first.starts_with(table); });
     if (!has_two) return {first};
@@ -96,7 +92,7 @@ std::vector<std::string> instances_of(const SurfaceColumn& column, unsigned inte
 // Each instance with a GET of its own: one that a column leaves without answer keeps others of its PDU from theirs.
 Answers answered(Agent& agent, const std::vector<unsigned>& interfaces) {
     Answers answers;
-    for (const SurfaceColumn& column : read_surface()) {
+    for (const ColumnFact& column : column_facts()) {
         for (const unsigned interface : interfaces) {
             for (const std::string& oid : instances_of(column, interface)) {
                 const Response response = agent.get({oid});

@@ -9,13 +9,12 @@
 #include <sstream>
 
 #include "agent.h"
+#include "columns.h"
 #include "network.h"
-#include "surface.h"
 
 namespace {
 
 constexpr unsigned interfaces = 3;
-constexpr char subtree[] = "1.2.840.10036.";
 
 enum class Kind { text, mac, number };
 
@@ -49,8 +48,6 @@ constexpr Mark marks[] = {
     {"wep-undecryptable-count", Kind::number, "2.2.1.14"},
     {"number-of-nothing", Kind::number, nullptr},
 };
-
-const std::vector<SurfaceColumn> surface = read_surface();
 
 constexpr unsigned first_octet = 0x80, octets_each = 24;  // of an interface
 constexpr int64_t first_number = 1'000'000;               // of interface 0, and so on
@@ -115,8 +112,8 @@ struct Cell {
 };
 
 std::optional<Cell> cell_of(const std::string& oid) {
-    for (const SurfaceColumn& column : surface) {
-        const std::string prefix = column.oid.substr(sizeof subtree - 1) + ".";
+    for (const ColumnFact& column : column_facts()) {
+        const std::string prefix = column.oid + ".";
         if (!oid.starts_with(prefix)) continue;
         Cell cell = {prefix.substr(0, prefix.size() - 1), 0, 0};
         unsigned index = 0;
@@ -180,8 +177,8 @@ class Secrets : public testing::TestWithParam<Role> {
 
     static std::vector<std::string> columns() {
         std::vector<std::string> oids;
-        for (const SurfaceColumn& column : surface)
-            oids.push_back(column.oid.substr(sizeof subtree - 1));
+        for (const ColumnFact& column : column_facts())
+            oids.push_back(column.oid);
         return oids;
     }
 

@@ -5,83 +5,54 @@
 #include <set>
 
 #include "agent.h"
+#include "columns.h"
 #include "network.h"
-#include "surface.h"
 
 namespace {
 
 constexpr int no_error = 0, generic_error = 5, wrong_type = 7, wrong_value = 10, no_creation = 11,
               inconsistent_value = 12, undo_failed = 15, not_writable = 17;
-constexpr long largest = 2147483647;
-
-// Columns of tables without data behind them accept; the others refuse where the value would be stored.
-constexpr int accepted = no_error, refused = not_writable;
-
-constexpr char subtree[] = "1.2.840.10036.";
-
-// A writable column, the values that its check accepts, and what an accepted one is answered.
-struct Writable {
-    enum Rule { range, one_of, octets, any };
-
-    const char* column;  // below 1.2.840.10036
-    const char* row;     // one that is there, where the table has any
-    int answer;
-    Rule rule;
-    long lowest, highest;  // numbers, or the count of octets
-};
-using enum Writable::Rule;
-
 // Row-status columns have facts of their own.
-constexpr Writable columns[] = {
-    {"1.1.1.1", ".11", refused, octets, 6, 6},
-    {"1.1.1.2", ".11", refused, range, 0, 1000},
-    {"1.1.1.4", ".11", refused, range, 0, 255},
-    {"1.1.1.5", ".11", refused, range, 0, 65535},
-    {"1.1.1.6", ".11", refused, range, 1, largest},
-    {"1.1.1.8", ".11", refused, one_of, 1, 2},
-    {"1.1.1.9", ".11", refused, octets, 0, 32},
-    {"1.1.1.10", ".11", refused, one_of, 1, 3},
-    {"1.1.1.11", ".11", no_error, octets, 1, 126},  // dropped
-    {"1.1.1.12", ".11", refused, range, 1, 65535},
-    {"1.1.1.13", ".11", refused, range, 1, 255},
-    {"1.1.1.14", ".11", refused, range, 1, largest},
-    {"1.2.1.3", ".11.1", refused, one_of, 1, 2},
-    {"1.3.1.2", ".11.4", refused, octets, 5, 5},
-    {"1.4.1.2", ".11.1", accepted, octets, 6, 6},
-    {"1.4.1.3", ".11.1", accepted, one_of, 1, 2},
-    {"1.4.1.4", ".11.1", accepted, octets, 5, 5},
-    {"1.5.1.1", ".11", refused, one_of, 1, 2},
-    {"1.5.1.2", ".11", refused, range, 0, 3},
-    {"1.5.1.3", ".11", refused, range, 10, largest},
-    {"1.5.1.4", ".11", refused, one_of, 1, 2},
-    {"2.1.1.2", ".11", refused, range, 0, 2347},
-    {"2.1.1.3", ".11", refused, range, 1, 255},
-    {"2.1.1.4", ".11", refused, range, 1, 255},
-    {"2.1.1.5", ".11", refused, range, 256, 2346},
-    {"2.1.1.6", ".11", refused, range, 1, largest},
-    {"2.1.1.7", ".11", refused, range, 1, largest},
-    {"2.3.1.2", ".11.1", accepted, octets, 6, 6},
-    {"4.1.1.2", ".11", refused, any, -largest - 1, largest},
-    {"4.3.1.10", ".11", refused, range, 1, 8},
-    {"4.5.1.1", ".11", refused, range, 1, 14},
-    {"4.5.1.3", ".11", refused, one_of, 1, 2},  // and 4
-    {"4.5.1.4", ".11", refused, any, -largest - 1, largest},
-    {"4.14.1.2", ".11", accepted, one_of, 1, 2},
-    {"4.14.1.4", ".11", accepted, one_of, 1, 2},
-    {"4.14.1.5", ".11", accepted, one_of, 1, 2},
-    {"4.14.1.6", ".11", accepted, one_of, 1, 2},
-};
+std::vector<ColumnFact> columns_of(bool row_status) {
+    std::vector<ColumnFact> columns;
+    for (const ColumnFact& column : column_facts())
+        if (column.is_writable() && (column.check.kind == CheckFact::row_status) == row_status)
+            columns.push_back(column);
+    return columns;
+}
+const std::vector<ColumnFact> columns = columns_of(false), row_status_columns = columns_of(true);
 
-const char* const row_status_columns[] = {"1.4.1.5", "2.3.1.3"};
-
-// A row that the column's table does not have.
-std::string missing_row(const std::string& row) {
-    return ".99" + row.substr(3);
+int answer_of(const ColumnFact& column) {
+    return column.set == "refused" ? not_writable : no_error;
 }
 
-Value value_of(const Writable& column, long size_or_number) {
-    return column.rule == octets ? Value::string(std::string(static_cast<size_t>(size_or_number), 'x'))
-                                 : Value::integer(size_or_number);
+// A cell of the interface 11, or of another row than its table has.
+std::string cell(const ColumnFact& column, const std::string& interface = ".11") {
+    return column.oid + interface + column.rows.back();
+}
+
+std::set<int64_t> accepted_numbers(const CheckFact& check) {
+    return check.kind == CheckFact::one_of ? check.members : std::set<int64_t>{check.lowest, check.highest};
+}
+
+std::set<int64_t> refused_numbers(const CheckFact& check) {
+    std::set<int64_t> numbers = {check.lowest - 1, check.highest + 1};
+    if (check.kind == CheckFact::octets) {
+        numbers.erase(-1);
+        return numbers;
+    }
+    numbers.insert({-1, 3, 32, 33, INT32_MIN, INT32_MAX});
+    std::erase_if(numbers, [&](int64_t number) {
+        const bool is_member = check.kind == CheckFact::one_of ? check.members.contains(number)
+                                                               : number >= check.lowest && number <= check.highest;
+        return is_member || number != static_cast<int32_t>(number);
+    });
+    return numbers;
+}
+
+Value value_of(const ColumnFact& column, int64_t size_or_number) {
+    return column.check.kind == CheckFact::octets ? Value::string(std::string(static_cast<size_t>(size_or_number), 'x'))
+                                                  : Value::integer(size_or_number);
 }
 
 class Set : public testing::Test {
@@ -102,87 +73,55 @@ class Set : public testing::Test {
     std::string before;
 };
 
-TEST_F(Set, AllWritableColumnsHaveFacts) {
-    std::set<std::string> tested(std::begin(row_status_columns), std::end(row_status_columns));
-    for (const Writable& column : columns)
-        tested.insert(column.column);
-    std::set<std::string> writable;
-    for (const SurfaceColumn& column : read_surface())
-        if (column.is_writable()) writable.insert(column.oid.substr(sizeof subtree - 1));
-    EXPECT_EQ(tested, writable);
-}
-
 TEST_F(Set, ValuesUpToTheBoundsPassTheCheck) {
-    for (const Writable& column : columns)
-        for (const long value : {column.lowest, column.highest})
-            EXPECT_EQ(status(column.column + std::string(column.row), value_of(column, value)), column.answer)
-                << column.column << " " << value;
-    for (const long mode : {1, 2, 4})
-        EXPECT_EQ(status("4.5.1.3.11", Value::integer(mode)), refused);
+    for (const ColumnFact& column : columns)
+        for (const int64_t value : accepted_numbers(column.check))
+            EXPECT_EQ(status(cell(column), value_of(column, value)), answer_of(column)) << column.name << " " << value;
 }
 
 TEST_F(Set, ValuesPastTheBoundsDoNot) {
-    for (const Writable& column : columns) {
-        if (column.rule == any) continue;
-        const int expected = column.rule == one_of ? inconsistent_value : wrong_value;
-        const std::string oid = column.column + std::string(column.row);
-        if (column.rule != octets || column.lowest > 0) {
-            EXPECT_EQ(status(oid, value_of(column, column.lowest - 1)), expected) << column.column;
-        }
-        if (column.highest < largest) {
-            EXPECT_EQ(status(oid, value_of(column, column.highest + 1)), expected) << column.column;
-        }
-        if (column.rule == octets) continue;
-        EXPECT_EQ(status(oid, Value::integer(-1)), expected) << column.column;
-        EXPECT_EQ(status(oid, Value::integer(-largest - 1)), expected) << column.column;
+    for (const ColumnFact& column : columns) {
+        const int expected = column.check.kind == CheckFact::one_of ? inconsistent_value : wrong_value;
+        for (const int64_t value : refused_numbers(column.check))
+            EXPECT_EQ(status(cell(column), value_of(column, value)), expected) << column.name << " " << value;
     }
-    for (const long mode : {0, 3, 5, 32, 33})
-        EXPECT_EQ(status("4.5.1.3.11", Value::integer(mode)), inconsistent_value) << mode;
 }
 
 TEST_F(Set, ValuesOfAnotherTypeDoNot) {
     const std::string five = Value::integer(5).octets;
-    for (const Writable& column : columns) {
-        const std::string oid = column.column + std::string(column.row);
-        const Value other = column.rule == octets ? Value::integer(1) : Value::string("x");
-        EXPECT_EQ(status(oid, other), wrong_type) << column.column;
+    for (const ColumnFact& column : columns) {
+        const Value other = column.check.kind == CheckFact::octets ? Value::integer(1) : Value::string("x");
+        EXPECT_EQ(status(cell(column), other), wrong_type) << column.name;
         for (const u_char type : {u_char{ASN_GAUGE}, u_char{ASN_COUNTER}, u_char{ASN_TIMETICKS}})
-            EXPECT_EQ(status(oid, Value::of_type(type, five)), wrong_type) << column.column << " type " << int{type};
+            EXPECT_EQ(status(cell(column), Value::of_type(type, five)), wrong_type)
+                << column.name << " type " << int{type};
     }
 }
 
 // noSuchObject and the like have no value. A NULL has none either, but recent agents refuse it themselves.
 TEST_F(Set, AVarbindWithoutAValueIsAGenericError) {
-    std::vector<std::string> oids;
-    for (const char* column : row_status_columns)
-        oids.push_back(column + std::string(".11.1"));
-    for (const Writable& column : columns)
-        oids.push_back(column.column + std::string(column.row));
-    for (const std::string& oid : oids) {
+    for (const ColumnFact& column : column_facts()) {
+        if (!column.is_writable()) continue;
         for (const u_char type : {u_char{SNMP_NOSUCHOBJECT}, u_char{SNMP_NOSUCHINSTANCE}, u_char{SNMP_ENDOFMIBVIEW}})
-            EXPECT_EQ(status(oid, Value::of_type(type)), generic_error) << oid << " type " << int{type};
-        EXPECT_THAT(status(oid, Value::of_type(ASN_NULL)), testing::AnyOf(generic_error, wrong_type)) << oid;
+            EXPECT_EQ(status(cell(column), Value::of_type(type)), generic_error)
+                << column.name << " type " << int{type};
+        EXPECT_THAT(status(cell(column), Value::of_type(ASN_NULL)), testing::AnyOf(generic_error, wrong_type))
+            << column.name;
     }
 }
 
 TEST_F(Set, ARowThatIsMissingIsRefusedWhereATableHasRows) {
-    for (const Writable& column : columns) {
-        const bool has_rows = column.answer == refused || column.column == std::string("1.1.1.11");
-        EXPECT_EQ(status(column.column + missing_row(column.row), value_of(column, column.lowest)),
-                  has_rows ? no_creation : accepted)
-            << column.column;
-    }
+    for (const ColumnFact& column : columns)
+        EXPECT_EQ(status(cell(column, ".99"), value_of(column, column.check.lowest)),
+                  column.has_rows ? no_creation : no_error)
+            << column.name;
 }
 
 TEST_F(Set, ReadOnlyColumnsAreNotWritable) {
-    for (const SurfaceColumn& column : read_surface()) {
+    for (const ColumnFact& column : column_facts()) {
         if (column.is_writable()) continue;
-        const std::string oid = column.oid.substr(sizeof subtree - 1);
-        const bool two_indexes =
-            oid.starts_with("1.2.") || oid.starts_with("4.7.") || oid.starts_with("4.9.") || oid.starts_with("4.10.");
-        const std::string row = oid + (two_indexes ? ".11.1" : ".11");
         for (const Value& value : {Value::integer(1), Value::string("x"), Value::of_type(SNMP_NOSUCHINSTANCE)})
-            EXPECT_EQ(status(row, value), not_writable) << column.name;
+            EXPECT_EQ(status(cell(column), value), not_writable) << column.name;
     }
 }
 
@@ -206,8 +145,8 @@ TEST_F(Set, RowStatusFollowsItsTransitions) {
         EXPECT_EQ(status("1.4.1.5.11.1", Value::integer(fact.status)), fact.key_mapping) << fact.status;
         EXPECT_EQ(status("2.3.1.3.11.1", Value::integer(fact.status)), fact.group_address) << fact.status;
     }
-    for (const char* column : row_status_columns)
-        EXPECT_EQ(status(column + std::string(".11.1"), Value::string("x")), wrong_type);
+    for (const ColumnFact& column : row_status_columns)
+        EXPECT_EQ(status(cell(column), Value::string("x")), wrong_type) << column.name;
 }
 
 TEST_F(Set, WithSeveralVarbinds) {

@@ -9,8 +9,8 @@
 #include <fstream>
 #include <iostream>
 
+#include "columns.h"
 #include "set_facts.h"
-#include "surface.h"
 
 namespace {
 
@@ -52,17 +52,17 @@ std::vector<Repeated> sets() {
 // Of each column of wlan0, with one index and with two.
 std::vector<Repeated> gets() {
     std::vector<Repeated> requests;
-    for (const SurfaceColumn& column : read_surface()) {
+    for (const ColumnFact& column : column_facts()) {
         const Value null = Value::of_type(ASN_NULL);
-        requests.push_back({SNMP_MSG_GET, {{"." + column.oid + ".11", null}, {"." + column.oid + ".11.1", null}}});
+        requests.push_back({SNMP_MSG_GET, {{column.oid + ".11", null}, {column.oid + ".11.1", null}}});
     }
     return requests;
 }
 
 std::vector<Repeated> get_nexts() {
     std::vector<Repeated> requests;
-    for (const SurfaceColumn& column : read_surface())
-        requests.push_back({SNMP_MSG_GETNEXT, {{"." + column.oid, Value::of_type(ASN_NULL)}}});
+    for (const ColumnFact& column : column_facts())
+        requests.push_back({SNMP_MSG_GETNEXT, {{column.oid, Value::of_type(ASN_NULL)}}});
     return requests;
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "agent.h"
+#include "columns.h"
 #include "network.h"
 
 namespace {
@@ -46,56 +47,43 @@ class StationConfig : public testing::Test {
     }
 };
 
-constexpr char absent_mac[] = "STRING 00 00 00 00 00 00";
-
-struct ColumnFact {
-    int column;
-    const char* name;
-    const char* full;         // of w0
-    const char* empty;        // of w1
-    const char* half_linked;  // of w2, where it differs from w1
-};
-
 // Column 11 is never answered, nor is any column behind it in the same request.
-constexpr ColumnFact columns[] = {
-    {1, "dot11StationID", "STRING 00 00 5e 00 53 00", absent_mac, nullptr},
-    {2, "dot11MediumOccupancyLimit", "INTEGER 100", "INTEGER 100", nullptr},
-    {3, "dot11CFPollable", "INTEGER 1", "INTEGER 2", nullptr},
-    {4, "dot11CFPPeriod", "INTEGER 0", "INTEGER 0", nullptr},
-    {5, "dot11CFPMaxDuration", "INTEGER 0", "INTEGER 0", nullptr},
-    {6, "dot11AuthenticationResponseTimeOut", "Gauge32 60", "Gauge32 1", nullptr},
-    {7, "dot11PrivacyOptionImplemented", "INTEGER 1", "INTEGER 2", "INTEGER 2"},
-    {8, "dot11PowerManagementMode", "INTEGER 1", "INTEGER 1", nullptr},
-    {9, "dot11DesiredSSID", "STRING 4c 6f 62 62 79", "STRING 30", nullptr},
-    {10, "dot11DesiredBSSType", "INTEGER 1", "INTEGER 1", nullptr},
-    {12, "dot11BeaconPeriod", "INTEGER 100", "INTEGER 1", nullptr},
-    {13, "dot11DTIMPeriod", "INTEGER 2", "INTEGER 1", "INTEGER 5"},
-    {14, "dot11AssociationResponseTimeOut", "Gauge32 70", "Gauge32 1", nullptr},
-    {15, "dot11DisassociateReason", "INTEGER 8", "INTEGER 0", nullptr},
-    {16, "dot11DisassociateStation", "STRING 00 11 22 33 44 55", absent_mac, nullptr},
-    {17, "dot11DeauthenticateReason", "INTEGER 3", "INTEGER 0", nullptr},
-    {18, "dot11DeauthenticateStation", "STRING 66 77 88 99 aa bb", absent_mac, nullptr},
-    {19, "dot11AuthenticateFailStatus", "INTEGER 13", "INTEGER 0", nullptr},
-    {20, "dot11AuthenticateFailStation", "STRING cc dd ee ff 00 01", absent_mac, nullptr},
-    {21, "dot11MultiDomainCapabilityImplemented", "INTEGER 1", "INTEGER 2", nullptr},
-    {22, "dot11MultiDomainCapabilityEnabled", "INTEGER 1", "INTEGER -1", nullptr},
-    {23, "dot11CountryString", "STRING 43 48 20", "STRING 43 48 20", nullptr},
-};
+std::vector<ColumnFact> answered_columns() {
+    std::vector<ColumnFact> columns;
+    for (const ColumnFact& column : column_facts())
+        if (column.table() == "1.1" && column.is_answered()) columns.push_back(column);
+    return columns;
+}
 
-std::string cell(int column, int index) {
+// Of w1. The country is everybody's.
+std::string empty_answer(const ColumnFact& column) {
+    return column.name == "dot11CountryString" ? column.answers[0] : column.defaults[0];
+}
+
+// Of w2, which has keys of its own for two columns.
+std::string half_linked_answer(const ColumnFact& column) {
+    if (column.name == "dot11PrivacyOptionImplemented") return "INTEGER 2";
+    if (column.name == "dot11DTIMPeriod") return "INTEGER 5";
+    return empty_answer(column);
+}
+
+std::string cell(uint32_t column, int index) {
     return "1.1.1." + std::to_string(column) + "." + std::to_string(index);
+}
+
+std::vector<Varbind> cells_of(const ColumnFact& column) {
+    return {{cell(column.number(), 11), example_answer(column, 0, 0)},
+            {cell(column.number(), 12), empty_answer(column)},
+            {cell(column.number(), 13), half_linked_answer(column)}};
 }
 
 TEST_F(StationConfig, EveryColumnAnswersAGetWithItsTypeAndValue) {
     Agent agent(configuration);
-    for (const ColumnFact& fact : columns) {
-        const char* half_linked = fact.half_linked ? fact.half_linked : fact.empty;
-        const Response response = agent.get({cell(fact.column, 11), cell(fact.column, 12), cell(fact.column, 13)});
-        EXPECT_EQ(response.status, SNMP_ERR_NOERROR) << fact.name;
-        EXPECT_THAT(response.varbinds, testing::ElementsAre(Varbind{cell(fact.column, 11), fact.full},
-                                                            Varbind{cell(fact.column, 12), fact.empty},
-                                                            Varbind{cell(fact.column, 13), half_linked}))
-            << fact.name;
+    for (const ColumnFact& column : answered_columns()) {
+        const uint32_t number = column.number();
+        const Response response = agent.get({cell(number, 11), cell(number, 12), cell(number, 13)});
+        EXPECT_EQ(response.status, SNMP_ERR_NOERROR) << column.name;
+        EXPECT_EQ(response.varbinds, cells_of(column)) << column.name;
     }
 }
 
@@ -115,16 +103,10 @@ TEST_F(StationConfig, TheRateSetLeavesItselfAndWhatFollowsWithoutAValue) {
                                      Varbind{cell(12, 11), "noSuchInstance"}));
 }
 
-std::vector<Varbind> cells_of(const ColumnFact& fact) {
-    return {{cell(fact.column, 11), fact.full},
-            {cell(fact.column, 12), fact.empty},
-            {cell(fact.column, 13), fact.half_linked ? fact.half_linked : fact.empty}};
-}
-
 TEST_F(StationConfig, AWalkOfAColumnGivesItsRowsInTheOrderOfTheirIndexes) {
     Agent agent(configuration);
-    for (const ColumnFact& fact : columns)
-        EXPECT_EQ(agent.walk("1.1.1." + std::to_string(fact.column)), cells_of(fact)) << fact.name;
+    for (const ColumnFact& column : answered_columns())
+        EXPECT_EQ(agent.walk(column.oid), cells_of(column)) << column.name;
     EXPECT_THAT(agent.walk("1.1.1.11"), testing::IsEmpty());
 }
 
@@ -132,9 +114,9 @@ TEST_F(StationConfig, AWalkOfAColumnGivesItsRowsInTheOrderOfTheirIndexes) {
 TEST_F(StationConfig, AWalkOfTheTableReachesTheColumnsBeforeTheRateSet) {
     Agent agent(configuration);
     std::vector<Varbind> expected;
-    for (const ColumnFact& fact : columns) {
-        if (fact.column > 11) break;
-        const std::vector<Varbind> cells = cells_of(fact);
+    for (const ColumnFact& column : answered_columns()) {
+        if (column.number() > 11) break;
+        const std::vector<Varbind> cells = cells_of(column);
         expected.insert(expected.end(), cells.begin(), cells.end());
     }
     EXPECT_EQ(agent.walk("1.1"), expected);
@@ -144,7 +126,7 @@ constexpr int no_error = SNMP_ERR_NOERROR, wrong_type = 7, wrong_value = 10, no_
               not_writable = 17;
 
 struct WriteFact {
-    int column;
+    uint32_t column;
     Value value;
     int status;
 };
@@ -227,8 +209,8 @@ TEST_F(StationConfig, ASetChangesNothingAndSaysWhy) {
 
 TEST_F(StationConfig, ASetOfAMissingRowIsNoCreation) {
     Agent agent(configuration);
-    for (const ColumnFact& fact : columns)
-        EXPECT_EQ(agent.set({{cell(fact.column, 99), Value::integer(1)}}).status, no_creation) << fact.name;
+    for (const ColumnFact& column : answered_columns())
+        EXPECT_EQ(agent.set({{cell(column.number(), 99), Value::integer(1)}}).status, no_creation) << column.name;
 }
 
 TEST_F(StationConfig, ReadsTheStoreAgainAfterMoreThan15SecondsWithoutARequest) {

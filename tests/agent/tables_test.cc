@@ -4,156 +4,67 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <set>
 
 #include "agent.h"
+#include "columns.h"
 #include "network.h"
-#include "surface.h"
 
 namespace {
 
 using testing::IsEmpty;
 
-// What a column answers. In `full`, XX stands for the interface's number, in hexadecimal.
-struct ColumnFact {
-    const char* column;  // below 1.2.840.10036
-    int second_index;    // 0: the table has one index
-    const char* full;
-    const char* empty;
-};
-
-constexpr char no_mac[] = "STRING 00 00 00 00 00 00";
-constexpr char no_key[] = "STRING 00 00 00 00 00";
-constexpr char maker[] = "STRING 56 61 6e 74 6f 72 69 78";
-constexpr char product[] = "STRING 51 75 69 6c 6c 6e 65 74 20 41 50";
-
-// In the order of a walk. Columns that are not answered are left out.
-constexpr ColumnFact facts[] = {
-    {"1.1.1.1", 0, "STRING 00 00 5e 00 53 XX", no_mac},
-    {"1.1.1.2", 0, "INTEGER 100", "INTEGER 100"},
-    {"1.1.1.3", 0, "INTEGER 1", "INTEGER 2"},
-    {"1.1.1.4", 0, "INTEGER 0", "INTEGER 0"},
-    {"1.1.1.5", 0, "INTEGER 0", "INTEGER 0"},
-    {"1.1.1.6", 0, "Gauge32 60", "Gauge32 1"},
-    {"1.1.1.7", 0, "INTEGER 1", "INTEGER 2"},
-    {"1.1.1.8", 0, "INTEGER 1", "INTEGER 1"},
-    {"1.1.1.9", 0, "STRING 4c 6f 62 62 79", "STRING 30"},
-    {"1.1.1.10", 0, "INTEGER 1", "INTEGER 1"},
-    {"1.1.1.12", 0, "INTEGER 100", "INTEGER 1"},
-    {"1.1.1.13", 0, "INTEGER 2", "INTEGER 1"},
-    {"1.1.1.14", 0, "Gauge32 70", "Gauge32 1"},
-    {"1.1.1.15", 0, "INTEGER 8", "INTEGER 0"},
-    {"1.1.1.16", 0, "STRING 00 11 22 33 44 55", no_mac},
-    {"1.1.1.17", 0, "INTEGER 3", "INTEGER 0"},
-    {"1.1.1.18", 0, "STRING 66 77 88 99 aa bb", no_mac},
-    {"1.1.1.19", 0, "INTEGER 13", "INTEGER 0"},
-    {"1.1.1.20", 0, "STRING cc dd ee ff 00 01", no_mac},
-    {"1.1.1.21", 0, "INTEGER 1", "INTEGER 2"},
-    {"1.1.1.22", 0, "INTEGER 1", "INTEGER -1"},
-    {"1.1.1.23", 0, "STRING 43 48 20", "STRING 3f 3f 3f"},
-    {"1.2.1.2", 1, "INTEGER 1", "INTEGER 1"},
-    {"1.2.1.2", 2, "INTEGER 2", "INTEGER 2"},
-    {"1.2.1.3", 1, "INTEGER 1", "INTEGER 2"},
-    {"1.2.1.3", 2, "INTEGER 2", "INTEGER 2"},
-    {"1.3.1.2", 1, "STRING 46 41 4b 45 31", no_key},
-    {"1.3.1.2", 2, "STRING 46 41 4b 45 32", no_key},
-    {"1.3.1.2", 3, "STRING 46 41 4b 45 2d 4b 45 59 2d 31 32 33 34", no_key},
-    {"1.3.1.2", 4, "STRING 46 41 4b 45 34", no_key},
-    {"1.5.1.1", 0, "INTEGER 1", "INTEGER 2"},
-    {"1.5.1.2", 0, "INTEGER 3", "INTEGER 0"},
-    {"1.5.1.3", 0, "Gauge32 20", "Gauge32 10"},
-    {"1.5.1.4", 0, "INTEGER 2", "INTEGER 2"},
-    {"1.5.1.5", 0, "Counter32 0", "Counter32 0"},
-    {"1.5.1.6", 0, "Counter32 0", "Counter32 0"},
-    {"2.1.1.1", 0, "STRING 00 00 5e 00 53 XX", no_mac},
-    {"2.1.1.2", 0, "INTEGER 2000", "INTEGER 2346"},
-    {"2.1.1.3", 0, "INTEGER 5", "INTEGER 7"},
-    {"2.1.1.4", 0, "INTEGER 3", "INTEGER 4"},
-    {"2.1.1.5", 0, "INTEGER 1500", "INTEGER 0"},
-    {"2.1.1.6", 0, "Gauge32 1024", "Gauge32 512"},
-    {"2.1.1.7", 0, "Gauge32 2048", "Gauge32 512"},
-    {"2.1.1.8", 0, maker, maker},
-    {"2.1.1.9", 0, product, product},
-    {"2.2.1.1", 0, "Counter32 1001", "Counter32 0"},
-    {"2.2.1.2", 0, "Counter32 1002", "Counter32 0"},
-    {"2.2.1.3", 0, "Counter32 1003", "Counter32 0"},
-    {"2.2.1.4", 0, "Counter32 1004", "Counter32 0"},
-    {"2.2.1.5", 0, "Counter32 1005", "Counter32 0"},
-    {"2.2.1.6", 0, "Counter32 1006", "Counter32 0"},
-    {"2.2.1.7", 0, "Counter32 1007", "Counter32 0"},
-    {"2.2.1.8", 0, "Counter32 1008", "Counter32 0"},
-    {"2.2.1.9", 0, "Counter32 1009", "Counter32 0"},
-    {"2.2.1.10", 0, "Counter32 1010", "Counter32 0"},
-    {"2.2.1.11", 0, "Counter32 1011", "Counter32 0"},
-    {"2.2.1.12", 0, "Counter32 1012", "Counter32 0"},
-    {"2.2.1.13", 0, "Counter32 1013", "Counter32 0"},
-    {"2.2.1.14", 0, "Counter32 2147483647", "Counter32 0"},
-    {"4.1.1.2", 0, "INTEGER 48", "INTEGER 0"},
-    {"4.1.1.3", 0, "INTEGER 2", "INTEGER 1"},
-    {"4.5.1.1", 0, "INTEGER 11", "INTEGER 6"},
-    {"4.7.1.2", 1, "INTEGER 48", "INTEGER 16"},
-};
-
-// Where a walk goes on at the next table, because a column that is not answered follows, or leads the table.
-const std::set<std::string> columns_no_walk_reaches = {
-    "1.1.1.12", "1.1.1.13", "1.1.1.14", "1.1.1.15", "1.1.1.16", "1.1.1.17", "1.1.1.18",
-    "1.1.1.19", "1.1.1.20", "1.1.1.21", "1.1.1.22", "1.1.1.23", "4.1.1.2",  "4.1.1.3",
-};
-
 constexpr char subtree[] = "1.2.840.10036.";
 
-std::string cell(const ColumnFact& fact, unsigned interface) {
-    std::string oid = fact.column + std::string(".") + std::to_string(interface_index(interface));
-    return fact.second_index ? oid + "." + std::to_string(fact.second_index) : oid;
-}
-
-Varbind answer(const ColumnFact& fact, unsigned interface, bool full) {
-    std::string value = full ? fact.full : fact.empty;
-    if (const size_t place = value.find("XX"); place != std::string::npos) {
-        char hexadecimal[3];
-        snprintf(hexadecimal, sizeof hexadecimal, "%02x", interface & 0xFF);
-        value.replace(place, 2, hexadecimal);
-    }
-    return {cell(fact, interface), value};
-}
-
-std::set<std::string> fact_columns() {
-    std::set<std::string> columns;
-    for (const ColumnFact& fact : facts)
-        columns.insert(fact.column);
+// The columns that have a value for each interface, in the order of a walk.
+std::vector<ColumnFact> answered_columns() {
+    std::vector<ColumnFact> columns;
+    for (const ColumnFact& column : column_facts())
+        if (column.is_answered() && column.has_rows) columns.push_back(column);
     return columns;
 }
 
-// A column's cells, or those of all columns that a walk reaches, as a walk finds them.
-std::vector<Varbind> cells_of(const std::string& column, unsigned interfaces, bool full) {
+std::string cell(const ColumnFact& column, size_t row, unsigned interface) {
+    return column.oid + "." + std::to_string(interface_index(interface)) + column.rows[row];
+}
+
+// One row of each of the interfaces, or all of their rows, as a walk finds them.
+std::vector<Varbind> cells_of_row(const ColumnFact& column, size_t row, unsigned interfaces, bool full) {
     std::vector<Varbind> cells;
     for (unsigned i = 0; i < interfaces; ++i)
-        for (const ColumnFact& fact : facts)
-            if (fact.column == column) cells.push_back(answer(fact, i, full));
+        cells.push_back({cell(column, row, i), full ? example_answer(column, row, i) : column.defaults[row]});
     return cells;
 }
 
+std::vector<Varbind> cells_of(const ColumnFact& column, unsigned interfaces, bool full) {
+    std::vector<Varbind> cells;
+    for (unsigned i = 0; i < interfaces; ++i)
+        for (size_t row = 0; row < column.rows.size(); ++row)
+            cells.push_back(cells_of_row(column, row, interfaces, full)[i]);
+    return cells;
+}
+
+// A column that is not answered ends the walk of its table.
 std::vector<Varbind> cells_a_walk_reaches(unsigned interfaces, bool full) {
     std::vector<Varbind> cells;
-    std::string last;
-    for (const ColumnFact& fact : facts) {
-        if (fact.column == last || columns_no_walk_reaches.contains(fact.column)) continue;
-        last = fact.column;
-        for (const Varbind& varbind : cells_of(last, interfaces, full))
+    std::set<std::string> ended;
+    for (const ColumnFact& column : column_facts()) {
+        if (!column.is_answered()) ended.insert(column.table());
+        if (!column.has_rows || ended.contains(column.table())) continue;
+        for (const Varbind& varbind : cells_of(column, interfaces, full))
             cells.push_back(varbind);
     }
     return cells;
 }
 
-TEST(Facts, HoldEveryColumnThatIsAnswered) {
-    std::set<std::string> answered;
-    for (const SurfaceColumn& column : read_surface()) {
-        const bool has_rows = !column.oid.starts_with("1.2.840.10036.1.4.") &&
-                              !column.oid.starts_with("1.2.840.10036.2.3.") &&
-                              !column.oid.starts_with("1.2.840.10036.4.14.");
-        if (column.is_answered() && has_rows) answered.insert(column.oid.substr(sizeof subtree - 1));
+TEST(ColumnFacts, AreWhole) {
+    for (const ColumnFact& column : answered_columns()) {
+        EXPECT_EQ(column.defaults.size(), column.rows.size()) << "tests/columns.tsv: default of " << column.name;
+        EXPECT_EQ(column.answers.size(), column.rows.size()) << "tests/columns.tsv: answer of " << column.name;
     }
-    EXPECT_EQ(fact_columns(), answered);
+    for (const ColumnFact& column : column_facts())
+        EXPECT_EQ(column.stored.size(), column.keys.size()) << "tests/columns.tsv: stored of " << column.name;
 }
 
 struct Size {
@@ -181,17 +92,16 @@ INSTANTIATE_TEST_SUITE_P(Sizes, Tables,
                          });
 
 TEST_P(Tables, EveryCellAnswersAGetWithItsTypeAndValue) {
-    for (const ColumnFact& fact : facts) {
-        std::vector<std::string> oids;
-        std::vector<Varbind> expected;
-        for (unsigned i = 0; i < count; ++i) {
-            oids.push_back(cell(fact, i));
-            expected.push_back(answer(fact, i, full));
+    for (const ColumnFact& column : answered_columns())
+        for (size_t row = 0; row < column.rows.size(); ++row) {
+            const std::vector<Varbind> expected = cells_of_row(column, row, count, full);
+            std::vector<std::string> oids;
+            for (const Varbind& varbind : expected)
+                oids.push_back(varbind.oid);
+            const Response response = agent.get(oids);
+            EXPECT_EQ(response.status, 0) << column.name;
+            EXPECT_EQ(response.varbinds, expected) << column.name;
         }
-        const Response response = agent.get(oids);
-        EXPECT_EQ(response.status, 0) << fact.column;
-        EXPECT_EQ(response.varbinds, expected) << fact.column;
-    }
 }
 
 bool is_in(const Varbind& varbind, const std::string& root) {
@@ -238,17 +148,16 @@ class TwoInterfaces : public testing::Test {
 };
 
 TEST_F(TwoInterfaces, AWalkOfAColumnReachesAlsoThoseBehindOnesThatAreNotAnswered) {
-    for (const std::string& column : fact_columns())
-        EXPECT_EQ(agent.walk(column), cells_of(column, 2, true)) << column;
+    for (const ColumnFact& column : answered_columns())
+        EXPECT_EQ(agent.walk(column.oid), cells_of(column, 2, true)) << column.name;
 }
 
 TEST_F(TwoInterfaces, ColumnsThatAreNotAnsweredHaveNoValueAndNothingIsFoundInThem) {
-    for (const SurfaceColumn& column : read_surface()) {
+    for (const ColumnFact& column : column_facts()) {
         if (column.is_answered()) continue;
-        const std::string oid = column.oid.substr(sizeof subtree - 1);
-        EXPECT_EQ(agent.get({oid + ".11"}).varbinds[0].value, "noSuchInstance") << column.name;
-        EXPECT_EQ(agent.get({oid + ".11.1"}).varbinds[0].value, "noSuchInstance") << column.name;
-        EXPECT_THAT(agent.walk(oid), IsEmpty()) << column.name;
+        EXPECT_EQ(agent.get({column.oid + ".11"}).varbinds[0].value, "noSuchInstance") << column.name;
+        EXPECT_EQ(agent.get({column.oid + ".11.1"}).varbinds[0].value, "noSuchInstance") << column.name;
+        EXPECT_THAT(agent.walk(column.oid), IsEmpty()) << column.name;
     }
 }
 
@@ -272,19 +181,24 @@ TEST_F(TwoInterfaces, ColumnsThatAreNotAnsweredLeaveLaterOnesOfTheirTableWithout
 }
 
 TEST_F(TwoInterfaces, RowsThatAreNotThereHaveNoInstance) {
-    for (const ColumnFact& fact : facts) {
-        const std::string column = fact.column;
+    for (const ColumnFact& column : answered_columns()) {
         const std::vector<std::string> indexes =
-            fact.second_index ? std::vector<std::string>{".13.1", ".11.0", ".11.5", ".11", ".11.1.1", ".1.1"}
-                              : std::vector<std::string>{".13", ".10", ".0", ".11.1", ".4294967295"};
+            column.has_second_index() ? std::vector<std::string>{".13.1", ".11.0", ".11.5", ".11", ".11.1.1", ".1.1"}
+                                      : std::vector<std::string>{".13", ".10", ".0", ".11.1", ".4294967295"};
         for (const std::string& index : indexes)
-            EXPECT_EQ(agent.get({column + index}).varbinds[0].value, "noSuchInstance") << column << index;
+            EXPECT_EQ(agent.get({column.oid + index}).varbinds[0].value, "noSuchInstance") << column.name << index;
     }
 }
 
 TEST_F(TwoInterfaces, ColumnsThatAreNotThereAreNoObject) {
-    for (const char* oid : {"1.1.1.0.11", "1.1.1.24.11", "1.2.1.1.11.1", "1.2.1.4.11.1", "1.3.1.3.11.1", "1.5.1.7.11",
-                            "2.1.1.10.11", "2.2.1.15.11", "4.1.1.4.11", "4.5.1.5.11", "4.7.1.1.11.1", "4.7.1.3.11.1"})
+    std::map<std::string, uint32_t> last;  // column of each table
+    for (const ColumnFact& column : column_facts())
+        last[column.table()] = column.number();
+    for (const auto& [table, number] : last)
+        for (const char* index : {".11", ".11.1"})
+            EXPECT_EQ(agent.get({table + ".1." + std::to_string(number + 1) + index}).varbinds[0].value, "noSuchObject")
+                << table;
+    for (const char* oid : {"1.1.1.0.11", "1.2.1.1.11.1", "1.3.1.1.11.1", "4.7.1.1.11.1"})
         EXPECT_EQ(agent.get({oid}).varbinds[0].value, "noSuchObject") << oid;
 }
 
@@ -317,10 +231,10 @@ std::string line_of(const Varbind& varbind) {
 TEST_F(TwoInterfaces, ASecondClientReadsTheSame) {
     if (!has_second_client()) GTEST_SKIP() << "npm ci --prefix tests/node";
     std::string requests, expected;
-    for (const ColumnFact& fact : facts)
-        for (unsigned i = 0; i < 2; ++i) {
-            requests += "get " + (subtree + cell(fact, i)) + "\n";
-            expected += line_of(answer(fact, i, true)) + "end\n";
+    for (const ColumnFact& column : answered_columns())
+        for (const Varbind& varbind : cells_of(column, 2, true)) {
+            requests += "get " + (subtree + varbind.oid) + "\n";
+            expected += line_of(varbind) + "end\n";
         }
     requests += "walk 1.2.840.10036\n";
     for (const Varbind& varbind : cells_a_walk_reaches(2, true))
@@ -402,7 +316,8 @@ TEST_F(Reload, AFailureIsTriedAgainAtOnce) {
         for (int i = 0; i < 3; ++i)
             EXPECT_TRUE(reads(cell, 0)) << cell;
     agent.configure("set interface w1 type service-set");
-    EXPECT_EQ(agent.get({"1.5.1.1.12"}).varbinds[0].value, "INTEGER 1");
+    // The store is not checked more often than twenty times a second.
+    EXPECT_TRUE(wait_until([&] { return agent.get({"1.5.1.1.12"}).varbinds[0].value == "INTEGER 1"; }));
 }
 
 // However many requests come in between.

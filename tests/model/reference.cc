@@ -1,8 +1,14 @@
 #include "reference.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "columns.h"
 
 namespace {
 
@@ -19,113 +25,61 @@ enum Status {
 
 // -- The tables -------------------------------------------------------------------------------------------------------
 
-struct Rule {
-    enum Kind { range, enumeration, cca_mode, octets, row_status } kind;
-    int64_t low;
-    int64_t high;
-};
-
-constexpr Rule between(int64_t low, int64_t high) {
-    return {Rule::range, low, high};
-}
-constexpr Rule at_least(int64_t low) {
-    return between(low, INT32_MAX);
-}
-constexpr Rule any = between(INT32_MIN, INT32_MAX);
-constexpr Rule up_to(int64_t last) {
-    return {Rule::enumeration, 1, last};
-}
-constexpr Rule octets(int64_t shortest, int64_t longest) {
-    return {Rule::octets, shortest, longest};
-}
-constexpr Rule cca_mode = {Rule::cca_mode, 0, 0};
-constexpr Rule status_of_active_row = {Rule::row_status, 1, 0};  // the column reads 1, whatever the row holds
-constexpr Rule status_of_no_row = {Rule::row_status, 0, 0};
-
 struct Table {
     Oid root;
     uint32_t indexes, first_column, last_column;
-    bool creates;                    // a SET of a missing row is taken
-    bool stores;                     // a write succeeds, into a row that nobody sees
-    std::map<uint32_t, Rule> rules;  // of the columns that accept a SET
-    std::set<uint32_t> silent;       // columns at which a GET ends, also for the varbinds behind; see on_request
-    bool ends_writes = false;        // ACTION and UNDO end at column 11
-    bool on_request = false;         // the silent columns are answered when answers are to be complete
+    bool creates = true;                  // a SET of a missing row is taken
+    bool stores = false;                  // a write succeeds, into a row that nobody sees
+    std::map<uint32_t, CheckFact> rules;  // of the columns that accept a SET
+    std::set<uint32_t> silent;            // columns at which a GET ends, also for the varbinds behind; see on_request
+    std::set<uint32_t> ends_writes;       // columns at which ACTION and UNDO end
+    bool on_request = false;              // the silent columns are answered when answers are to be complete
 };
 
-const std::vector<Table> tables = {
-    {{1, 2, 840, 10036, 1, 1},
-     1,
-     1,
-     23,
-     false,
-     false,
-     {{1, octets(6, 6)},
-      {2, between(0, 1000)},
-      {4, between(0, 255)},
-      {5, between(0, 65535)},
-      {6, at_least(1)},
-      {8, up_to(2)},
-      {9, octets(0, 32)},
-      {10, up_to(3)},
-      {11, octets(1, 126)},
-      {12, between(1, 65535)},
-      {13, between(1, 255)},
-      {14, at_least(1)}},
-     {11},
-     true},
-    {{1, 2, 840, 10036, 1, 2}, 2, 2, 3, false, false, {{3, up_to(2)}}, {}},
-    {{1, 2, 840, 10036, 1, 3}, 2, 2, 2, false, false, {{2, octets(5, 5)}}, {}},
-    {{1, 2, 840, 10036, 1, 4},
-     2,
-     2,
-     5,
-     true,
-     true,
-     {{2, octets(6, 6)}, {3, up_to(2)}, {4, octets(5, 5)}, {5, status_of_active_row}},
-     {}},
-    {{1, 2, 840, 10036, 1, 5},
-     1,
-     1,
-     6,
-     false,
-     false,
-     {{1, up_to(2)}, {2, between(0, 3)}, {3, at_least(10)}, {4, up_to(2)}},
-     {}},
-    {{1, 2, 840, 10036, 2, 1},
-     1,
-     1,
-     9,
-     false,
-     false,
-     {{2, between(0, 2347)},
-      {3, between(1, 255)},
-      {4, between(1, 255)},
-      {5, between(256, 2346)},
-      {6, at_least(1)},
-      {7, at_least(1)}},
-     {}},
-    {{1, 2, 840, 10036, 2, 2}, 1, 1, 14, true, false, {}, {}},
-    {{1, 2, 840, 10036, 2, 3}, 2, 2, 3, true, true, {{2, octets(6, 6)}, {3, status_of_no_row}}, {}},
-    {{1, 2, 840, 10036, 3, 1, 2}, 1, 1, 4, true, false, {}, {1, 2, 3, 4}, false, true},
-    {{1, 2, 840, 10036, 4, 1}, 1, 1, 3, false, false, {{2, any}}, {1}},
-    {{1, 2, 840, 10036, 4, 3},
-     1,
-     1,
-     10,
-     false,
-     false,
-     {{10, between(1, 8)}},
-     {1, 2, 3, 4, 5, 6, 7, 8, 9, 10},
-     false,
-     true},
-    {{1, 2, 840, 10036, 4, 5}, 1, 1, 4, false, false, {{1, between(1, 14)}, {3, cca_mode}, {4, any}}, {2, 3, 4}},
-    {{1, 2, 840, 10036, 4, 7}, 2, 2, 2, true, false, {}, {}},
-    {{1, 2, 840, 10036, 4, 9}, 2, 2, 2, true, false, {}, {2}},
-    {{1, 2, 840, 10036, 4, 10}, 2, 2, 2, true, false, {}, {2}},
-    {{1, 2, 840, 10036, 4, 12}, 1, 1, 5, true, false, {}, {1, 2, 3, 4, 5}},
-    {{1, 2, 840, 10036, 4, 14}, 1, 1, 6, true, true, {{2, up_to(2)}, {4, up_to(2)}, {5, up_to(2)}, {6, up_to(2)}}, {}},
-};
+Oid oid_of(const std::string& table) {
+    Oid root = {1, 2, 840, 10036};
+    std::istringstream in(table);
+    for (std::string part; std::getline(in, part, '.');)
+        root.push_back(static_cast<uint32_t>(std::stoul(part)));
+    return root;
+}
+
+void add_column(Table& table, const ColumnFact& column) {
+    const uint32_t number = column.number();
+    table.last_column = number;
+    if (column.is_writable()) table.rules[number] = column.check;
+    if (!column.is_answered()) table.silent.insert(number);
+    if (column.get == "complete") table.on_request = true;
+    if (column.set == "dropped") table.ends_writes.insert(number);
+    if (column.set == "refused" || column.set == "dropped") table.creates = false;
+    if (column.set == "accepted") table.stores = true;
+}
+
+// In the order of their OIDs.
+std::vector<Table> read_tables() {
+    std::vector<Table> tables;
+    std::string last;
+    for (const ColumnFact& column : column_facts()) {
+        if (column.table() != last)
+            tables.push_back({oid_of(column.table()),
+                              column.has_second_index() ? 2U : 1U,
+                              column.number(),
+                              0,
+                              true,
+                              false,
+                              {},
+                              {},
+                              {}});
+        last = column.table();
+        add_column(tables.back(), column);
+    }
+    return tables;
+}
+
+const std::vector<Table>& all_tables() {
+    static const std::vector<Table> tables = read_tables();
+    return tables;
+}
 
 const Oid key_mappings = {1, 2, 840, 10036, 1, 4};
 
@@ -133,8 +87,8 @@ const Table* table_of(const Oid& name) {
     const auto begins_name = [&](const Table& table) {
         return name.size() >= table.root.size() && std::equal(table.root.begin(), table.root.end(), name.begin());
     };
-    const auto found = std::find_if(tables.begin(), tables.end(), begins_name);
-    return found == tables.end() ? nullptr : &*found;
+    const auto found = std::ranges::find_if(all_tables(), begins_name);
+    return found == all_tables().end() ? nullptr : &*found;
 }
 
 // -- Checks of a new value --------------------------------------------------------------------------------------------
@@ -148,25 +102,23 @@ int row_status_change(int64_t from, int64_t to) {
     return no_error;
 }
 
-int check_number(const Rule& rule, int64_t number) {
+int check_number(const CheckFact& rule, int64_t number) {
     switch (rule.kind) {
-        case Rule::enumeration:
-            return number >= 1 && number <= rule.high ? no_error : inconsistent_value;
-        case Rule::cca_mode:
-            return number == 1 || number == 2 || number == 4 ? no_error : inconsistent_value;
-        case Rule::row_status:
-            return number >= 1 && number <= 6 ? row_status_change(rule.low, number) : inconsistent_value;
+        case CheckFact::one_of:
+            return rule.members.contains(number) ? no_error : inconsistent_value;
+        case CheckFact::row_status:
+            return number >= 1 && number <= 6 ? row_status_change(rule.old_status, number) : inconsistent_value;
         default:
-            return number >= rule.low && number <= rule.high ? no_error : wrong_value;
+            return number >= rule.lowest && number <= rule.highest ? no_error : wrong_value;
     }
 }
 
-int check(const Rule& rule, const Value& value) {
+int check(const CheckFact& rule, const Value& value) {
     if (value.type == null_value || value.type >= no_such_object) return gen_err;
-    if (value.type != (rule.kind == Rule::octets ? octet_string : integer)) return wrong_type;
-    if (rule.kind != Rule::octets) return check_number(rule, static_cast<int32_t>(number_of(value.octets)));
+    if (value.type != (rule.kind == CheckFact::octets ? octet_string : integer)) return wrong_type;
+    if (rule.kind != CheckFact::octets) return check_number(rule, static_cast<int32_t>(number_of(value.octets)));
     const auto length = static_cast<int64_t>(value.octets.size());
-    return length >= rule.low && length <= rule.high ? no_error : wrong_value;
+    return length >= rule.lowest && length <= rule.highest ? no_error : wrong_value;
 }
 
 // -- A PDU ------------------------------------------------------------------------------------------------------------
@@ -320,7 +272,7 @@ void Exchange::reserve2(List& list) {
 
 void Exchange::action(List& list) {
     for (Request* request : list.requests) {
-        if (list.table->ends_writes && list.column(*request) == 11) return;
+        if (list.table->ends_writes.contains(list.column(*request))) return;
         if (!list.table->stores) request->fail(not_writable);
     }
 }
@@ -328,7 +280,7 @@ void Exchange::action(List& list) {
 // The first list to end its work empties both stores for all that follow.
 void Exchange::undo(List& list) {
     for (Request* request : list.requests) {
-        if (list.table->ends_writes && list.column(*request) == 11) return;
+        if (list.table->ends_writes.contains(list.column(*request))) return;
         if (!list.reserved || !list.saved)
             request->fail(undo_failed);
         else if (!list.table->stores)

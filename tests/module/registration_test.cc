@@ -113,7 +113,7 @@ extern "C" void netsnmp_handler_registration_free(netsnmp_handler_registration* 
     next_definition<decltype(netsnmp_handler_registration_free)>("netsnmp_handler_registration_free")(registration);
 }
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(ADDRESS_SANITIZER)
 extern "C" void* __libc_calloc(size_t count, size_t size);
 extern "C" void __libc_free(void* block);
 extern "C" void* calloc(size_t count, size_t size) noexcept {
@@ -188,7 +188,7 @@ class Registration : public testing::Test {
     // A table that has two of its three records releases them itself, in the order in which they came, each with a
     // plain free.
     static void expect_released([[maybe_unused]] size_t table) {
-#ifndef __SANITIZE_ADDRESS__  // which has calloc and free for itself
+#ifndef ADDRESS_SANITIZER  // which has calloc and free for itself
         ASSERT_EQ(obtained.size(), 3 * 17 - 1U);
         EXPECT_THAT(released, ElementsAre(obtained[3 * table], obtained[3 * table + 1]));
 #endif
@@ -277,7 +277,7 @@ TEST_F(Registration, WithoutAHandlerRegistrationATableIsLeftOut) {
     }
 }
 
-#ifndef __SANITIZE_ADDRESS__  // which has calloc for itself
+#ifndef ADDRESS_SANITIZER  // which has calloc for itself
 TEST_F(Registration, WithoutMemoryATableIsLeftOut) {
     for (size_t allocation = 0; allocation < 2 * tables.size(); ++allocation) {
         const std::string name = tables[allocation / 2].name;

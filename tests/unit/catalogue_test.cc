@@ -6,10 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "access/tables.h"
-#include "surface.h"
+#include "columns.h"
 
 using namespace dot11;
 
@@ -88,33 +90,31 @@ TEST(Catalogue, CompleteAnswersAddTwoTables) {
 
 // In the order of the tables.
 const struct {
-    size_t row_size;
     uint32_t indexes;
     MissingRow missing_row;
 } members[] = {
-    {292, 1, MissingRow::refused},    // dot11StationConfigTable
-    {16, 2, MissingRow::refused},     // dot11AuthenticationAlgorithmsTable
-    {76, 2, MissingRow::refused},     // dot11WEPDefaultKeysTable
-    {32, 2, MissingRow::created},     // dot11WEPKeyMappingsTable
-    {28, 1, MissingRow::refused},     // dot11PrivacyTable
-    {304, 1, MissingRow::refused},    // dot11OperationTable
-    {60, 1, MissingRow::throwaway},   // dot11CountersTable
-    {16, 2, MissingRow::throwaway},   // dot11GroupAddressesTable
-    {796, 1, MissingRow::throwaway},  // dot11ResourceInfoTable
-    {16, 1, MissingRow::refused},     // dot11PhyOperationTable
-    {44, 1, MissingRow::refused},     // dot11PhyTxPowerTable
-    {20, 1, MissingRow::refused},     // dot11PhyDSSSTable
-    {12, 2, MissingRow::throwaway},   // dot11RegDomainsSupportedTable
-    {12, 2, MissingRow::throwaway},   // dot11SupportedDataRatesTxTable
-    {12, 2, MissingRow::throwaway},   // dot11SupportedDataRatesRxTable
-    {20, 1, MissingRow::throwaway},   // dot11PhyHRDSSSTable
-    {24, 1, MissingRow::throwaway},   // dot11PhyERPTable
+    {1, MissingRow::refused},    // dot11StationConfigTable
+    {2, MissingRow::refused},    // dot11AuthenticationAlgorithmsTable
+    {2, MissingRow::refused},    // dot11WEPDefaultKeysTable
+    {2, MissingRow::created},    // dot11WEPKeyMappingsTable
+    {1, MissingRow::refused},    // dot11PrivacyTable
+    {1, MissingRow::refused},    // dot11OperationTable
+    {1, MissingRow::throwaway},  // dot11CountersTable
+    {2, MissingRow::throwaway},  // dot11GroupAddressesTable
+    {1, MissingRow::throwaway},  // dot11ResourceInfoTable
+    {1, MissingRow::refused},    // dot11PhyOperationTable
+    {1, MissingRow::refused},    // dot11PhyTxPowerTable
+    {1, MissingRow::refused},    // dot11PhyDSSSTable
+    {2, MissingRow::throwaway},  // dot11RegDomainsSupportedTable
+    {2, MissingRow::throwaway},  // dot11SupportedDataRatesTxTable
+    {2, MissingRow::throwaway},  // dot11SupportedDataRatesRxTable
+    {1, MissingRow::throwaway},  // dot11PhyHRDSSSTable
+    {1, MissingRow::throwaway},  // dot11PhyERPTable
 };
 
 TEST(Catalogue, SaysHowATablesRowsAreMetBySets) {
     ASSERT_EQ(std::size(members), std::size(tables));
     for (size_t i = 0; i < std::size(tables); ++i) {
-        EXPECT_EQ(tables[i]->row_size, members[i].row_size) << tables[i]->name;
         EXPECT_EQ(tables[i]->indexes, members[i].indexes) << tables[i]->name;
         EXPECT_EQ(of_agent(*tables[i]).missing_row, members[i].missing_row) << tables[i]->name;
     }
@@ -142,11 +142,23 @@ std::string type_name(Type type) {
     }
 }
 
-std::string marks(const Column& column) {
-    if (column.answered == Answered::always) return "always-set";
-    if (column.answered == Answered::when_present) return "-";
-    EXPECT_TRUE(column.answered == Answered::never || column.answered == Answered::complete_only) << column.name;
-    return column.write_ends_handler ? "not-answered,never-written" : "not-answered";
+std::string answered(const Column& column) {
+    if (column.answered == Answered::always) return "always";
+    if (column.answered == Answered::complete_only) return "complete";
+    return column.answered == Answered::never ? "no" : "yes";
+}
+
+std::string accepted(const Column& column, const Table& table) {
+    if (!column.set) return "-";
+    if (column.write_ends_handler) return "dropped";
+    return table.entries ? "refused" : "accepted";
+}
+
+std::vector<std::string> keys(const Column& column) {
+    std::vector<std::string> texts;
+    for (const StoreKey& key : column.keys)
+        texts.push_back(std::string(key.table) + "/" + key.name);
+    return texts;
 }
 
 // The exported routine of that name, for comparison.
@@ -155,26 +167,40 @@ Routine* named(const std::string& name) {
     return reinterpret_cast<Routine*>(dlsym(RTLD_DEFAULT, name.c_str()));
 }
 
-TEST(Catalogue, IsWhatTheSurfaceFileSays) {
-    const std::vector<SurfaceColumn> surface = read_surface();
-    size_t next = 0;
-    for (const Table* table : tables) {
+void expect_routines(const Column& column) {
+    const std::string name = column.name;
+    EXPECT_EQ(column.get, named<GetColumn>("get_" + name));
+    if (!column.set) return;
+    EXPECT_EQ(column.set, named<SetColumn>("set_" + name));
+    EXPECT_EQ(column.check, named<Check>("check_" + name));
+}
+
+void expect_fact(const Table& table, const Column& column, const ColumnFact& fact) {
+    SCOPED_TRACE("tests/columns.tsv and the list of columns of " + fact.name + " in src/access/ differ");
+    EXPECT_EQ(dotted(of_agent(table).root, column.number), "1.2.840.10036." + fact.oid);
+    EXPECT_EQ(type_name(column.type), fact.type);
+    EXPECT_EQ(column.set ? "read-write" : "read-only", fact.access);
+    EXPECT_EQ(answered(column), fact.get);
+    EXPECT_EQ(accepted(column, table), fact.set);
+    EXPECT_EQ(table.entries || table.row_by_index, fact.has_rows);
+    EXPECT_EQ(keys(column), fact.keys);
+    expect_routines(column);
+}
+
+TEST(Catalogue, IsWhatTheTableOfFactsSays) {
+    std::map<std::string, const ColumnFact*> facts;
+    for (const ColumnFact& fact : column_facts())
+        facts[fact.name] = &fact;
+    for (const Table* table : tables)
         for (const Column& column : table->columns) {
-            ASSERT_LT(next, surface.size());
-            const SurfaceColumn& expected = surface[next++];
-            EXPECT_EQ(column.name, expected.name);
-            EXPECT_EQ(dotted(of_agent(*table).root, column.number), expected.oid) << column.name;
-            EXPECT_EQ(type_name(column.type), expected.type) << column.name;
-            EXPECT_EQ(marks(column), expected.marks) << column.name;
-            EXPECT_EQ(column.set ? "read-write" : "read-only", expected.access) << column.name;
-            EXPECT_EQ(column.get, named<GetColumn>("get_" + expected.name)) << column.name;
-            if (!expected.is_writable()) continue;
-            EXPECT_EQ(column.set, named<SetColumn>("set_" + expected.name)) << column.name;
-            EXPECT_EQ(column.check, named<Check>(expected.check)) << column.name;
+            const auto fact = facts.extract(column.name);
+            if (fact)
+                expect_fact(*table, column, *fact.mapped());
+            else
+                ADD_FAILURE() << "tests/columns.tsv has no line for " << column.name;
         }
-    }
-    EXPECT_EQ(next, 96U);
-    EXPECT_EQ(surface.size(), 96U);
+    for (const auto& [name, fact] : facts)
+        ADD_FAILURE() << "src/access/ has no line for " << name << ", which tests/columns.tsv has";
 }
 
 }  // namespace

@@ -4,7 +4,11 @@
 
 #include <cstdint>
 #include <cstring>
+#include <set>
+#include <string>
 #include <vector>
+
+#include "columns.h"
 
 using namespace dot11;
 
@@ -143,6 +147,15 @@ int check_octets(const Names& names, size_t length) {
 
 TEST(Checks, AreFiftyThree) {
     EXPECT_EQ(all_columns().size(), 53U);
+}
+
+TEST(Checks, AreTriedForEveryWritableColumn) {
+    std::set<std::string> tried;
+    for (const Column& column : all_columns())
+        tried.insert(column.names.column);
+    for (const ColumnFact& column : column_facts())
+        EXPECT_TRUE(tried.contains(column.name) || !column.is_writable())
+            << "tests/unit/checks_test.cc has no line for " << column.name;
 }
 
 TEST(Checks, Numbers) {

@@ -444,17 +444,17 @@ void PrintTo(const ReloadedTable& table, std::ostream* out) {
 }
 
 const ReloadedTable reloaded_tables[] = {
-    {HOOKS(dot11StationConfigTable), sinfo, 292, {unset}},
-    {HOOKS(dot11AuthenticationAlgorithmsTable), ainfo, 16, {1, 2}, 256},
-    {HOOKS(dot11WEPDefaultKeysTable), winfo, 76, {1, 2, 3, 4}, 512},
-    {HOOKS(dot11PrivacyTable), pinfo, 28, {unset}},
-    {HOOKS(dot11OperationTable), opinfo, 304, {unset}},
-    {HOOKS(dot11CountersTable), cinfo, 60, {unset}},
-    {HOOKS(dot11ResourceInfoTable), rinfo, 796, {unset}},
-    {HOOKS(dot11PhyOperationTable), poinfo, 16, {unset}},
-    {HOOKS(dot11PhyTxPowerTable), ptinfo, 44, {unset}},
-    {HOOKS(dot11PhyDSSSTable), pdsssinfo, 20, {unset}},
-    {HOOKS(dot11RegDomainsSupportedTable), rdinfo, 12, {1}},
+    {HOOKS(dot11StationConfigTable), sinfo, sizeof *sinfo, {unset}},
+    {HOOKS(dot11AuthenticationAlgorithmsTable), ainfo, sizeof *ainfo, {1, 2}, 256},
+    {HOOKS(dot11WEPDefaultKeysTable), winfo, sizeof *winfo, {1, 2, 3, 4}, 512},
+    {HOOKS(dot11PrivacyTable), pinfo, sizeof *pinfo, {unset}},
+    {HOOKS(dot11OperationTable), opinfo, sizeof *opinfo, {unset}},
+    {HOOKS(dot11CountersTable), cinfo, sizeof *cinfo, {unset}},
+    {HOOKS(dot11ResourceInfoTable), rinfo, sizeof *rinfo, {unset}},
+    {HOOKS(dot11PhyOperationTable), poinfo, sizeof *poinfo, {unset}},
+    {HOOKS(dot11PhyTxPowerTable), ptinfo, sizeof *ptinfo, {unset}},
+    {HOOKS(dot11PhyDSSSTable), pdsssinfo, sizeof *pdsssinfo, {unset}},
+    {HOOKS(dot11RegDomainsSupportedTable), rdinfo, sizeof *rdinfo, {1}},
 };
 
 // Tables keep the time of their latest pass: each test begins long after the one before.
