@@ -21,33 +21,35 @@ namespace dot11 {
 uint32_t dot11WEPKeyMappingIndexMax;
 
 // The hooks of a table with rows; Walk is one of those of iterator.h.
-#define TABLE_WITH_ROWS(table, Walk)                                                                  \
-    static Walk table##_walk;                                                                         \
-    netsnmp_variable_list* table##_get_first_data_point(void** loop_context, void** data_context,     \
-                                                        netsnmp_variable_list* put_index_data,        \
-                                                        netsnmp_iterator_info* info) {                \
-        begin_walk(table##_walk);                                                                     \
-        *loop_context = &table##_walk.loop;                                                           \
-        return table##_get_next_data_point(loop_context, data_context, put_index_data, info);         \
-    }                                                                                                 \
-    netsnmp_variable_list* table##_get_next_data_point(                                               \
-        void** loop_context, void**, netsnmp_variable_list* put_index_data, netsnmp_iterator_info*) { \
-        return next_row(table, table##_walk, *loop_context, put_index_data);                          \
-    }                                                                                                 \
-    void* table##_context_convert_function(void* loop_context, netsnmp_iterator_info*) {              \
-        return copy_of_row(table##_walk, loop_context);                                               \
-    }                                                                                                 \
-    void table##_data_free(void* row, netsnmp_iterator_info*) {                                       \
-        free(row);                                                                                    \
-    }                                                                                                 \
-    void* table##_create_data_context(netsnmp_variable_list*) {                                       \
-        return nullptr;                                                                               \
-    }                                                                                                 \
-    int table##_commit_row(void**, int) {                                                             \
-        return 0;                                                                                     \
-    }                                                                                                 \
-    constexpr Hooks table##_hooks = {table##_get_first_data_point,     table##_get_next_data_point,   \
-                                     table##_context_convert_function, table##_data_free,             \
+#define TABLE_WITH_ROWS(table, Walk)                                                                       \
+    static Walk table##_walk;                                                                              \
+    netsnmp_variable_list* table##_get_first_data_point(void** loop_context, void** data_context,          \
+                                                        netsnmp_variable_list* put_index_data,             \
+                                                        netsnmp_iterator_info* info) {                     \
+        begin_walk(table##_walk);                                                                          \
+        *loop_context = &table##_walk.loop;                                                                \
+        return table##_get_next_data_point(loop_context, data_context, put_index_data, info);              \
+    }                                                                                                      \
+    netsnmp_variable_list* table##_get_next_data_point(                                                    \
+        void** loop_context, void**, netsnmp_variable_list* put_index_data, netsnmp_iterator_info* info) { \
+        netsnmp_variable_list* indexes = next_row(table, table##_walk, *loop_context, put_index_data);     \
+        tell_order(table##_walk, info);                                                                    \
+        return indexes;                                                                                    \
+    }                                                                                                      \
+    void* table##_context_convert_function(void* loop_context, netsnmp_iterator_info*) {                   \
+        return copy_of_row(table##_walk, loop_context);                                                    \
+    }                                                                                                      \
+    void table##_data_free(void* row, netsnmp_iterator_info*) {                                            \
+        free(row);                                                                                         \
+    }                                                                                                      \
+    void* table##_create_data_context(netsnmp_variable_list*) {                                            \
+        return nullptr;                                                                                    \
+    }                                                                                                      \
+    int table##_commit_row(void**, int) {                                                                  \
+        return 0;                                                                                          \
+    }                                                                                                      \
+    constexpr Hooks table##_hooks = {table##_get_first_data_point,     table##_get_next_data_point,        \
+                                     table##_context_convert_function, table##_data_free,                  \
                                      table##_create_data_context,      table##_commit_row};
 
 // The hooks of a table without rows, and the row that a SET gets.

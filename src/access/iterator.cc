@@ -2,6 +2,7 @@
 
 #include <sys/time.h>
 
+#include <array>
 #include <climits>
 #include <ctime>
 
@@ -25,20 +26,29 @@ int64_t monotonic_milliseconds() {
     return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
 }
 
-bool reload(const Table& table, ReloadTimes& times) {
+bool reload(const Table& table, ReloadTimes& times, RowOrder& order) {
+    order = {};
     // Read first: rows count as old as the store's contents at the beginning of the load.
     if (max_age != 0) times.loaded = monotonic_milliseconds();
     return table.entries() && table.table_data();
 }
 
 // Reloads the table when it has not been asked for long enough. False when that failed.
-bool reload_after_silence(const Table& table, ReloadTimes& times) {
+bool reload_after_silence(const Table& table, ReloadTimes& times, RowOrder& order) {
     timeval now = {};
     gettimeofday(&now, nullptr);
     const int64_t seconds = now.tv_sec;
-    if (times.last_pass + quiet_seconds < seconds && !reload(table, times)) return false;
+    if (times.last_pass + quiet_seconds < seconds && !reload(table, times, order)) return false;
     times.last_pass = seconds;
     return true;
+}
+
+// They compare as the OIDs do, in which a negative index is a large sub-identifier.
+using Indexes = std::array<uint32_t, 2>;
+
+Indexes indexes_of(const Table& table, const void* row) {
+    const auto* values = static_cast<const uint32_t*>(row);
+    return {values[0], values[table.indexes - 1]};
 }
 
 netsnmp_variable_list* put_indexes(const Table& table, const void* row, netsnmp_variable_list* put_index_data) {
@@ -57,12 +67,19 @@ void begin_walk(ReloadTimes& times) {
 
 // Quirk: a walk ends where the position equals the count. A position past the count, which a reload in the middle of a
 // walk can leave, goes on with what the backend's array holds, up to its last record.
-netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, uint32_t& position, void* row,
-                                         netsnmp_variable_list* put_index_data) {
-    if (!reload_after_silence(table, times)) return nullptr;
+netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, RowOrder& order, uint32_t& position,
+                                         void* row, netsnmp_variable_list* put_index_data) {
+    if (!reload_after_silence(table, times, order)) return nullptr;
+    const bool is_first = position == 0;
+    if (is_first) order.ascends_so_far = true;
     const uint32_t count = table.index_count() * table.rows_per_interface;
-    if (position == count || position >= max_interfaces * table.rows_per_interface) return nullptr;
+    if (position == count || position >= max_interfaces * table.rows_per_interface) {
+        order.ascends = order.ascends_so_far;
+        return nullptr;
+    }
+    const Indexes before = indexes_of(table, row);
     table.entry_by_index(position, row);
+    if (!is_first && indexes_of(table, row) <= before) order = {};
     ++position;
     return put_indexes(table, row, put_index_data);
 }

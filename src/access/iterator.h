@@ -27,6 +27,13 @@ struct ReloadTimes {
     int64_t loaded;     // milliseconds of CLOCK_MONOTONIC, of the latest load while max_age was set
 };
 
+// Whether a table's rows ascend by their indexes. Nothing is read for this: a scan that gets from the first row to the
+// end without a reload has seen all rows, and they stay as they are until the next reload.
+struct RowOrder {
+    bool ascends;  // in the last such scan; false after a reload, and once a row does not come behind the one before
+    bool ascends_so_far;  // in the present scan, from the first row on
+};
+
 // The walk of a table whose rows are read as a whole: when it has not been asked for for more than 15 seconds, and when
 // the rows are older than max_age.
 //
@@ -36,6 +43,7 @@ template <class Row>
 struct ReloadingWalk {
     LoopContext<Row> loop;
     ReloadTimes times;
+    RowOrder order;
 };
 
 // The walk of a table whose backend hands out one row after the other, and says with each whether its group goes on.
@@ -54,8 +62,8 @@ void begin_walk(ReloadTimes& times);
 
 // The next row of a walk, into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
 // a reload failed; then the next call tries again.
-netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, uint32_t& position, void* row,
-                                         netsnmp_variable_list* put_index_data);
+netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, RowOrder& order, uint32_t& position,
+                                         void* row, netsnmp_variable_list* put_index_data);
 netsnmp_variable_list* next_rate(const Table& table, int32_t& value_index, uint32_t& position, void* row,
                                  netsnmp_variable_list* put_index_data);
 
@@ -63,7 +71,7 @@ template <class Row>
 netsnmp_variable_list* next_row(const Table& table, ReloadingWalk<Row>& walk, void* loop_context,
                                 netsnmp_variable_list* put_index_data) {
     auto* loop = static_cast<LoopContext<Row>*>(loop_context);
-    return next_reloaded_row(table, walk.times, loop->position, &loop->row, put_index_data);
+    return next_reloaded_row(table, walk.times, walk.order, loop->position, &loop->row, put_index_data);
 }
 
 template <class Row>
@@ -72,6 +80,24 @@ netsnmp_variable_list* next_row(const Table& table, RateWalk<Row>& walk, void* l
     auto* loop = static_cast<LoopContext<Row>*>(loop_context);
     return next_rate(table, walk.value_index, loop->position, &loop->row, put_index_data);
 }
+
+// Tells the agent's iterator, which may be null, whether the first row behind the one that a GETNEXT names is the next
+// one, so that it need not look at the rows behind that.
+//
+// The answers are those of an iterator that sees all rows. It looks at the flag after each row, and counts the requests
+// that the row answers. While rows ascend none answers a request better than the first that does, neither in this scan
+// nor in the one that follows when another request of the message goes on to the next column; so each is counted once
+// at most. After a reload no request is counted before a scan has seen all rows. A GET does not look at the flag. The
+// tables of rates, whose cache counts its calls, never set it.
+template <class Row>
+void tell_order(const ReloadingWalk<Row>& walk, netsnmp_iterator_info* iterator) {
+    if (!iterator) return;
+    iterator->flags &= ~NETSNMP_ITERATOR_FLAG_SORTED;
+    if (walk.order.ascends) iterator->flags |= NETSNMP_ITERATOR_FLAG_SORTED;
+}
+
+template <class Row>
+void tell_order(const RateWalk<Row>&, netsnmp_iterator_info*) {}
 
 template <class Row>
 void begin_walk(ReloadingWalk<Row>& walk) {

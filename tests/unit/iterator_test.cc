@@ -119,6 +119,7 @@ class Walk {
 struct Backend {
     int entries = 1, table_data = 1;
     uint32_t count = 0;
+    std::vector<Indexes> rows;  // what they begin with; empty: by their position
     std::vector<std::string> calls;
     std::function<void()> while_loading;
 } backend;
@@ -143,6 +144,10 @@ uint32_t index_count() {
 int entry_by_index(uint32_t position, void* row) {
     backend.calls.push_back("row " + std::to_string(position));
     *static_cast<TestRow*>(row) = {position + 1, position + 101, 7};
+    if (position < backend.rows.size()) {
+        const Indexes& indexes = backend.rows[position];
+        *static_cast<TestRow*>(row) = {static_cast<uint32_t>(indexes.first), static_cast<uint32_t>(indexes.second), 7};
+    }
     return 0;  // not looked at
 }
 
@@ -379,6 +384,131 @@ TEST_F(Aged, RowsFromBeforeTheOptionWasSetAreReloaded) {
     max_age = 30;
     EXPECT_TRUE(first_reloads(0));
     EXPECT_FALSE(first_reloads(0));
+}
+
+// -- whether the agent's iterator may stop at the first row behind the one asked for
+
+class RowsOrder : public NextRow {
+  protected:
+    RowsOrder() { iterator.flags = NETSNMP_HANDLER_OWNS_IINFO; }
+
+    void set_rows(std::vector<Indexes> rows) {
+        backend.rows = std::move(rows);
+        backend.count = static_cast<uint32_t>(backend.rows.size());
+    }
+    bool take() {
+        const bool found = next();
+        tell_order(walk, &iterator);
+        return found;
+    }
+    // Whether the flag is set behind the first row, or behind the end of a table without rows.
+    bool first() {
+        begin_walk(walk);
+        take();
+        return is_sorted();
+    }
+    bool after_a_scan() {
+        begin_walk(walk);
+        while (take()) {
+        }
+        return first();
+    }
+    bool is_sorted() const {
+        EXPECT_TRUE(iterator.flags & NETSNMP_HANDLER_OWNS_IINFO);
+        return iterator.flags & NETSNMP_ITERATOR_FLAG_SORTED;
+    }
+
+    netsnmp_iterator_info iterator = {};
+};
+
+TEST_F(RowsOrder, IsAscendingWhenEachRowIsBehindTheOneBefore) {
+    const struct {
+        const char* what;
+        uint32_t indexes;
+        std::vector<Indexes> rows;
+        bool sorted;
+    } orders[] = {
+        {"no row", 1, {}, true},
+        {"one row", 1, {{5, 0}}, true},
+        {"ascending", 1, {{1, 0}, {2, 0}, {9, 0}}, true},
+        {"from 0", 1, {{0, 0}, {1, 0}}, true},
+        {"negative numbers are large sub-identifiers", 1, {{1, 0}, {largest_31_bits, 0}, {-2, 0}, {-1, 0}}, true},
+        {"a negative number before", 1, {{-1, 0}, {1, 0}}, false},
+        {"falling", 1, {{9, 0}, {2, 0}, {1, 0}}, false},
+        {"the first two fall", 1, {{2, 0}, {1, 0}, {3, 0}}, false},
+        {"the last falls", 1, {{1, 0}, {3, 0}, {2, 0}}, false},
+        {"0 at the end", 1, {{1, 0}, {0, 0}}, false},
+        {"equal", 1, {{1, 0}, {1, 0}}, false},
+        {"equal at the end", 1, {{1, 0}, {2, 0}, {2, 0}}, false},
+        {"one index, whatever the second word is", 1, {{1, 5}, {2, 4}}, true},
+        {"two ascending", 2, {{1, 1}, {1, 2}, {2, 1}}, true},
+        {"two, the second falls", 2, {{1, 2}, {1, 1}}, false},
+        {"two, both equal", 2, {{1, 1}, {1, 1}}, false},
+        {"two, the first falls", 2, {{2, 1}, {1, 2}}, false},
+    };
+    for (const auto& [what, indexes, rows, sorted] : orders) {
+        SCOPED_TRACE(what);
+        table.indexes = indexes;
+        set_rows(rows);
+        device.now += 16;
+        EXPECT_EQ(after_a_scan(), sorted);
+        EXPECT_EQ(first(), sorted);
+    }
+}
+
+TEST_F(RowsOrder, IsKnownOnceAScanHasSeenAllRows) {
+    set_rows({{1, 0}, {2, 0}});
+    EXPECT_FALSE(first());
+    EXPECT_FALSE(first());
+    EXPECT_TRUE(take());
+    EXPECT_FALSE(is_sorted());
+    EXPECT_FALSE(take());
+    EXPECT_TRUE(first());
+}
+
+TEST_F(RowsOrder, IsForgottenByAReload) {
+    set_rows({{1, 0}, {2, 0}});
+    EXPECT_TRUE(after_a_scan());
+    device.now += 16;
+    EXPECT_FALSE(first());
+    EXPECT_TRUE(after_a_scan());
+    device.now += 16;
+    backend.entries = 0;
+    EXPECT_FALSE(first());
+}
+
+TEST_F(RowsOrder, IsUnknownForTheRestOfAScanWithAReload) {
+    set_rows({{1, 0}, {2, 0}, {3, 0}});
+    EXPECT_TRUE(after_a_scan());
+    device.now += 16;
+    EXPECT_TRUE(take());
+    EXPECT_FALSE(is_sorted());
+    EXPECT_TRUE(take());
+    EXPECT_FALSE(take());
+    EXPECT_FALSE(is_sorted());
+    EXPECT_FALSE(first());
+    EXPECT_TRUE(after_a_scan());
+}
+
+TEST_F(RowsOrder, EndsWithARowThatFallsWhateverTheScansBeforeSaw) {
+    set_rows({{1, 0}, {2, 0}, {3, 0}});
+    EXPECT_TRUE(after_a_scan());
+    set_rows({{1, 0}, {2, 0}, {2, 0}});
+    EXPECT_TRUE(take());
+    EXPECT_TRUE(is_sorted());
+    EXPECT_TRUE(take());
+    EXPECT_FALSE(is_sorted());
+    EXPECT_FALSE(after_a_scan());
+}
+
+TEST_F(RowsOrder, IsNotToldToNobody) {
+    set_rows({{1, 0}});
+    EXPECT_TRUE(after_a_scan());
+    tell_order(walk, nullptr);
+    RateWalk<TestRow> rates;
+    iterator.flags = 0;
+    tell_order(rates, &iterator);
+    EXPECT_EQ(iterator.flags, 0);
 }
 
 TEST_F(NextRow, CountsRowsPerInterface) {
