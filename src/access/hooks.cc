@@ -1,5 +1,7 @@
 #include "access/hooks.h"
 
+#include <cstdlib>
+
 #include "access/iterator.h"
 #include "access/tables.h"
 #include "access/wep_key_mappings.h"

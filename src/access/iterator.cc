@@ -3,7 +3,8 @@
 #include <sys/time.h>
 
 #include <array>
-#include <climits>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include "store/interfaces.h"
@@ -82,6 +83,12 @@ netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times,
     if (!is_first && indexes_of(table, row) <= before) order = {};
     ++position;
     return put_indexes(table, row, put_index_data);
+}
+
+void* copy_of_row(const void* row, size_t size) {
+    void* copy = calloc(1, size);
+    if (copy) memcpy(copy, row, size);
+    return copy;
 }
 
 netsnmp_variable_list* next_rate(const Table& table, int32_t& value_index, uint32_t& position, void* row,

@@ -6,8 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 
 #include "access/table.h"
 #include "util/net_snmp.h"
@@ -111,12 +109,12 @@ void begin_walk(RateWalk<Row>& walk) {
 }
 
 // A heap copy of the loop context's row, for the agent; null when out of memory.
+void* copy_of_row(const void* row, size_t size);
+
 template <template <class> class Walk, class Row>
 void* copy_of_row(const Walk<Row>&, const void* loop_context) {
     static_assert(offsetof(LoopContext<Row>, row) == sizeof(uint32_t), "the row follows the position");
-    void* copy = calloc(1, sizeof(Row));
-    if (copy) memcpy(copy, &static_cast<const LoopContext<Row>*>(loop_context)->row, sizeof(Row));
-    return copy;
+    return copy_of_row(&static_cast<const LoopContext<Row>*>(loop_context)->row, sizeof(Row));
 }
 
 }  // namespace dot11

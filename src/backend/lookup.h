@@ -21,7 +21,7 @@ int32_t parse_one_as_true(char* text);   // TruthValue (RFC 2579): 1 for "1", 2 
 // A key of an interface's own object and the field that it fills, with `absent` when the key is missing or empty.
 template <class Row>
 struct InterfaceKey {
-    StoreKey key;
+    const StoreKey& key;
     ScratchText* scratch;
     int32_t Row::*field;
     Conversion convert;

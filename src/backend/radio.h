@@ -33,7 +33,7 @@ bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText&
 // A text of the radio behind an interface, and the field that it fills, with its length.
 template <class Row, uint32_t size>
 struct RadioText {
-    StoreKey key;
+    const StoreKey& key;
     ScratchText* scratch;
     char (Row::*text)[size];
     uint32_t Row::*length;

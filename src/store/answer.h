@@ -15,16 +15,18 @@ struct ScratchText {
     uint32_t length;
 };
 
-// A key of the store: in which table's objects it stands, and its name.
+// A key of the store: in which table's objects it stands, and its name. Arrays, not pointers: the dynamic linker then
+// has nothing to do for a key.
 struct StoreKey {
-    const char* table;
-    const char* name;
+    char table[15];
+    char name[39];
 };
 
 // Returns the list of a get call to the store at the end of the scope.
 class Answer {
   public:
-    Answer(const StoreKey& key, const char* object) : list_(cfqlquery_get_pv(key.table, object, key.name)) {}
+    Answer(const StoreKey& key, const char* object) : Answer(key.table, object, key.name) {}
+    Answer(const char* table, const char* object, const char* key) : list_(cfqlquery_get_pv(table, object, key)) {}
     ~Answer() { cfqlquery_destroy_pv(list_); }
     Answer(const Answer&) = delete;
     Answer& operator=(const Answer&) = delete;

@@ -26,7 +26,7 @@ int32_t interface_count;
 
 // A MAC address under a key of the interface, the field that it fills and that field's length.
 struct MacKey {
-    StoreKey key;
+    const StoreKey& key;
     ScratchText* scratch;
     uint8_t (Row::*octets)[8];
     uint32_t Row::*length;

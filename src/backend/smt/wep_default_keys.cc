@@ -57,7 +57,7 @@ bool fill_row(Row& row, const char* interface, uint32_t number) {
     row.dot11WEPDefaultKeyIndex = number;
     const KeyName key(number);
     if (!key.text()) return false;
-    const Answer answer({"interface", key.text()}, interface);
+    const Answer answer("interface", interface, key.text());
     read_value(row, answer.list());
     return true;
 }
