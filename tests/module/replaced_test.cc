@@ -125,6 +125,14 @@ struct Walk {
         rate_calls.clear();
     }
 
+    void first_row() const {
+        netsnmp_variable_list index = {};
+        index.type = ASN_INTEGER;
+        void* loop = nullptr;
+        void* data = nullptr;
+        EXPECT_NE(first(&loop, &data, &index, nullptr), nullptr);
+    }
+
     // First and second index of every row.
     std::vector<std::pair<long, long>> rows() {
         netsnmp_variable_list second = {};
@@ -191,10 +199,32 @@ TEST(Replaced, TheFirstRowIsTheNextOneOfAWalkPutBack) {
     EXPECT_EQ(words[1], 9U) << "the row stays what it was";
 }
 
-class ReplacedRates : public testing::TestWithParam<std::string> {};
+class ReplacedRates : public testing::TestWithParam<std::string> {
+  protected:
+    // A last row leaves the flag as it is at load.
+    ReplacedRates() {
+        rate_results = {2};
+        Walk(GetParam()).first_row();
+    }
+};
 
 INSTANTIATE_TEST_SUITE_P(Tables, ReplacedRates,
-                         testing::Values("dot11SupportedDataRatesRxTable", "dot11SupportedDataRatesTxTable"));
+                         testing::Values("dot11SupportedDataRatesRxTable", "dot11SupportedDataRatesTxTable"),
+                         [](const auto& table) { return table.param; });
+
+void expect_new_groups() {
+    for (const char* table : {"dot11SupportedDataRatesRxTable", "dot11SupportedDataRatesTxTable"}) {
+        rate_results = {1};
+        Walk(table).first_row();
+        EXPECT_THAT(rate_calls, ElementsAre(std::pair(0, 1))) << table;
+    }
+}
+
+// In a process of its own, in which no other test has run.
+TEST(ReplacedRatesAtLoad, AGroupBegins) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    EXPECT_EXIT((expect_new_groups(), exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
+}
 
 TEST_P(ReplacedRates, TheNextGroupBeginsBehindALastRow) {
     rate_results = {1, 1, 2, 1, 2, 0};

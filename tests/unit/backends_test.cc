@@ -37,6 +37,9 @@ struct Backend {
     const void* scratch;
     Keys scratch_keys;  // of the scratch record's pairs, in their order, which other programs see; "": of none
 };
+void PrintTo(const Backend& backend, std::ostream* out) {
+    *out << backend.name;
+}
 
 // clang-format off
 const Backend backends[] = {

@@ -739,7 +739,9 @@ TEST_P(Reloaded, AClockThatGoesBackReadsNothing) {
 TEST_P(Reloaded, TheClockMayPassThirtyTwoBits) {
     if (sizeof(time_t) < 8) GTEST_SKIP() << "the system's clock does not";
     add_interfaces(1);
-    size_t expected = 0;
+    device.now = 0;
+    walk.first();  // the latest pass is then that of the epoch
+    size_t expected = reloads();
     for (const int64_t start : {largest_31_bits - 10, int64_t{0xFFFFFFFF} - 10}) {
         device.now = start;
         walk.first();
@@ -847,9 +849,9 @@ TEST_F(AllTables, FourHaveNoRowsAndTouchNothing) {
 TEST_F(AllTables, OnlyKeyMappingsMakeRows) {
     for (const TableHooks& table : {empty_tables[1], empty_tables[2], empty_tables[3]})
         EXPECT_EQ(table.create(nullptr), nullptr) << table.name;
-    EXPECT_EQ(dot11WEPKeyMappingIndexMax, 0U);
+    const uint32_t before = dot11WEPKeyMappingIndexMax;
     const uint8_t zeroes[32] = {};
-    for (uint32_t made = 1; made <= 3; ++made) {
+    for (uint32_t made = before + 1; made <= before + 3; ++made) {
         void* row = dot11WEPKeyMappingsTable_create_data_context(nullptr);
         ASSERT_NE(row, nullptr);
         EXPECT_EQ(memcmp(row, zeroes, sizeof zeroes), 0);
@@ -858,7 +860,7 @@ TEST_F(AllTables, OnlyKeyMappingsMakeRows) {
     }
     device.fail_allocation(1);
     EXPECT_EQ(dot11WEPKeyMappingsTable_create_data_context(nullptr), nullptr);
-    EXPECT_EQ(dot11WEPKeyMappingIndexMax, 3U);
+    EXPECT_EQ(dot11WEPKeyMappingIndexMax, before + 3);
 }
 
 // -- the supported rates: the backend says when a group of rates ends
@@ -907,18 +909,6 @@ TEST_P(Rates, AWalkThatBeginsAnewResetsThePositionOnly) {
     ASSERT_TRUE(walk.next());
     EXPECT_THAT(walk.rows(), ElementsAre(Indexes{11, 3}, Indexes{12, 1}));
     EXPECT_THAT(walk.rows(), ElementsAre(Indexes{11, 1}, Indexes{11, 2}, Indexes{11, 3}, Indexes{12, 1}));
-}
-
-// They keep their own 50 seconds.
-TEST_P(Rates, AMaximalAgeIsNotForThem) {
-    add_groups({1});
-    max_age = 1;
-    walk.rows();
-    const size_t calls = reloads();
-    device.monotonic_milliseconds += 1'000'000;
-    walk.rows();
-    max_age = 0;
-    EXPECT_EQ(reloads(), calls);
 }
 
 TEST_P(Rates, WithoutRatesThereAreNoRows) {

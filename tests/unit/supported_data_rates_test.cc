@@ -135,8 +135,7 @@ class RateDevice : private WithEmptyCache, public ScriptedDevice {
     std::vector<std::string> fetches() const { return calls_of("get"); }
 };
 
-// Before all others, also where all run in one process.
-TEST(RatesAtLoad, AreEmpty) {
+void expect_empty_caches() {
     for (const Side& side : {rx, tx}) {
         ScriptedDevice device;
         device.interfaces["a"] = 97;
@@ -148,6 +147,12 @@ TEST(RatesAtLoad, AreEmpty) {
         EXPECT_EQ(Iterator(side).walk(), (Rows{{97, 1, 22}}));
         EXPECT_EQ(*side.last_load, 0U) << "the fourth call ends the walk";
     }
+}
+
+// In a process of its own, in which no other test has run.
+TEST(RatesAtLoad, AreEmpty) {
+    testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    EXPECT_EXIT((expect_empty_caches(), exit(testing::Test::HasFailure() ? 1 : 0)), testing::ExitedWithCode(0), "");
 }
 
 class Rates : public testing::TestWithParam<Side> {

@@ -29,6 +29,9 @@ struct Writer {
     // Its results without memory for the n-th allocation.
     std::vector<int32_t> out_of_memory;
 };
+void PrintTo(const Writer& writer, std::ostream* out) {
+    *out << writer.name;
+}
 
 template <int32_t (*set)(const uint32_t*, const uint32_t*, uint32_t)>
 int32_t number(uint32_t index) {
