@@ -65,6 +65,7 @@ Status Cache::take_contents() {
     watch_.loaded(store.change_counter());
     loaded_ = true;
     suspect_ = false;
+    has_written_ = false;
     busy_since_ = 0;
     return status;
 }
@@ -80,13 +81,15 @@ Status Cache::read_contents(Database& store, Snapshot& next) {
     return status;
 }
 
-// How long a load may wait for the lock, in ms. Who has contents answers from them, and waits when they get old.
+// How long a load may wait for the lock, in ms. Who has contents answers from them, and waits when they get old or lack
+// a write of the process's own.
 int Cache::patience() const {
-    const bool waits = !loaded_ || (busy_since_ != 0 && now_ - busy_since_ >= busy_limit);
+    const bool waits = !loaded_ || has_written_ || (busy_since_ != 0 && now_ - busy_since_ >= busy_limit);
     return waits ? reader_wait_ms : 0;
 }
 
 void Cache::expire() {
+    has_written_ = true;
     next_check_ = next_load_ = 0;
 }
 

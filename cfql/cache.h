@@ -36,9 +36,10 @@ class Cache {
 
     Watch watch_;
     Snapshot contents_;
-    bool loaded_ = false;   // contents_ are a store's
-    bool suspect_ = false;  // the last load failed, and not for want of the lock
-    std::int64_t now_ = 0;  // times in microseconds of CLOCK_MONOTONIC
+    bool loaded_ = false;       // contents_ are a store's
+    bool has_written_ = false;  // since the last good load
+    bool suspect_ = false;      // the last load failed, and not for want of the lock
+    std::int64_t now_ = 0;      // times in microseconds of CLOCK_MONOTONIC
     std::int64_t next_check_ = 0;
     std::int64_t next_load_ = 0;
     std::int64_t credit_ = 0;      // so much before it a load may begin

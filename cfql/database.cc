@@ -152,7 +152,9 @@ Status Database::open_for_load(const char* path, int wait_ms) {
 // Leaves a read transaction open. Its lock comes before SQLite reads any of the schema.
 Status Database::connect(const char* path, int flags, int wait_ms) {
     char file[PATH_MAX];
-    Status status = literal_path(path, file) ? open_file(file, flags, wait_ms) : Status::absent;
+    Status status = literal_path(path, file) ? Status::ok : Status::absent;
+    if (status == Status::ok && is_empty(file)) status = Status::not_a_store;
+    if (status == Status::ok) status = open_file(file, flags, wait_ms);
     if (status == Status::ok) status = begin_read();
     if (status == Status::ok) status = run("PRAGMA cache_size=-64");
     if (status != Status::ok) close();

@@ -15,6 +15,10 @@ void log_error(const char* line) {
     char datagram[1024];
     const int size = snprintf(datagram, sizeof datagram, "<%d>cfqlquery[%ld]: %s", LOG_DAEMON | LOG_ERR,
                               static_cast<long>(getpid()), line);
+    // A path may hold anything, and a log is shown on terminals.
+    for (char* octet = datagram; *octet != '\0'; ++octet) {
+        if (static_cast<unsigned char>(*octet) < 0x20 || *octet == 0x7f) *octet = '?';
+    }
     const int log = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (log < 0) return;
     const struct sockaddr_un place = {AF_UNIX, "/dev/log"};

@@ -26,6 +26,11 @@ Status examine_path(const char* path) {
     return S_ISREG(file.st_mode) ? Status::ok : Status::not_a_store;
 }
 
+bool is_empty(const char* path) {
+    struct stat file;
+    return stat(path, &file) == 0 && S_ISREG(file.st_mode) && file.st_size == 0;
+}
+
 bool is_regular_or_absent(const char* path) {
     struct stat file;
     return lstat(path, &file) != 0 || S_ISREG(file.st_mode);

@@ -18,6 +18,10 @@ bool literal_path(const char* path, char (&out)[PATH_MAX]);
 // ok for a regular file, otherwise absent, denied, io_error or not_a_store.
 Status examine_path(const char* path);
 
+// Whether a file is at PATH and has no octets, as those of /proc say of themselves: one of them is never read to its
+// end.
+bool is_empty(const char* path);
+
 // Whether a file lies beside the store at PATH (resolved) that SQLite must not see: a log, which it would merge into
 // the store, or a journal that is no regular file, on which it might wait for ever.
 bool is_obstructed(const char* path);
