@@ -328,6 +328,13 @@ void Agent::restart_master() {
     wait_for_tables();
 }
 
+void Agent::restart() {
+    daemon_.reset();
+    std::filesystem::remove(folder_ + "/agent.log");
+    daemon_ = std::make_unique<Daemon>(folder_, "agent", "", "NET-SNMP version");
+    wait_for_tables();
+}
+
 // The agent hears the signal only once it serves requests, and may go to sleep between the signal and its look for one.
 bool Agent::reload(size_t lines) {
     constexpr char last_refusal[] = "and dot11RegDomainsSupportedTable";
@@ -341,12 +348,15 @@ bool Agent::reload(size_t lines) {
 }
 
 void Agent::configure(const std::string& arguments, const std::string& store) const {
-    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/" + store + " " + arguments + " >>" + folder_ +
-        "/cfql.log");
+    run(command(arguments, store) + " >>" + folder_ + "/cfql.log");
+}
+
+std::string Agent::command(const std::string& arguments, const std::string& store) const {
+    return setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/" + store + " " + arguments;
 }
 
 std::string Agent::printed(const std::string& arguments) const {
-    run(setting("AGENT_CFQL", CFQL) + " --store " + folder_ + "/store.db " + arguments + " >" + folder_ + "/printed");
+    run(command(arguments) + " >" + folder_ + "/printed");
     return read_file(folder_ + "/printed");
 }
 

@@ -109,6 +109,7 @@ class Agent {
     // Runs the store's tool on the agent's store, or on another in its folder: configure("set interface wlan0 ssid
     // lobby").
     void configure(const std::string& arguments, const std::string& store = "store.db") const;
+    std::string command(const std::string& arguments, const std::string& store = "store.db") const;  // that runs it
     std::string printed(const std::string& arguments) const;  // by the tool, of the agent's store
     std::string exported() const;                             // the store's content
 
@@ -118,6 +119,7 @@ class Agent {
     agent_control& control() { return *control_; }
     Daemon& daemon() { return *daemon_; }  // the one that has the module
     void restart_master();                 // of a subagent
+    void restart();                        // of an agent that is not a subagent
     // Has the agent load the modules of its "dlmod" lines again. False when it does not within half a minute.
     bool reload(size_t lines = 1);
 
