@@ -127,8 +127,8 @@ Status Cursor::next(Row& row) {
     return Status::ok;
 }
 
-Status Database::open(const char* path, Access access) {
-    Status status = open_once(path, access);
+Status Database::open(const char* path, Access access, int wait_ms) {
+    Status status = open_once(path, access, wait_ms);
     // Where the recovery fails, the journal stays, and what it protects cannot be read either.
     const bool reads = access == Access::recover || access == Access::salvage;
     const bool failed = status == Status::io_error || status == Status::denied || status == Status::read_only;
@@ -140,9 +140,9 @@ Status Database::open(const char* path, Access access) {
     return status;
 }
 
-Status Database::open_once(const char* path, Access access) {
+Status Database::open_once(const char* path, Access access, int wait_ms) {
     if (access == Access::read) return open_for_load(path, reader_wait_ms);
-    return connect(path, SQLITE_OPEN_READWRITE, writer_wait_ms);
+    return connect(path, SQLITE_OPEN_READWRITE, wait_ms);
 }
 
 Status Database::open_for_load(const char* path, int wait_ms) {

@@ -106,9 +106,8 @@ class Database {
     Status create(const char* path);
 
     // Opens an existing store and examines it (kind, version, schema, structure). Never makes a file. Waits for each
-    // lock reader_wait_ms for Access::read, otherwise writer_wait_ms. A relative PATH counts from the working
-    // directory.
-    Status open(const char* path, Access access);
+    // lock reader_wait_ms for Access::read, otherwise WAIT_MS. A relative PATH counts from the working directory.
+    Status open(const char* path, Access access, int wait_ms = writer_wait_ms);
 
     // As open() for Access::read, waiting WAIT_MS for the lock, but the trees are not examined, and a read transaction
     // is left open: what follows sees one state.
@@ -171,7 +170,7 @@ class Database {
     friend class Cursor;
     enum Query : std::uint8_t { find_, next_id_, insert_, erase_, erase_attributes_, put_, get_, drop_, query_count_ };
 
-    Status open_once(const char* path, Access access);
+    Status open_once(const char* path, Access access, int wait_ms);
     Status connect(const char* path, int flags, int wait_ms);
     Status open_file(const char* file, int flags, int wait_ms);
     Status configure();

@@ -34,6 +34,11 @@ bool is_known_table(std::string_view table);
 // Why the agent would never read KEY in TABLE, with the name that may have been meant; empty when it may.
 std::string typing_error(std::string_view table, std::string_view key);
 
+// Keys of the collector's, which the agent does not read: that an object is the collector's, and the index of the
+// interface that its counters belong to.
+inline constexpr std::string_view origin_key = "origin";
+inline constexpr std::string_view origin_index_key = "origin-index";
+
 }  // namespace cfql::tool
 
 #endif

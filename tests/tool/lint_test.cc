@@ -141,6 +141,14 @@ TEST_F(Lint, Values) {
     }
 }
 
+TEST_F(Lint, TheCollectorsMarksAreKnown) {
+    const std::string mark = "origin = \"cfql-collector\"\n";
+    const std::string out = lint("[[interface]]\nname = \"wlan0\"\ntype = \"service-set\"\norigin-index = \"6\"\n" +
+                                 mark + "[[system]]\ncountry = \"DE\"\n" + mark)
+                                .out;
+    EXPECT_EQ(out.find("origin"), std::string::npos) << out;
+}
+
 TEST_F(Lint, DefaultsOfAnEmptyInterface) {
     const std::string out = lint("[[interface]]\nname = \"wlan0\"\ntype = \"service-set\"\nssid = \"\"\n").out;
     const struct {

@@ -1,0 +1,94 @@
+// A pass: asks the sources, accumulates, and hands the result to the store. Between passes it takes in events.
+#ifndef COLLECTOR_COLLECTOR_H
+#define COLLECTOR_COLLECTOR_H
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "configuration.h"
+#include "counters.h"
+#include "hostapd.h"
+#include "kernel.h"
+#include "log.h"
+#include "names.h"
+#include "observed.h"
+#include "writer.h"
+
+namespace collector {
+
+class Collector {
+  public:
+    // All of them outlive the collector.
+    struct Parts {
+        Kernel& kernel;
+        Hostapd& hostapd;
+        Names& names;
+        Writer& writer;
+        Log& log;
+    };
+
+    Collector(const Parts& parts, Configuration configuration, Manufacturer manufacturer)
+        : parts_(parts), configuration_(std::move(configuration)), manufacturer_(std::move(manufacturer)) {}
+
+    // Reads back what an earlier run left in the store.
+    Writer::Result load();
+
+    void configure(Configuration configuration) { configuration_ = std::move(configuration); }
+
+    // Takes in what came by itself. True when a pass should follow.
+    bool take_events();
+
+    // Looks at everything. False: the kernel did not answer, and the last look stands.
+    bool look(std::int64_t now);
+
+    // Writes what the last look found.
+    void write(std::int64_t now);
+
+    const Observed& observed() const { return observed_; }
+    Contents wanted() const { return contents(observed_, configuration_); }
+
+    // An access point is about to start; no event will tell when it has.
+    bool is_under_way() const { return under_way_; }
+
+    // Something came while the last look was being taken, which may have missed it.
+    bool is_out_of_date() const { return events_.unseen; }
+
+  private:
+    struct State {
+        Accumulator counters;
+        LastSent sent;
+        std::optional<HostapdBss> hostapd;  // what it said last, since this access point was started
+        std::vector<Departed> departed;     // since the last look
+    };
+
+    State& state(const Interface& interface);
+    bool read_interfaces(std::int64_t now);
+    void read_radios(std::int64_t now);
+    bool ask_hostapd(const Interface& interface, std::int64_t now);
+    void say_of_hostapd(const std::string& interface, Answer answer, std::int64_t now);
+    void look_at(const Interface& interface, std::int64_t now);
+    void leave_out(const Interface& interface, const std::string& cause, std::int64_t now);
+    bool add_stations(AccessPoint& point, std::int64_t now);
+    void add_group_key(AccessPoint& point, std::int64_t now);
+    void count();
+    void take_frames();
+    bool acks_count(const Interface& interface) const;
+
+    Parts parts_;
+    Configuration configuration_;
+    Manufacturer manufacturer_;
+    Observed observed_;
+    Events events_;                      // that no look has seen
+    std::vector<Interface> interfaces_;  // of the present look
+    std::map<std::uint32_t, State> states_;
+    std::map<std::uint32_t, Stations> stations_;  // of the present look
+    std::map<std::uint32_t, Values> left_by_earlier_run_;
+    bool has_looked_ = false;
+    bool under_way_ = false;
+};
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,41 @@
+// The operator's file: values that no live source has, and names.
+//
+//     ["*"]                      every interface
+//     wep-default-key = "1"      a key of the store
+//     [wlan0]                    one, by the name that the kernel has for it; wins over "*"
+//     name = "guest"             the name to serve it under, at most five octets; not in "*"
+#ifndef COLLECTOR_CONFIGURATION_H
+#define COLLECTOR_CONFIGURATION_H
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace collector {
+
+inline constexpr std::string_view all_interfaces = "*";
+
+using Values = std::map<std::string, std::string, std::less<>>;
+
+struct Configuration {
+    std::map<std::string, Values, std::less<>> tables;        // interface or "*": key, value
+    std::map<std::string, std::string, std::less<>> aliases;  // interface: name
+
+    // The value of KEY for INTERFACE, or null.
+    const std::string* find(std::string_view interface, std::string_view key) const;
+
+    bool operator==(const Configuration&) const = default;
+};
+
+// NAME can be the name of a network interface, and of one that is served.
+bool is_served_name(std::string_view name);
+
+// SOURCE names the text in messages. Throws Failure (Exit::configuration) with line and column.
+Configuration read_configuration(std::string_view text, std::string_view source);
+
+// The file at PATH; an absent file is an empty one. Throws Failure (Exit::configuration).
+Configuration load_configuration(const std::string& path);
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,50 @@
+// From what was seen to what the store is to hold: every key and its conversion. Pure.
+#ifndef COLLECTOR_CONTENTS_H
+#define COLLECTOR_CONTENTS_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "configuration.h"
+#include "observed.h"
+
+namespace collector {
+
+struct ObjectName {
+    std::string table;
+    std::string name;
+
+    auto operator<=>(const ObjectName&) const = default;
+};
+
+using Contents = std::map<ObjectName, Values>;
+
+// The channel's number of a frequency in MHz, in every band; absent: none.
+std::optional<std::uint32_t> channel(std::uint32_t frequency);
+
+// Milliwatts of 1/100 dBm, rounded; at least 1.
+std::uint32_t milliwatts(std::int32_t power);
+
+// Regulatory domain as the MIB numbers it; absent: it has no number there.
+std::optional<std::uint32_t> regulatory_domain(const Regulatory& rules);
+
+// Lower-case hexadecimal digits, separated by colons.
+std::string mac_text(const Mac& mac);
+std::optional<Mac> mac_of(std::string_view text);
+
+// TEXT without control characters and blanks at its ends, at most 127 octets.
+std::string plain(std::string_view text);
+
+Contents contents(const Observed& observed, const Configuration& configuration);
+
+// The reverse, for a restart: what an interface object of the collector's holds of the interface INDEX. Nothing when it
+// is another interface's.
+Totals totals_of(const Values& object);
+LastSent sent_of(const Values& object);
+std::optional<std::uint32_t> index_of(const Values& object);
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,53 @@
+// The keys of the store that the collector writes, and where they lie.
+#ifndef COLLECTOR_KEYS_H
+#define COLLECTOR_KEYS_H
+
+#include <optional>
+#include <string_view>
+
+#include "facts.h"
+
+namespace collector {
+
+inline constexpr std::string_view interface_table = "interface";
+inline constexpr std::string_view bss_table = "bss";
+inline constexpr std::string_view radio_table = "radio";
+inline constexpr std::string_view system_table = "system";
+
+// Says that an object is the collector's; in the table "system", that the country is.
+using cfql::tool::origin_key;
+inline constexpr std::string_view origin = "cfql-collector";
+
+// The index of the interface whose counters an object holds.
+inline constexpr std::string_view index_key = cfql::tool::origin_index_key;
+
+// The "type" of an interface that the agent serves.
+inline constexpr std::string_view served_type = "service-set";
+
+inline constexpr std::string_view country_key = "country";
+
+// Counters, as they are read back at a restart.
+inline constexpr std::string_view transmitted_key = "transmitted-frame-count";
+inline constexpr std::string_view failed_key = "failed-count";
+inline constexpr std::string_view received_key = "received-fragment-count";
+inline constexpr std::string_view unacknowledged_key = "ack-failure-count";
+inline constexpr std::string_view bad_checksums_key = "fcs-error-count";
+
+// The last frame of each kind, in the order of Told: code and station.
+struct SentKeys {
+    std::string_view code;
+    std::string_view station;
+};
+inline constexpr SentKeys sent_keys[] = {
+    {"dot11-disassociate-reason", "dot11-disassociate-station"},
+    {"dot11-deauthenticate-reason", "dot11-deauthenticate-station"},
+    {"dot11-authenticate-fail-status", "dot11-authenticate-fail-station"},
+};
+
+// The table of the object that holds KEY, for keys that an operator may give: those that the agent reads, without the
+// collector's links and marks.
+std::optional<std::string_view> table_of(std::string_view key);
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,16 @@
+// What --list prints: radios, access points, stations counted, under which name each is served, what not and why.
+#ifndef COLLECTOR_LIST_H
+#define COLLECTOR_LIST_H
+
+#include <string>
+
+#include "observed.h"
+
+namespace collector {
+
+// Lines of printable text, whatever is on the air.
+std::string list(const Observed& observed);
+
+}  // namespace collector
+
+#endif

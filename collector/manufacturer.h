@@ -1,0 +1,16 @@
+// Who made the device, as firmware tells: DMI, or the device tree.
+#ifndef COLLECTOR_MANUFACTURER_H
+#define COLLECTOR_MANUFACTURER_H
+
+#include <string>
+
+#include "observed.h"
+
+namespace collector {
+
+// ROOT stands for "/sys". What is not told is empty.
+Manufacturer read_manufacturer(const std::string& root);
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,59 @@
+// Under which name an interface is served. The agent takes names of at most five octets; a longer one is served by an
+// alternative name of the interface, which the kernel resolves like the real one.
+#ifndef COLLECTOR_NAMES_H
+#define COLLECTOR_NAMES_H
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "configuration.h"
+#include "links.h"
+
+namespace collector {
+
+// NAME looks like one that the collector makes: digits, "ap", digits, as 0ap1. No other tool makes such names.
+bool is_made_name(std::string_view name);
+
+// The NTH name to try for an interface of RADIO, NTH from 0; nothing when there are no more.
+std::optional<std::string> made_name(std::uint32_t radio, unsigned nth);
+
+class Names {
+  public:
+    enum class Mode : std::uint8_t {
+        set,      // sets names that are missing
+        look,     // takes names that are there, sets none
+        refused,  // takes names that are there, sets none: the operator wants no names set
+    };
+
+    Names(Links& links, Mode mode) : links_(links), mode_(mode) {}
+
+    struct Served {
+        std::string name;   // empty: cannot be served
+        std::string cause;  // then why, and what to do
+    };
+
+    // CONFIGURED: the name that the operator wants, or null. Kept until the interface loses it.
+    Served served(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
+
+    // Forgets interfaces for which GONE holds.
+    void forget(const std::function<bool(std::uint32_t)>& gone);
+
+    // Removes the names that INTERFACE has from the collector; those removed.
+    std::vector<std::string> remove(std::uint32_t interface, const std::string* configured);
+
+  private:
+    Served alias(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
+    Served add(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
+    Served refusal(int error, const std::string& name, const std::string& alias) const;
+
+    Links& links_;
+    Mode mode_;
+    std::map<std::uint32_t, std::string> aliases_;
+};
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,59 @@
+// A netlink socket: questions that are answered at once, and events that come by themselves.
+#ifndef COLLECTOR_NETLINK_H
+#define COLLECTOR_NETLINK_H
+
+#include <libmnl/libmnl.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace collector {
+
+using Visit = std::function<void(const nlmsghdr*)>;
+
+// A request under construction: libmnl's calls add to header().
+class Request {
+  public:
+    Request(std::uint16_t type, std::uint16_t flags);
+    nlmsghdr* header() { return reinterpret_cast<nlmsghdr*>(buffer_); }
+
+  private:
+    alignas(nlmsghdr) char buffer_[1024];
+};
+
+class Netlink {
+  public:
+    // All calls answer 0 or an errno value.
+    int open(int bus);
+    void close() { socket_.reset(); }
+    bool is_open() const { return socket_ != nullptr; }
+    int descriptor() const { return mnl_socket_get_fd(socket_.get()); }
+    int join(std::uint32_t group);
+
+    // Asks for room for SIZE octets of events that were not read yet; gets less without CAP_NET_ADMIN.
+    void enlarge(int size);
+
+    // Sends REQUEST and gives every part of the answer to VISIT. ETIMEDOUT when the kernel does not end it within two
+    // seconds, EINTR when what was listed changed meanwhile: ask again.
+    int ask(Request& request, const Visit& visit);
+
+    // Gives every event that is there to VISIT, without waiting. ENOBUFS: some were lost.
+    int drain(const Visit& visit);
+
+  private:
+    struct Close {
+        void operator()(mnl_socket* socket) const { mnl_socket_close(socket); }
+    };
+    int receive(std::size_t& size);
+    int answer(std::uint32_t sequence, const Visit& visit, std::int64_t deadline);
+
+    std::unique_ptr<mnl_socket, Close> socket_;
+    std::vector<char> buffer_;
+    std::uint32_t sequence_ = 0;
+};
+
+}  // namespace collector
+
+#endif

@@ -1,0 +1,27 @@
+// Messages to the service manager, by the protocol of sd_notify(3). Without a manager they go nowhere.
+#ifndef COLLECTOR_NOTIFY_H
+#define COLLECTOR_NOTIFY_H
+
+#include <cstdint>
+#include <string>
+
+namespace collector {
+
+class Notify {
+  public:
+    // Takes NOTIFY_SOCKET and WATCHDOG_USEC from the environment.
+    Notify();
+
+    void send(const std::string& message) const;
+
+    // ms between two signs of life that the manager wants; 0: it wants none.
+    std::int64_t watchdog() const { return watchdog_; }
+
+  private:
+    std::string socket_;
+    std::int64_t watchdog_ = 0;
+};
+
+}  // namespace collector
+
+#endif

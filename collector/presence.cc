@@ -1,0 +1,34 @@
+#include "presence.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+
+namespace collector {
+
+Presence::~Presence() {
+    if (descriptor_ >= 0) close(descriptor_);
+}
+
+int Presence::claim() {
+    descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0640);
+    if (descriptor_ < 0) return errno;
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0) return errno;
+    if (!S_ISREG(status.st_mode)) return EINVAL;
+    return flock(descriptor_, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+}
+
+void Presence::stamp(std::int64_t seconds, std::int64_t interval) const {
+    char line[40];
+    const int size = snprintf(line, sizeof line, "%020" PRId64 " %05" PRId64 "\n", seconds, interval);
+    // A reader finds an old stamp when this fails, and says so.
+    [[maybe_unused]] const ssize_t written = pwrite(descriptor_, line, static_cast<std::size_t>(size), 0);
+}
+
+}  // namespace collector

@@ -1,0 +1,43 @@
+// The kernel as it is: nl80211 and the events of links.
+#ifndef COLLECTOR_WIRELESS_H
+#define COLLECTOR_WIRELESS_H
+
+#include <set>
+
+#include "kernel.h"
+#include "netlink.h"
+#include "nl80211.h"
+
+namespace collector {
+
+class Wireless : public Kernel {
+  public:
+    // 0 or an errno value: no netlink at all. A kernel without nl80211 is no error here: it may come.
+    int open();
+
+    // To be watched: readable when events() has something.
+    int wireless_events() const { return events_.descriptor(); }
+    int link_events() const { return link_events_.descriptor(); }
+
+    int interfaces(std::vector<Interface>& found) override;
+    int radio(std::uint32_t index, Radio& radio) override;
+    int regulatory(std::vector<Regulatory>& found) override;
+    int stations(std::uint32_t interface, Stations& found) override;
+    int group_key(std::uint32_t interface, bool& present) override;
+    void events(Events& events) override;
+
+  private:
+    int find_family();
+    int ask(std::uint8_t command, std::uint16_t flags, const std::function<void(nlmsghdr*)>& add, const Visit& visit);
+    int list(std::uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
+             const Visit& visit);
+
+    Netlink questions_, events_, link_events_;
+    nl80211::Family family_;
+    std::int64_t asked_for_family_ = 0;  // when; 0: never
+    std::set<std::uint32_t> watched_;    // interfaces of access points
+};
+
+}  // namespace collector
+
+#endif
