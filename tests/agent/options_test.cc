@@ -389,8 +389,8 @@ TEST(Help, SnmpdListsTheTokens) {
     Agent agent(full_configuration(1));
     const std::string file = agent.folder() + "/help";
     std::ofstream(agent.folder() + "/help.conf") << "dlmod ieee802dot11 " << built_module() << "\n";
-    run("MIBS= SNMP_PERSISTENT_DIR=" + agent.folder() + " CFQL_STORE=" + agent.folder() +
-        "/store.db LD_LIBRARY_PATH=" + std::filesystem::path(CFQLQUERY).parent_path().string() + " " SNMPD " -C -c " +
+    run("MIBS= SNMP_PERSISTENT_DIR=" + agent.folder() +
+        " ASAN_OPTIONS=detect_leaks=0:detect_odr_violation=0 env LD_PRELOAD=" + PRELOAD " " SNMPD " -C -c " +
         agent.folder() + "/help.conf -H >" + file + " 2>&1 || true");
     EXPECT_THAT(text_of(file), HasSubstr("dot11Answers"));
     EXPECT_THAT(text_of(file), HasSubstr("standard | complete"));
