@@ -572,7 +572,7 @@ TEST_F(ReadOnly, ADirectoryOfSomebodyElseIsRead) {
             write_file(shipped + "/store.db-journal", "");
             chmod((shipped + "/store.db-journal").c_str(), 0600);
         }
-        for (const mode_t mode : {0755, 0711}) {
+        for (const mode_t mode : {0755U, 0711U}) {
             chmod(shipped.c_str(), mode);
             chmod((shipped + "/store.db").c_str(), 0644);
             alone([] {
