@@ -51,7 +51,7 @@ bool is_gone(int error) {
 }  // namespace
 
 Writer::Result Collector::load() {
-    const Writer::Result result = parts_.writer.load();
+    Writer::Result result = parts_.writer.load();
     for (const auto& [name, values] : parts_.writer.held()) {
         const std::optional<std::uint32_t> index = index_of(values);
         if (name.table == interface_table && index) left_by_earlier_run_[*index] = values;

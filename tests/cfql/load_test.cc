@@ -80,6 +80,8 @@ TEST(Bound, AFileBeyondItIsNotRead) {
     EXPECT_EQ(get("system", nullptr, "model"), std::nullopt);
 }
 
+// A sanitizer's allocator takes more, and keeps what was released.
+#ifndef ADDRESS_SANITIZER
 // kB of /proc/self/status.
 int memory(const char* line) {
     std::ifstream file("/proc/self/status");
@@ -117,6 +119,7 @@ TEST(Memory, OfALoadIsBounded) {
         EXPECT_EQ(result, 0);
     }
 }
+#endif
 
 TEST(Writer, AtFullSpeedDoesNotDisturbAReader) {
     const Place place;
