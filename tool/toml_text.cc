@@ -17,7 +17,7 @@ constexpr std::string_view hex_prefix = "hex:";  // before a table or key by its
 
 // CHARACTER, a well-formed one, within double quotes. Controls are escaped: an export may be shown on a terminal.
 std::string basic(const Character& character) {
-    const std::string octets(character.octets);
+    std::string octets(character.octets);
     if (octets == "\"" || octets == "\\") return '\\' + octets;
     if (octets == "\n") return "\\n";
     if (octets == "\t") return "\\t";
