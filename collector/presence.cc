@@ -1,7 +1,6 @@
 #include "presence.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,13 +14,19 @@ Presence::~Presence() {
     if (descriptor_ >= 0) close(descriptor_);
 }
 
+// Whoever reads the file asks for the lock without taking it, and so never keeps a collector from starting.
 int Presence::claim() {
-    descriptor_ = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0640);
+    descriptor_ =
+        open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, cfql::tool::collector_file_mode);
     if (descriptor_ < 0) return errno;
     struct stat status = {};
     if (fstat(descriptor_, &status) != 0) return errno;
     if (!S_ISREG(status.st_mode)) return EINVAL;
-    return flock(descriptor_, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    if (fcntl(descriptor_, F_OFD_SETLK, &lock) == 0) return 0;
+    return errno == EACCES ? EWOULDBLOCK : errno;
 }
 
 void Presence::stamp(std::int64_t seconds, std::int64_t interval) const {

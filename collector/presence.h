@@ -1,20 +1,17 @@
-// That a collector fills a store, and when it did so last: the file beside the store named STORE.collector. The
-// collector keeps it locked (flock); it holds one line:
-//
-//     LAST INTERVAL
-//
-// LAST: end of the last pass, in seconds of CLOCK_BOOTTIME, 20 digits; INTERVAL: seconds between two passes, 5 digits.
+// That a collector fills a store, and when it did so last: the file that tool/last_pass.h describes.
 #ifndef COLLECTOR_PRESENCE_H
 #define COLLECTOR_PRESENCE_H
 
 #include <cstdint>
 #include <string>
 
+#include "last_pass.h"
+
 namespace collector {
 
 class Presence {
   public:
-    explicit Presence(const std::string& store) : path_(store + ".collector") {}
+    explicit Presence(const std::string& store) : path_(cfql::tool::collector_file(store)) {}
     Presence(const Presence&) = delete;
     Presence& operator=(const Presence&) = delete;
     ~Presence();
@@ -22,7 +19,7 @@ class Presence {
     // 0; EWOULDBLOCK when another collector has it; or another errno value.
     int claim();
 
-    // A pass has ended.
+    // A pass has ended, at SECONDS of CLOCK_BOOTTIME. INTERVAL: seconds from one pass to the next.
     void stamp(std::int64_t seconds, std::int64_t interval) const;
 
     const std::string& path() const { return path_; }

@@ -1,0 +1,103 @@
+#include "last_pass.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <ctime>
+#include <string_view>
+
+namespace cfql::tool {
+
+namespace {
+
+constexpr int most_links = 8;
+constexpr std::size_t last_digits = 20, interval_digits = 5, line_size = last_digits + 1 + interval_digits + 1;
+
+class File {
+  public:
+    explicit File(const std::string& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    int descriptor() const { return descriptor_; }
+
+  private:
+    int descriptor_;
+};
+
+bool read_number(std::string_view text, std::int64_t& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() && number >= 0;
+}
+
+std::int64_t seconds_since_boot() {
+    timespec now = {};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    return now.tv_sec;
+}
+
+// False: LINE is no line of a collector's.
+bool read_line(std::string_view line, LastPass& pass) {
+    std::int64_t last = 0;
+    std::int64_t interval = 0;
+    if (line.size() != line_size || line[last_digits] != ' ' || line.back() != '\n') return false;
+    if (!read_number(line.substr(0, last_digits), last)) return false;
+    if (!read_number(line.substr(last_digits + 1, interval_digits), interval)) return false;
+    const std::int64_t now = seconds_since_boot();
+    if (last <= now) pass.age = now - last;
+    pass.interval = interval;
+    return true;
+}
+
+// 0, or an errno value.
+int read_file(int descriptor, LastPass& pass) {
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0) return errno;
+    if (!S_ISREG(status.st_mode)) return EBADMSG;
+    struct flock lock = {};
+    lock.l_type = F_RDLCK;
+    lock.l_whence = SEEK_SET;
+    if (fcntl(descriptor, F_OFD_GETLK, &lock) != 0) return errno;
+    pass.state = lock.l_type == F_UNLCK ? LastPass::State::stopped : LastPass::State::running;
+    char line[line_size + 1];
+    const ssize_t size = pread(descriptor, line, sizeof line, 0);
+    if (size < 0) return errno;
+    // Before its first pass has ended a collector has the file, and nothing to say in it.
+    return size == 0 || read_line({line, static_cast<std::size_t>(size)}, pass) ? 0 : EBADMSG;
+}
+
+}  // namespace
+
+std::string collector_file(const std::string& store) {
+    std::string path = store;
+    char target[PATH_MAX];
+    for (int i = 0; i < most_links; ++i) {
+        const ssize_t size = readlink(path.c_str(), target, sizeof target);
+        if (size <= 0 || static_cast<std::size_t>(size) == sizeof target) break;
+        const std::string_view next(target, static_cast<std::size_t>(size));
+        path = next.front() == '/' ? std::string(next) : path.substr(0, path.rfind('/') + 1).append(next);
+    }
+    return path + ".collector";
+}
+
+LastPass last_pass(const std::string& store) {
+    LastPass pass;
+    const File file(collector_file(store));
+    if (file.descriptor() < 0) {
+        if (errno == ENOENT || errno == ENOTDIR) return pass;
+        pass.error = errno;
+    } else {
+        pass.error = read_file(file.descriptor(), pass);
+    }
+    if (pass.error != 0) pass.state = LastPass::State::unknown;
+    return pass;
+}
+
+}  // namespace cfql::tool
