@@ -105,10 +105,10 @@ void configure_library(const Options& options) {
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE, subagent);
     netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL, ping_interval_s);
-    if (options.socket != nullptr) {
+    if (options.socket) {
         netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options.socket);
     }
-    if (options.configuration != nullptr) {
+    if (options.configuration) {
         netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options.configuration);
         netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
     }
@@ -117,8 +117,8 @@ void configure_library(const Options& options) {
 // Registers the tables; the configuration that follows may hold the module's own tokens.
 void load_module(const char* path) {
     void* const module = dlopen(path, RTLD_NOW);
-    auto* const init = module == nullptr ? nullptr : reinterpret_cast<void (*)()>(dlsym(module, "init_ieee802dot11"));
-    if (init == nullptr) {
+    auto* const init = module ? reinterpret_cast<void (*)()>(dlsym(module, "init_ieee802dot11")) : nullptr;
+    if (!init) {
         fprintf(stderr, "%s: the module cannot be loaded: %s\n", program, dlerror());
         exit(EX_UNAVAILABLE);
     }

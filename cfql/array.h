@@ -1,13 +1,12 @@
 // A growing array of plain data whose memory is overwritten before it is given back: it may hold keys. It has pages of
 // its own, which the system moves as it grows, so that at no time there are two copies of it.
-#ifndef CFQL_ARRAY_H
-#define CFQL_ARRAY_H
+#pragma once
 
 #include <string.h>
 #include <sys/mman.h>
 
+#include <stddef.h>
 #include <algorithm>
-#include <cstddef>
 #include <type_traits>
 #include <utility>
 
@@ -27,12 +26,12 @@ class Array {
     T* end() { return data_ + size_; }
     const T* begin() const { return data_; }
     const T* end() const { return data_ + size_; }
-    std::size_t size() const { return size_; }
-    std::size_t bytes() const { return size_ * sizeof(T); }
-    const T& operator[](std::size_t index) const { return data_[index]; }
+    size_t size() const { return size_; }
+    size_t bytes() const { return size_ * sizeof(T); }
+    const T& operator[](size_t index) const { return data_[index]; }
 
     // False when memory is short; the array is then as it was.
-    bool append(const T* items, std::size_t count) {
+    bool append(const T* items, size_t count) {
         if (count > capacity_ - size_ && !grow(count)) return false;
         if (count != 0) memcpy(data_ + size_, items, count * sizeof(T));
         size_ += count;
@@ -40,7 +39,7 @@ class Array {
     }
 
     void clear() {
-        if (data_ == nullptr) return;
+        if (!data_) return;
         explicit_bzero(data_, bytes());
         munmap(data_, capacity_ * sizeof(T));
         data_ = nullptr;
@@ -55,10 +54,10 @@ class Array {
 
   private:
     // Pages that nothing was written to take no memory.
-    bool grow(std::size_t count) {
-        constexpr std::size_t least = 4096;
-        std::size_t bytes = 0;
-        const std::size_t capacity = size_ + std::max({count, size_ / 4, least});
+    bool grow(size_t count) {
+        constexpr size_t least = 4096;
+        size_t bytes = 0;
+        const size_t capacity = size_ + std::max({count, size_ / 4, least});
         if (capacity < size_ || __builtin_mul_overflow(capacity, sizeof(T), &bytes)) return false;
         void* const data = data_ == nullptr
                                ? mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
@@ -70,10 +69,8 @@ class Array {
     }
 
     T* data_ = nullptr;
-    std::size_t size_ = 0;
-    std::size_t capacity_ = 0;
+    size_t size_ = 0;
+    size_t capacity_ = 0;
 };
 
 }  // namespace cfql
-
-#endif

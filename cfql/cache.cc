@@ -10,22 +10,22 @@
 namespace cfql {
 namespace {
 
-constexpr std::int64_t load_share = 5;  // loading takes at most one part in so many of the time
+constexpr int64_t load_share = 5;  // loading takes at most one part in so many of the time
 
 // In microseconds.
-constexpr std::int64_t ms = 1000;
-constexpr std::int64_t check_interval = 50 * ms;
-constexpr std::int64_t shortest_credit = 20 * ms;
-constexpr std::int64_t longest_credit = 1000 * ms;
-constexpr std::int64_t longest_pause = 10000 * ms;
-constexpr std::int64_t retry_interval = 1000 * ms;
-constexpr std::int64_t busy_limit = 10000 * ms;  // then a reader waits for the lock
-constexpr std::int64_t log_interval = 60000 * ms;
+constexpr int64_t ms = 1000;
+constexpr int64_t check_interval = 50 * ms;
+constexpr int64_t shortest_credit = 20 * ms;
+constexpr int64_t longest_credit = 1000 * ms;
+constexpr int64_t longest_pause = 10000 * ms;
+constexpr int64_t retry_interval = 1000 * ms;
+constexpr int64_t busy_limit = 10000 * ms;  // then a reader waits for the lock
+constexpr int64_t log_interval = 60000 * ms;
 
-std::int64_t microseconds(clockid_t clock) {
+int64_t microseconds(clockid_t clock) {
     struct timespec now;
     clock_gettime(clock, &now);
-    return std::int64_t{now.tv_sec} * 1000 * ms + now.tv_nsec / 1000;
+    return int64_t{now.tv_sec} * 1000 * ms + now.tv_nsec / 1000;
 }
 
 }  // namespace
@@ -43,13 +43,13 @@ void Cache::refresh(bool at_once) {
 // Pauses add up, so that many short loads are paid for as one long one is. A second load may follow at once, on credit:
 // one change is often followed by another.
 void Cache::load() {
-    const std::int64_t begin = microseconds(CLOCK_MONOTONIC);
+    const int64_t begin = microseconds(CLOCK_MONOTONIC);
     const Status status = take_contents();
-    const std::int64_t retry = status == Status::ok ? 0 : failed(status);
-    const std::int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
-    const std::int64_t left = std::max(next_load_ - now_, std::int64_t{0});
+    const int64_t retry = status == Status::ok ? 0 : failed(status);
+    const int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
+    const int64_t left = std::max(next_load_ - now_, int64_t{0});
     now_ += took;
-    const std::int64_t pause = (load_share - 1) * took;
+    const int64_t pause = (load_share - 1) * took;
     credit_ = status == Status::ok ? std::clamp(pause, shortest_credit, longest_credit) : 0;
     next_load_ = now_ + std::min(std::max(left + pause, retry), longest_pause);
     next_check_ = std::max(next_load_, now_ + check_interval);
@@ -107,7 +107,7 @@ void Cache::drop() {
 
 // Answers how long to leave the store alone. A file that was replaced takes its contents with it, one that only became
 // unreadable does not, nor one that is busy.
-std::int64_t Cache::failed(Status status) {
+int64_t Cache::failed(Status status) {
     if (status == Status::busy && patience() == 0) {
         if (busy_since_ == 0) busy_since_ = now_;
         return 0;

@@ -1,9 +1,8 @@
 // What a process knows of the store: loads it, follows its changes and its replacement, and goes on with the last good
 // contents when it cannot be read. The rules are in docs/store-format.md.
-#ifndef CFQL_CACHE_H
-#define CFQL_CACHE_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 #include "snapshot.h"
 #include "watch.h"
@@ -30,7 +29,7 @@ class Cache {
     Status take_contents();
     Status read_contents(Database& store, Snapshot& next);
     int patience() const;
-    std::int64_t failed(Status status);
+    int64_t failed(Status status);
     void drop();
     void report(Status status);
 
@@ -39,14 +38,12 @@ class Cache {
     bool loaded_ = false;       // contents_ are a store's
     bool has_written_ = false;  // since the last good load
     bool suspect_ = false;      // the last load failed, and not for want of the lock
-    std::int64_t now_ = 0;      // times in microseconds of CLOCK_MONOTONIC
-    std::int64_t next_check_ = 0;
-    std::int64_t next_load_ = 0;
-    std::int64_t credit_ = 0;      // so much before it a load may begin
-    std::int64_t busy_since_ = 0;  // when the first load failed for want of the lock; 0: the last did not
-    std::int64_t next_line_ = 0;
+    int64_t now_ = 0;           // times in microseconds of CLOCK_MONOTONIC
+    int64_t next_check_ = 0;
+    int64_t next_load_ = 0;
+    int64_t credit_ = 0;      // so much before it a load may begin
+    int64_t busy_since_ = 0;  // when the first load failed for want of the lock; 0: the last did not
+    int64_t next_line_ = 0;
 };
 
 }  // namespace cfql
-
-#endif

@@ -53,7 +53,7 @@ Status Database::create(const char* path) {
 
 // A file without contents is what create() begins with. The query takes the lock, and undoes an interrupted write.
 Status Database::empty_file() {
-    std::int64_t kind = 0;
+    int64_t kind = 0;
     FirstPage page;
     const char* fault = nullptr;
     Status status = number("PRAGMA application_id", kind);

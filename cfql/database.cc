@@ -16,8 +16,8 @@ constexpr int longest_row = 65536;  // octets; no sound row comes near, a damage
 
 // What a statement may take before the file counts as damaged: a few times what the worst sound store needs.
 constexpr int steps_a_call = 1000;
-constexpr std::int64_t calls_at_least = 50;
-constexpr std::int64_t calls_a_page = 2;
+constexpr int64_t calls_at_least = 50;
+constexpr int64_t calls_a_page = 2;
 
 // None of these reads the schema. No mapped pages: a read of one that the medium no longer gives would be a signal.
 // Nothing of a transaction goes to other files than the journal.
@@ -69,18 +69,18 @@ void bind(sqlite3_stmt* statement, int index, Text text) {
 
 Text column(sqlite3_stmt* statement, int index) {
     const void* octets = sqlite3_column_blob(statement, index);
-    if (octets == nullptr) return "";
-    return {static_cast<const char*>(octets), static_cast<std::size_t>(sqlite3_column_bytes(statement, index))};
+    if (!octets) return "";
+    return {static_cast<const char*>(octets), static_cast<size_t>(sqlite3_column_bytes(statement, index))};
 }
 
 bool is_blob(sqlite3_stmt* statement, int index) {
     return sqlite3_column_type(statement, index) == SQLITE_BLOB;
 }
 
-std::int64_t milliseconds() {
+int64_t milliseconds() {
     struct timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
 }
 
 }  // namespace
@@ -92,7 +92,7 @@ void Cursor::close() {
 
 // A damaged tree can lead back to pages that were read before. Since every row must come after the one before, a
 // listing ends all the same.
-bool Cursor::ascends(std::int64_t id, bool has_key, Text key) {
+bool Cursor::ascends(int64_t id, bool has_key, Text key) {
     key = key.substr(0, text_limit);
     const bool same_object = id == last_id_;
     if (id < last_id_ || (same_object && (!has_key || key <= Text(last_key_, last_key_size_)))) return false;
@@ -113,15 +113,15 @@ Status Cursor::next(Row& row) {
     row.id = sqlite3_column_int64(columns, 0);
     row.table = column(columns, 1);
     row.object = column(columns, 2);
-    row.object_sound = is_blob(columns, 1) && is_blob(columns, 2) && refusal_of_table(row.table) == nullptr &&
-                       refusal_of_object(row.table, row.object) == nullptr &&
+    row.object_sound = is_blob(columns, 1) && is_blob(columns, 2) && !refusal_of_table(row.table) &&
+                       !refusal_of_object(row.table, row.object) &&
                        sqlite3_column_int64(columns, 3) == checksum_of_object(row.id, row.table, row.object);
     row.has_attribute = sqlite3_column_type(columns, 4) != SQLITE_NULL;
     row.key = column(columns, 4);
     row.value = column(columns, 5);
     row.attribute_sound =
-        row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && refusal_of_key(row.key) == nullptr &&
-        refusal_of_value(row.value) == nullptr &&
+        row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && !refusal_of_key(row.key) &&
+        !refusal_of_value(row.value) &&
         sqlite3_column_int64(columns, 6) == checksum_of_attribute(row.id, row.table, row.object, row.key, row.value);
     if (!ascends(row.id, row.has_attribute, row.key)) return close(), Status::damaged;
     return Status::ok;
@@ -203,7 +203,7 @@ Status Database::prepare_to_write() {
 // SQLite's own handler waits longer from time to time, until a writer that commits without pause starves it.
 int Database::wait_for_lock(void* database, int tries) {
     auto& self = *static_cast<Database*>(database);
-    const std::int64_t now = milliseconds();
+    const int64_t now = milliseconds();
     if (tries == 0) self.deadline_ = now + self.wait_ms_;
     if (now >= self.deadline_) return 0;
     constexpr struct timespec pause = {0, 1000000};
@@ -240,7 +240,7 @@ Status Database::commit() {
 
 // The query takes the lock and does not read the schema, which is examined first.
 Status Database::begin(const char* sql) {
-    std::int64_t kind = 0;
+    int64_t kind = 0;
     Status status = run(sql);
     if (status == Status::ok) status = number("PRAGMA application_id", kind);
     if (status == Status::ok) status = examine_page();
@@ -265,16 +265,16 @@ Status Database::examine_page() {
     Status status = read_page(page);
     if (status == Status::ok) status = examine_first_page(page, fault);
     counter_ = number_at(page.octets + counter_offset, 4);
-    if (pages_ < page_limit) pages_ = page.file_size / std::int64_t{page_size};
-    return fault != nullptr ? damage(fault) : status;
+    if (pages_ < page_limit) pages_ = page.file_size / int64_t{page_size};
+    return fault ? damage(fault) : status;
 }
 
 void Database::rollback() {
-    if (connection_ == nullptr || sqlite3_get_autocommit(connection_) != 0) return;
+    if (!connection_ || sqlite3_get_autocommit(connection_) != 0) return;
     sqlite3_exec(connection_, "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
-Status Database::find_object(Text table, Text object, std::int64_t& id) {
+Status Database::find_object(Text table, Text object, int64_t& id) {
     sqlite3_stmt* statement = nullptr;
     const Status status = query(find_, statement);
     if (status != Status::ok) return status;
@@ -287,8 +287,8 @@ Status Database::find_object(Text table, Text object, std::int64_t& id) {
     return code == SQLITE_DONE ? Status::not_found : failure(code);
 }
 
-Status Database::insert_object(Text table, Text object, std::int64_t& id) {
-    if (refusal_of_table(table) != nullptr || refusal_of_object(table, object) != nullptr) return Status::refused;
+Status Database::insert_object(Text table, Text object, int64_t& id) {
+    if (refusal_of_table(table) || refusal_of_object(table, object)) return Status::refused;
     // The id goes into the checksum, so it is chosen here. No other writer can come between: a write transaction is
     // open.
     Status status = fetch(next_id_, id);
@@ -302,7 +302,7 @@ Status Database::insert_object(Text table, Text object, std::int64_t& id) {
     return perform(statement);
 }
 
-Status Database::delete_object(std::int64_t id) {
+Status Database::delete_object(int64_t id) {
     for (const Query which : {erase_attributes_, erase_}) {
         sqlite3_stmt* statement = nullptr;
         Status status = query(which, statement);
@@ -318,8 +318,8 @@ Status Database::delete_all() {
     return run("DELETE FROM attribute; DELETE FROM object");
 }
 
-Status Database::set_attribute(std::int64_t id, Text table, Text object, Text key, Text value) {
-    if (refusal_of_key(key) != nullptr || refusal_of_value(value) != nullptr) return Status::refused;
+Status Database::set_attribute(int64_t id, Text table, Text object, Text key, Text value) {
+    if (refusal_of_key(key) || refusal_of_value(value)) return Status::refused;
     sqlite3_stmt* statement = nullptr;
     const Status status = query(put_, statement);
     if (status != Status::ok) return status;
@@ -330,7 +330,7 @@ Status Database::set_attribute(std::int64_t id, Text table, Text object, Text ke
     return perform(statement);
 }
 
-Status Database::get_attribute(std::int64_t id, Text table, Text object, Text key, Text& value) {
+Status Database::get_attribute(int64_t id, Text table, Text object, Text key, Text& value) {
     sqlite3_stmt* statement = nullptr;
     Status status = query(get_, statement);
     if (status != Status::ok) return status;
@@ -339,7 +339,7 @@ Status Database::get_attribute(std::int64_t id, Text table, Text object, Text ke
     const int code = sqlite3_step(statement);
     if (code == SQLITE_ROW) {
         const Text found = column(statement, 0);
-        const bool sound = is_blob(statement, 0) && refusal_of_value(found) == nullptr &&
+        const bool sound = is_blob(statement, 0) && !refusal_of_value(found) &&
                            sqlite3_column_int64(statement, 1) == checksum_of_attribute(id, table, object, key, found);
         if (sound) value = {static_cast<char*>(memcpy(value_, found.data(), found.size())), found.size()};
         status = sound ? Status::ok : Status::damaged;
@@ -350,7 +350,7 @@ Status Database::get_attribute(std::int64_t id, Text table, Text object, Text ke
     return status;
 }
 
-Status Database::unset_attribute(std::int64_t id, Text key) {
+Status Database::unset_attribute(int64_t id, Text key) {
     sqlite3_stmt* statement = nullptr;
     Status status = query(drop_, statement);
     if (status != Status::ok) return status;
@@ -361,27 +361,27 @@ Status Database::unset_attribute(std::int64_t id, Text key) {
 }
 
 Status Database::set(Text table, Text object, Text key, Text value) {
-    if (refusal_of_table(table) != nullptr || refusal_of_object(table, object) != nullptr) return Status::refused;
-    if (refusal_of_key(key) != nullptr || refusal_of_value(value) != nullptr) return Status::refused;
-    std::int64_t id = 0;
+    if (refusal_of_table(table) || refusal_of_object(table, object)) return Status::refused;
+    if (refusal_of_key(key) || refusal_of_value(value)) return Status::refused;
+    int64_t id = 0;
     Status status = find_object(table, object, id);
     if (status == Status::not_found) status = insert_object(table, object, id);
     return status == Status::ok ? set_attribute(id, table, object, key, value) : status;
 }
 
 Status Database::get(Text table, Text object, Text key, Text& value) {
-    std::int64_t id = 0;
+    int64_t id = 0;
     const Status status = find_object(table, object, id);
     return status == Status::ok ? get_attribute(id, table, object, key, value) : status;
 }
 
 Status Database::unset(Text table, Text object, Text key) {
-    std::int64_t id = 0;
+    int64_t id = 0;
     const Status status = find_object(table, object, id);
     return status == Status::ok ? unset_attribute(id, key) : status;
 }
 
-Status Database::list(Cursor& cursor, Text table, std::int64_t after) {
+Status Database::list(Cursor& cursor, Text table, int64_t after) {
     cursor.close();
     cursor.store_ = this;
     cursor.last_id_ = after;
@@ -407,7 +407,7 @@ Status Database::run(const char* sql) {
     return code == SQLITE_OK ? Status::ok : failure(code);
 }
 
-Status Database::number(const char* sql, std::int64_t& result) {
+Status Database::number(const char* sql, int64_t& result) {
     sqlite3_stmt* statement = nullptr;
     const Status status = prepare(sql, statement);
     if (status != Status::ok) return status;
@@ -436,13 +436,13 @@ Status Database::query(Query which, sqlite3_stmt*& statement) {
     };
     Status status = Status::ok;
     allow_steps();
-    if (queries_[which] == nullptr) status = prepare(sql[which], queries_[which], SQLITE_PREPARE_PERSISTENT);
+    if (!queries_[which]) status = prepare(sql[which], queries_[which], SQLITE_PREPARE_PERSISTENT);
     statement = queries_[which];
     return status;
 }
 
 // The one number that a query without parameters answers.
-Status Database::fetch(Query which, std::int64_t& result) {
+Status Database::fetch(Query which, int64_t& result) {
     sqlite3_stmt* statement = nullptr;
     const Status status = query(which, statement);
     if (status != Status::ok) return status;
@@ -463,7 +463,7 @@ Status Database::perform(sqlite3_stmt* statement) {
 Status Database::failure(int code) {
     if (code == SQLITE_INTERRUPT) return damage("it takes longer to read than any sound store");
     code_ = code == SQLITE_DONE ? SQLITE_CORRUPT : code;
-    const bool known = connection_ != nullptr && sqlite3_extended_errcode(connection_) == code_;
+    const bool known = connection_ && sqlite3_extended_errcode(connection_) == code_;
     snprintf(detail_, sizeof detail_, "%s", known ? sqlite3_errmsg(connection_) : sqlite3_errstr(code_));
     return status_of(code_);
 }

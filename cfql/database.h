@@ -26,11 +26,10 @@
 //     if (status != cfql::Status::end) complain();
 //
 // Who follows a store asks a Watch (watch.h) whether it may have changed, and opens it anew if so.
-#ifndef CFQL_DATABASE_H
-#define CFQL_DATABASE_H
+#pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "path.h"
 #include "status.h"
@@ -47,7 +46,7 @@ struct FirstPage;
 inline constexpr int reader_wait_ms = 200;   // for each lock
 inline constexpr int writer_wait_ms = 2000;  // the same
 
-enum class Access : std::uint8_t {
+enum class Access : uint8_t {
     read,     // changes nothing; `interrupted` where an interrupted write waits to be undone
     recover,  // read, but undo an interrupted write first, where this process may
     salvage,  // the same without examining the trees: list() goes as far as it can, check() tells where the damage is
@@ -58,7 +57,7 @@ enum class Access : std::uint8_t {
 // insertion, the attributes of one object together and in octet order of their keys. Texts are valid until the cursor's
 // next step.
 struct Row {
-    std::int64_t id;  // of the object; ascending over the listing, equal over the rows of one object
+    int64_t id;  // of the object; ascending over the listing, equal over the rows of one object
     Text table;
     Text object;
     bool object_sound;  // the checksum and the limits hold for table and object
@@ -84,12 +83,12 @@ class Cursor {
 
   private:
     friend class Database;
-    bool ascends(std::int64_t id, bool has_key, Text key);
+    bool ascends(int64_t id, bool has_key, Text key);
 
     Database* store_ = nullptr;
     sqlite3_stmt* statement_ = nullptr;
-    std::int64_t last_id_ = 0;
-    std::size_t last_key_size_ = 0;
+    int64_t last_id_ = 0;
+    size_t last_key_size_ = 0;
     char last_key_[text_limit];
 };
 
@@ -117,7 +116,7 @@ class Database {
     bool is_open() const { return connection_ != nullptr; }
 
     // The header's change counter in the last transaction that was begun: every write adds 1.
-    std::uint32_t change_counter() const { return counter_; }
+    uint32_t change_counter() const { return counter_; }
 
     // Transactions. Reads outside of one see each the latest state. commit() answers ok once everything is on stable
     // storage; with any other answer nothing has changed, unless the medium refused just that, and the transaction is
@@ -128,19 +127,19 @@ class Database {
     void rollback();  // without effect when no transaction is open
 
     // The id of the first inserted object of that name; not_found.
-    Status find_object(Text table, Text object, std::int64_t& id);
+    Status find_object(Text table, Text object, int64_t& id);
     // Adds an object after all others, even if one of that name exists.
-    Status insert_object(Text table, Text object, std::int64_t& id);
+    Status insert_object(Text table, Text object, int64_t& id);
     // Deletes one object with its attributes; ok also when there is none.
-    Status delete_object(std::int64_t id);
+    Status delete_object(int64_t id);
     Status delete_all();
 
     // TABLE and OBJECT must be those of ID: they go into the checksum.
-    Status set_attribute(std::int64_t id, Text table, Text object, Text key, Text value);
+    Status set_attribute(int64_t id, Text table, Text object, Text key, Text value);
     // not_found when the object has no such key, damaged when the checksum is wrong. VALUE is valid until the next call
     // on this Database.
-    Status get_attribute(std::int64_t id, Text table, Text object, Text key, Text& value);
-    Status unset_attribute(std::int64_t id, Text key);  // not_found
+    Status get_attribute(int64_t id, Text table, Text object, Text key, Text& value);
+    Status unset_attribute(int64_t id, Text key);  // not_found
 
     // The same by names: the first inserted object of the name. set() makes an object that is missing. These refuse
     // texts that break a limit. Several calls that belong together, and every set(), stand between begin_write() and
@@ -150,7 +149,7 @@ class Database {
     Status unset(Text table, Text object, Text key);
 
     // Begins a listing of TABLE, or of everything when TABLE is empty, of the objects whose id is above AFTER.
-    Status list(Cursor& cursor, Text table = {}, std::int64_t after = INT64_MIN);
+    Status list(Cursor& cursor, Text table = {}, int64_t after = INT64_MIN);
 
     // Examines every page: `damaged` with the first fault in detail().
     Status examine_structure();
@@ -168,7 +167,7 @@ class Database {
 
   private:
     friend class Cursor;
-    enum Query : std::uint8_t { find_, next_id_, insert_, erase_, erase_attributes_, put_, get_, drop_, query_count_ };
+    enum Query : uint8_t { find_, next_id_, insert_, erase_, erase_attributes_, put_, get_, drop_, query_count_ };
 
     Status open_once(const char* path, Access access, int wait_ms);
     Status connect(const char* path, int flags, int wait_ms);
@@ -184,10 +183,10 @@ class Database {
     Status empty_file();
     Status build();
     Status run(const char* sql);
-    Status number(const char* sql, std::int64_t& result);
+    Status number(const char* sql, int64_t& result);
     Status prepare(const char* sql, sqlite3_stmt*& statement, unsigned flags = 0);
     Status query(Query which, sqlite3_stmt*& statement);
-    Status fetch(Query which, std::int64_t& result);
+    Status fetch(Query which, int64_t& result);
     Status perform(sqlite3_stmt* statement);
     Status failure(int code);
     Status damage(const char* what);
@@ -198,15 +197,13 @@ class Database {
     sqlite3* connection_ = nullptr;
     sqlite3_stmt* queries_[query_count_] = {};
     int wait_ms_ = 0;
-    std::int64_t deadline_ = 0;    // of the present wait for a lock
-    std::int64_t pages_ = 0;       // of the file, as a bound for the statements' steps
-    std::int64_t steps_left_ = 0;  // thousands that the present statement may take
-    std::uint32_t counter_ = 0;
+    int64_t deadline_ = 0;    // of the present wait for a lock
+    int64_t pages_ = 0;       // of the file, as a bound for the statements' steps
+    int64_t steps_left_ = 0;  // thousands that the present statement may take
+    uint32_t counter_ = 0;
     int code_ = 0;  // the extended result code of the last failure
     char detail_[200] = {};
     char value_[value_limit] = {};  // the answer of get_attribute()
 };
 
 }  // namespace cfql
-
-#endif

@@ -36,10 +36,10 @@ Status Database::examine_pages(const char* pragma, Report report, void* context)
     int code = SQLITE_ROW;
     while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
         const unsigned char* line = sqlite3_column_text(statement, 0);
-        const bool sound = line != nullptr && strcmp(reinterpret_cast<const char*>(line), "ok") == 0;
+        const bool sound = line && strcmp(reinterpret_cast<const char*>(line), "ok") == 0;
         if (sound) continue;
-        if (report == nullptr) status = damage(line != nullptr ? reinterpret_cast<const char*>(line) : "");
-        if (report != nullptr && line != nullptr) report(context, reinterpret_cast<const char*>(line));
+        if (!report) status = damage(line ? reinterpret_cast<const char*>(line) : "");
+        if (report && line) report(context, reinterpret_cast<const char*>(line));
     }
     sqlite3_finalize(statement);
     return code == SQLITE_DONE ? status : failure(code);
@@ -53,7 +53,7 @@ Status Database::check(Report report, void* context) {
 }
 
 Status Database::examine_orphans(Report report, void* context) {
-    std::int64_t orphans = 0;
+    int64_t orphans = 0;
     const Status status = number("SELECT count(*) FROM attribute WHERE object NOT IN (SELECT id FROM object)", orphans);
     if (status != Status::ok || orphans == 0) return status;
     char line[64];
@@ -66,7 +66,7 @@ Status Database::examine_checksums(Report report, void* context) {
     Cursor cursor;
     Row row;
     char line[1024];
-    std::int64_t reported = 0;
+    int64_t reported = 0;
     Status status = list(cursor);
     while (status == Status::ok && (status = cursor.next(row)) == Status::ok) {
         if (!row.object_sound && row.id != reported) {

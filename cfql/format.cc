@@ -8,14 +8,14 @@ namespace cfql {
 namespace {
 
 constexpr char magic[] = "SQLite format 3";  // with its NUL
-constexpr std::size_t tree_header = 100;     // of the page's tree, behind the header of the file
+constexpr size_t tree_header = 100;          // of the page's tree, behind the header of the file
 constexpr unsigned char table_leaf = 0x0d;
-constexpr std::size_t first_cell_pointer = tree_header + 8;
+constexpr size_t first_cell_pointer = tree_header + 8;
 
 // What the header says of every store.
 struct Field {
-    std::size_t offset, size;
-    std::uint32_t value;
+    size_t offset, size;
+    uint32_t value;
     const char* fault;
 };
 constexpr Field fields[] = {
@@ -32,21 +32,21 @@ constexpr Field fields[] = {
 // Reads the page's octets one after the other. What would lie outside the page is 0, and `sound` is then false.
 class Octets {
   public:
-    Octets(const unsigned char* page, std::size_t at) : page_(page), at_(at) {}
+    Octets(const unsigned char* page, size_t at) : page_(page), at_(at) {}
 
     unsigned char octet() {
         sound = sound && at_ < page_size;
         return sound ? page_[at_++] : 0;
     }
     // At most two octets long, as every length within a page is.
-    std::size_t varint() {
+    size_t varint() {
         const unsigned char first = octet();
         if (first < 0x80) return first;
         const unsigned char second = octet();
         sound = sound && second < 0x80;
         return (first & 0x7fU) << 7 | second;
     }
-    Text text(std::size_t size) {
+    Text text(size_t size) {
         sound = sound && size <= page_size - at_;
         if (!sound) return {};
         at_ += size;
@@ -58,36 +58,36 @@ class Octets {
 
   private:
     const unsigned char* page_;
-    std::size_t at_;
+    size_t at_;
 };
 
-std::size_t type_of(Text text) {
+size_t type_of(Text text) {
     return 2 * text.size() + 13;
 }
 
 // The root of the tree that the cell at AT makes for ENTRY; 0 when the cell is another.
-std::uint32_t root_of(const SchemaEntry& entry, const unsigned char* page, std::size_t at) {
+uint32_t root_of(const SchemaEntry& entry, const unsigned char* page, size_t at) {
     Octets cell(page, at);
     cell.varint();  // the length of the record
     cell.varint();  // its row
     cell.varint();  // the length of its own header: the types of five columns
     bool expected = cell.varint() == type_of(entry.type) && cell.varint() == type_of(entry.name) &&
                     cell.varint() == type_of(entry.table);
-    const std::size_t root_size = cell.varint();  // an integer of so many octets
+    const size_t root_size = cell.varint();  // an integer of so many octets
     expected = expected && root_size >= 1 && root_size <= 3 && cell.varint() == type_of(entry.sql);
     expected = expected && cell.has(entry.type) && cell.has(entry.name) && cell.has(entry.table);
-    std::uint32_t root = 0;
-    for (std::size_t i = 0; expected && i < root_size; ++i)
+    uint32_t root = 0;
+    for (size_t i = 0; expected && i < root_size; ++i)
         root = root << 8 | cell.octet();
     return expected && cell.has(entry.sql) ? root : 0;
 }
 
-bool has_schema(const unsigned char* page, std::uint32_t pages) {
-    std::uint32_t roots[std::size(schema)];
-    for (std::size_t i = 0; i < std::size(schema); ++i) {
+bool has_schema(const unsigned char* page, uint32_t pages) {
+    uint32_t roots[std::size(schema)];
+    for (size_t i = 0; i < std::size(schema); ++i) {
         roots[i] = root_of(schema[i], page, number_at(page + first_cell_pointer + 2 * i, 2));
         if (roots[i] < 2 || roots[i] > pages) return false;
-        for (std::size_t other = 0; other < i; ++other) {
+        for (size_t other = 0; other < i; ++other) {
             if (roots[i] == roots[other]) return false;
         }
     }
@@ -107,8 +107,8 @@ Status examine_first_page(const FirstPage& page, const char*& fault) {
     for (const Field& field : fields) {
         if (number_at(octets + field.offset, field.size) != field.value) return fault = field.fault, Status::damaged;
     }
-    const std::uint32_t pages = number_at(octets + 28, 4);
-    if (pages > page.file_size / std::int64_t{page_size}) return fault = "the file is cut off", Status::damaged;
+    const uint32_t pages = number_at(octets + 28, 4);
+    if (pages > page.file_size / int64_t{page_size}) return fault = "the file is cut off", Status::damaged;
     if (!has_schema(octets, pages)) return fault = "another schema", Status::damaged;
     return Status::ok;
 }

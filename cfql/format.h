@@ -1,21 +1,20 @@
 // The octets of a store's file that SQLite must not be trusted with unseen: its first page, with the header and the
 // schema.
-#ifndef CFQL_FORMAT_H
-#define CFQL_FORMAT_H
+#pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "status.h"
 
 namespace cfql {
 
-inline constexpr std::uint32_t application_id = 0x6366716c;  // "cfql"
-inline constexpr std::uint32_t format_version = 1;
-inline constexpr std::size_t page_size = 1024;
-inline constexpr std::int64_t file_limit = 4 << 20;  // octets
-inline constexpr std::int64_t page_limit = file_limit / std::int64_t{page_size};
-inline constexpr std::size_t counter_offset = 24;  // of the change counter: 4 octets, most significant first
+inline constexpr uint32_t application_id = 0x6366716c;  // "cfql"
+inline constexpr uint32_t format_version = 1;
+inline constexpr size_t page_size = 1024;
+inline constexpr int64_t file_limit = 4 << 20;  // octets
+inline constexpr int64_t page_limit = file_limit / int64_t{page_size};
+inline constexpr size_t counter_offset = 24;  // of the change counter: 4 octets, most significant first
 
 // The schema, in the order in which it is made. Texts are BLOBs: octets that SQLite does not interpret.
 struct SchemaEntry {
@@ -31,15 +30,15 @@ inline constexpr SchemaEntry schema[] = {
 };
 
 // An unsigned number of SIZE octets, most significant first.
-constexpr std::uint32_t number_at(const unsigned char* octets, std::size_t size) {
-    std::uint32_t number = 0;
-    for (std::size_t i = 0; i < size; ++i)
+constexpr uint32_t number_at(const unsigned char* octets, size_t size) {
+    uint32_t number = 0;
+    for (size_t i = 0; i < size; ++i)
         number = (number << 8) | octets[i];
     return number;
 }
 
 struct FirstPage {
-    std::int64_t file_size = 0;
+    int64_t file_size = 0;
     unsigned char octets[page_size] = {};  // zeroes where the file is shorter
 };
 
@@ -53,5 +52,3 @@ constexpr bool has_log_mode(const FirstPage& page) {
 Status examine_first_page(const FirstPage& page, const char*& fault);
 
 }  // namespace cfql
-
-#endif

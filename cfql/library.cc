@@ -15,7 +15,7 @@ namespace {
 
 // What an answer is in memory: one block, which ends with the texts of the nodes.
 struct Answer {
-    std::size_t size;
+    size_t size;
     cfqlquery_node head;
 };
 
@@ -45,20 +45,20 @@ __attribute__((destructor)) void at_exit() {
 }
 
 Text text_of(const char* text) {
-    return text == nullptr ? Text("") : Text(text);
+    return text ? Text(text) : Text("");
 }
 
 // An answer of COUNT nodes with room for TEXTS octets, the nodes chained. Null when memory is short.
-Answer* new_answer(std::size_t count, std::size_t texts, char*& text) {
-    std::size_t size = 0;
+Answer* new_answer(size_t count, size_t texts, char*& text) {
+    size_t size = 0;
     if (__builtin_mul_overflow(count, sizeof(cfqlquery_node), &size)) return nullptr;
     if (__builtin_add_overflow(size, offsetof(Answer, head), &size)) return nullptr;
     if (__builtin_add_overflow(size, texts, &size)) return nullptr;
     auto* const answer = static_cast<Answer*>(malloc(size));
-    if (answer == nullptr) return nullptr;
+    if (!answer) return nullptr;
     answer->size = size;
     cfqlquery_node* const nodes = &answer->head;
-    for (std::size_t i = 0; i < count; ++i)
+    for (size_t i = 0; i < count; ++i)
         nodes[i] = {nullptr, nullptr, i + 1 < count ? &nodes[i + 1] : nullptr, 0};
     text = reinterpret_cast<char*>(nodes + count);
     return answer;
@@ -76,7 +76,7 @@ const char* put(char*& place, Text text) {
 cfqlquery_node* single(Text key, Text value) {
     char* place = nullptr;
     Answer* const answer = new_answer(1, key.size() + value.size() + 2, place);
-    if (answer == nullptr) return nullptr;
+    if (!answer) return nullptr;
     answer->head.name = put(place, key);
     answer->head.value = put(place, value);
     return &answer->head;
@@ -84,16 +84,16 @@ cfqlquery_node* single(Text key, Text value) {
 
 // What a grid takes.
 struct Extent {
-    std::size_t rows, pairs, octets;  // the octets of its texts, each with its NUL
+    size_t rows, pairs, octets;  // the octets of its texts, each with its NUL
 };
 
 Extent measure(const Snapshot& contents, Text table, const cfqlquery_node* filter) {
     Extent extent = {0, 0, name_key.size() + 1};
-    std::size_t position = 0;
+    size_t position = 0;
     for (Text name; contents.next(table, filter, position, name); ++extent.rows)
         extent.octets += name.size() + 1;
     if (extent.rows == 0) return extent;
-    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next, ++extent.pairs)
+    for (const cfqlquery_node* pair = filter; pair; pair = pair->next, ++extent.pairs)
         extent.octets += strlen(pair->name) + strlen(pair->value) + 2;
     return extent;
 }
@@ -101,25 +101,25 @@ Extent measure(const Snapshot& contents, Text table, const cfqlquery_node* filte
 // The rows share one copy of the filter's texts.
 cfqlquery_node* grid(const Snapshot& contents, Text table, const cfqlquery_node* filter) {
     const Extent extent = measure(contents, table, filter);
-    std::size_t nodes = 0;
+    size_t nodes = 0;
     char* place = nullptr;
     if (extent.rows == 0 || __builtin_mul_overflow(extent.rows, extent.pairs + 1, &nodes)) return nullptr;
     Answer* const answer = new_answer(nodes, extent.octets, place);
-    if (answer == nullptr) return nullptr;
+    if (!answer) return nullptr;
     cfqlquery_node* const first = &answer->head;
     const char* const tag = put(place, name_key);
     cfqlquery_node* node = first + 1;
-    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next, ++node) {
+    for (const cfqlquery_node* pair = filter; pair; pair = pair->next, ++node) {
         node->name = put(place, pair->name);
         node->value = put(place, pair->value);
     }
-    std::size_t position = 0;
+    size_t position = 0;
     node = first;
     for (Text name; contents.next(table, filter, position, name);) {
         node->name = tag;
         node->value = put(place, name);
         ++node;
-        for (std::size_t i = 1; i <= extent.pairs; ++i, ++node) {
+        for (size_t i = 1; i <= extent.pairs; ++i, ++node) {
             node->name = first[i].name;
             node->value = first[i].value;
         }
@@ -144,7 +144,7 @@ using cfql::process;
 using cfql::Text;
 
 cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*, const cfqlquery_node* filter, int) {
-    if (table == nullptr) return nullptr;
+    if (!table) return nullptr;
     const cfql::Lock lock;
     cfql::Cache& cache = process.state.cache;
     cache.refresh(true);
@@ -152,7 +152,7 @@ cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*, 
 }
 
 cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const char* key) {
-    if (table == nullptr || key == nullptr) return nullptr;
+    if (!table || !key) return nullptr;
     const cfql::Lock lock;
     cfql::Cache& cache = process.state.cache;
     cache.refresh(false);
@@ -161,7 +161,7 @@ cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const ch
 }
 
 int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_node* pair, int) {
-    if (pair == nullptr || pair->name == nullptr || pair->value == nullptr) return 0;
+    if (!pair || !pair->name || !pair->value) return 0;
     const cfql::Lock lock;
     cfql::Database store;
     const Text name = cfql::text_of(object);
@@ -174,7 +174,7 @@ int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_
 }
 
 void cfqlquery_destroy_pv(cfqlquery_node* list) {
-    if (list == nullptr) return;
+    if (!list) return;
     auto* const answer = reinterpret_cast<cfql::Answer*>(reinterpret_cast<char*>(list) - offsetof(cfql::Answer, head));
     explicit_bzero(answer, answer->size);
     free(answer);

@@ -22,7 +22,7 @@ void log_error(const char* line) {
     const int log = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (log < 0) return;
     const struct sockaddr_un place = {AF_UNIX, "/dev/log"};
-    sendto(log, datagram, std::min(static_cast<std::size_t>(size), sizeof datagram - 1), MSG_NOSIGNAL | MSG_DONTWAIT,
+    sendto(log, datagram, std::min(static_cast<size_t>(size), sizeof datagram - 1), MSG_NOSIGNAL | MSG_DONTWAIT,
            reinterpret_cast<const struct sockaddr*>(&place), sizeof place);
     close(log);
 }

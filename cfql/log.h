@@ -1,6 +1,5 @@
 // A line to the system's log that never makes the caller wait.
-#ifndef CFQL_LOG_H
-#define CFQL_LOG_H
+#pragma once
 
 namespace cfql {
 
@@ -9,5 +8,3 @@ namespace cfql {
 void log_error(const char* line);
 
 }  // namespace cfql
-
-#endif

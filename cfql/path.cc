@@ -9,12 +9,12 @@ namespace cfql {
 
 const char* store_path() {
     const char* path = secure_getenv("CFQL_STORE");
-    return path != nullptr && *path != '\0' ? path : "/var/lib/cfql/store.db";
+    return path && *path != '\0' ? path : "/var/lib/cfql/store.db";
 }
 
 bool literal_path(const char* path, char (&out)[PATH_MAX]) {
     const int size = snprintf(out, sizeof out, "%s%s", path[0] == '/' ? "" : "./", path);
-    return size > 0 && static_cast<std::size_t>(size) < sizeof out;
+    return size > 0 && static_cast<size_t>(size) < sizeof out;
 }
 
 Status examine_path(const char* path) {

@@ -1,6 +1,5 @@
 // Where the store is, and what lies there.
-#ifndef CFQL_PATH_H
-#define CFQL_PATH_H
+#pragma once
 
 #include <limits.h>
 
@@ -30,5 +29,3 @@ bool is_obstructed(const char* path);
 bool is_regular_or_absent(const char* path);
 
 }  // namespace cfql
-
-#endif

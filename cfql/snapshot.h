@@ -1,9 +1,8 @@
 // An immutable copy of a whole store in memory: one state of it, every checksum verified. A value is found in a number
 // of steps that grows with the logarithm of the store's size, whatever the names are.
-#ifndef CFQL_SNAPSHOT_H
-#define CFQL_SNAPSHOT_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 #include "array.h"
 #include "cfqlquery.h"
@@ -12,7 +11,7 @@
 namespace cfql {
 
 // Octets that no snapshot of a sound file passes. While a snapshot is replaced there are two.
-inline constexpr std::size_t snapshot_limit = 16U << 20;
+inline constexpr size_t snapshot_limit = 16U << 20;
 
 class Snapshot {
   public:
@@ -29,21 +28,21 @@ class Snapshot {
 
     // The name of the next object of TABLE, in order of insertion, that carries every pair of FILTER. POSITION is 0 at
     // first. NAME is valid until the snapshot changes, and a NUL follows.
-    bool next(Text table, const cfqlquery_node* filter, std::size_t& position, Text& name) const;
+    bool next(Text table, const cfqlquery_node* filter, size_t& position, Text& name) const;
 
   private:
     // Texts are offsets into texts_, each with a NUL behind it; a value follows its key.
     struct Object {
-        std::uint32_t table;
-        std::uint32_t name;
-        std::uint32_t attributes;  // the first of them in attributes_; the next object's come after the last
-        std::uint8_t table_size;
-        std::uint8_t name_size;
+        uint32_t table;
+        uint32_t name;
+        uint32_t attributes;  // the first of them in attributes_; the next object's come after the last
+        uint8_t table_size;
+        uint8_t name_size;
     };
     struct Attribute {
-        std::uint32_t key;
-        std::uint16_t value_size;
-        std::uint8_t key_size;
+        uint32_t key;
+        uint16_t value_size;
+        uint8_t key_size;
     };
 
     Status collect(Database& store);
@@ -51,21 +50,19 @@ class Snapshot {
     bool take_object(const Row& row);
     bool add_text(Text text);
     bool sort();
-    std::size_t bytes() const { return texts_.bytes() + objects_.bytes() + attributes_.bytes() + sorted_.bytes(); }
-    Text text(std::uint32_t offset, std::size_t size) const { return {texts_.begin() + offset, size}; }
+    size_t bytes() const { return texts_.bytes() + objects_.bytes() + attributes_.bytes() + sorted_.bytes(); }
+    Text text(uint32_t offset, size_t size) const { return {texts_.begin() + offset, size}; }
     Text table(const Object& object) const { return text(object.table, object.table_size); }
     Text name(const Object& object) const { return text(object.name, object.name_size); }
     Text key(const Attribute& attribute) const { return text(attribute.key, attribute.key_size); }
-    bool find(std::size_t object, Text key, Text& value) const;
-    bool carries(std::size_t object, const cfqlquery_node* filter) const;
+    bool find(size_t object, Text key, Text& value) const;
+    bool carries(size_t object, const cfqlquery_node* filter) const;
 
     Array<char> texts_;
     Array<Object> objects_;        // in order of insertion
     Array<Attribute> attributes_;  // of one object together, in octet order of their keys
-    Array<std::uint32_t> sorted_;  // the objects in order of table, name, insertion
-    std::int64_t last_id_ = 0;
+    Array<uint32_t> sorted_;       // the objects in order of table, name, insertion
+    int64_t last_id_ = 0;
 };
 
 }  // namespace cfql
-
-#endif

@@ -1,12 +1,11 @@
 // How an operation on the store ended.
-#ifndef CFQL_STATUS_H
-#define CFQL_STATUS_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 namespace cfql {
 
-enum class Status : std::uint8_t {
+enum class Status : uint8_t {
     ok,
     end,            // of an iteration
     not_found,      // no such object or attribute
@@ -32,5 +31,3 @@ enum class Status : std::uint8_t {
 const char* describe(Status status);
 
 }  // namespace cfql
-
-#endif

@@ -1,16 +1,15 @@
 // What a text of the store may be.
-#ifndef CFQL_STORE_LIMITS_H
-#define CFQL_STORE_LIMITS_H
+#pragma once
 
-#include <cstddef>
+#include <stddef.h>
 #include <string_view>
 
 namespace cfql {
 
 using Text = std::string_view;
 
-inline constexpr std::size_t text_limit = 255;     // octets of a table, an object's name, a key; at least 1
-inline constexpr std::size_t value_limit = 4096;   // octets of a value; at least 0
+inline constexpr size_t text_limit = 255;          // octets of a table, an object's name, a key; at least 1
+inline constexpr size_t value_limit = 4096;        // octets of a value; at least 0
 inline constexpr Text singleton_table = "system";  // the table whose object has the empty name
 inline constexpr Text name_key = "name";           // stands for an object's name in lists, so no attribute may have it
 
@@ -22,5 +21,3 @@ const char* refusal_of_key(Text key);
 const char* refusal_of_value(Text value);
 
 }  // namespace cfql
-
-#endif

@@ -1,6 +1,5 @@
 // The file system as SQLite sees it when it opens a store.
-#ifndef CFQL_VFS_H
-#define CFQL_VFS_H
+#pragma once
 
 namespace cfql {
 
@@ -10,5 +9,3 @@ namespace cfql {
 const char* vfs_name();
 
 }  // namespace cfql
-
-#endif

@@ -12,21 +12,21 @@
 namespace cfql {
 namespace {
 
-constexpr std::int64_t second = 1000000000;
-constexpr std::int64_t settling = 3 * second;  // file systems stamp in steps of up to 2 s, and a tick late
+constexpr int64_t second = 1000000000;
+constexpr int64_t settling = 3 * second;  // file systems stamp in steps of up to 2 s, and a tick late
 
-std::int64_t nanoseconds(const struct timespec& time) {
-    return std::int64_t{time.tv_sec} * second + time.tv_nsec;
+int64_t nanoseconds(const struct timespec& time) {
+    return int64_t{time.tv_sec} * second + time.tv_nsec;
 }
 
-std::int64_t time_of(clockid_t clock) {
+int64_t time_of(clockid_t clock) {
     struct timespec now;
     clock_gettime(clock, &now);
     return nanoseconds(now);
 }
 
 // False when it cannot be read.
-bool read_counter(const char* path, std::uint32_t& counter) {
+bool read_counter(const char* path, uint32_t& counter) {
     const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (file < 0) return false;
     unsigned char octets[4];
@@ -39,7 +39,7 @@ bool read_counter(const char* path, std::uint32_t& counter) {
 }  // namespace
 
 Watch::Finding Watch::check(const char* path) {
-    const std::int64_t wall = time_of(CLOCK_REALTIME_COARSE);
+    const int64_t wall = time_of(CLOCK_REALTIME_COARSE);
     struct stat file = {};
     if (stat(path, &file) != 0) return errno == ENOENT || errno == ENOTDIR ? Finding::absent : Finding::changed;
     now_ = {file.st_dev, file.st_ino, file.st_size, nanoseconds(file.st_mtim), nanoseconds(file.st_ctim)};
@@ -48,20 +48,20 @@ Watch::Finding Watch::check(const char* path) {
     settled_ = settled;
     if (has_moved()) return Finding::changed;
     if (settled) return Finding::same;
-    std::uint32_t counter = 0;
+    uint32_t counter = 0;
     if (!S_ISREG(file.st_mode) || !read_counter(path, counter) || counter != counter_) return Finding::changed;
     return may_settle_ ? Finding::changed : Finding::same;
 }
 
 // A stamp may then come a second time. Less than a second does not matter to what has settled.
-bool Watch::clock_stepped_back(std::int64_t wall) {
-    const std::int64_t advance = wall - time_of(CLOCK_MONOTONIC_COARSE);
+bool Watch::clock_stepped_back(int64_t wall) {
+    const int64_t advance = wall - time_of(CLOCK_MONOTONIC_COARSE);
     const bool stepped = advance < advance_ - second;
     advance_ = advance;
     return stepped;
 }
 
-void Watch::loaded(std::uint32_t counter) {
+void Watch::loaded(uint32_t counter) {
     seen_ = now_;
     counter_ = counter;
     settled_ = may_settle_;

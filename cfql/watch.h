@@ -1,11 +1,10 @@
 // Whether a store may have changed since it was loaded, by one call to the system as long as nothing happens. Nothing
 // stays open.
-#ifndef CFQL_WATCH_H
-#define CFQL_WATCH_H
+#pragma once
 
 #include <sys/stat.h>
 
-#include <cstdint>
+#include <stdint.h>
 
 namespace cfql {
 
@@ -18,7 +17,7 @@ namespace cfql {
 // After a failure do not call loaded(): the next check() finds `changed` again.
 class Watch {
   public:
-    enum class Finding : std::uint8_t { same, changed, absent };
+    enum class Finding : uint8_t { same, changed, absent };
 
     // Compares the file's stat with the one that was taken before the last good load. Stamps of equal value may hide a
     // change that came within their granularity. So a load counts as settled when the clock was 3 s past both stamps
@@ -26,34 +25,32 @@ class Watch {
     Finding check(const char* path);
 
     // The load that began after the last check() was good; COUNTER is the change counter that it found.
-    void loaded(std::uint32_t counter);
+    void loaded(uint32_t counter);
     void forget() { known_ = false; }
 
     // Of the file as the last check() found it: another one than was loaded; the same, but its stat has moved.
     bool is_other_file() const { return !known_ || now_.device != seen_.device || now_.inode != seen_.inode; }
     bool has_moved() const { return !known_ || !(now_ == seen_); }
-    std::uint32_t counter() const { return counter_; }  // of the last good load
+    uint32_t counter() const { return counter_; }  // of the last good load
 
   private:
     struct State {
         dev_t device;
         ino_t inode;
         off_t size;
-        std::int64_t modified, changed;  // in ns
+        int64_t modified, changed;  // in ns
         bool operator==(const State&) const = default;
     };
 
-    bool clock_stepped_back(std::int64_t wall);
+    bool clock_stepped_back(int64_t wall);
 
     State seen_ = {};  // before the last good load
     State now_ = {};   // at the last check
-    std::uint32_t counter_ = 0;
+    uint32_t counter_ = 0;
     bool known_ = false;
-    bool settled_ = false;      // the last good load was
-    bool may_settle_ = false;   // a load that begins after the last check is
-    std::int64_t advance_ = 0;  // of the clock before the time since the start, at the last check; ns
+    bool settled_ = false;     // the last good load was
+    bool may_settle_ = false;  // a load that begins after the last check is
+    int64_t advance_ = 0;      // of the clock before the time since the start, at the last check; ns
 };
 
 }  // namespace cfql
-
-#endif

@@ -1,11 +1,10 @@
 // Attributes of a netlink message, walked in place. Every access is bounded by the message; an attribute of a wrong
 // length is as good as absent.
-#ifndef COLLECTOR_ATTRIBUTES_H
-#define COLLECTOR_ATTRIBUTES_H
+#pragma once
 
 #include <libmnl/libmnl.h>
 
-#include <cstring>
+#include <string.h>
 #include <optional>
 #include <string_view>
 
@@ -13,13 +12,13 @@ namespace collector {
 
 class Attributes {
   public:
-    Attributes(const void* data, std::size_t size)
+    Attributes(const void* data, size_t size)
         : data_(static_cast<const char*>(data)), end_(static_cast<const char*>(data) + size) {}
 
     // Those behind the message's fixed header of HEADER octets.
-    static Attributes of(const nlmsghdr* message, std::size_t header) {
-        const std::size_t size = mnl_nlmsg_get_payload_len(message);
-        const std::size_t skip = MNL_ALIGN(header);
+    static Attributes of(const nlmsghdr* message, size_t header) {
+        const size_t size = mnl_nlmsg_get_payload_len(message);
+        const size_t skip = MNL_ALIGN(header);
         const char* payload = static_cast<const char*>(mnl_nlmsg_get_payload(message));
         return size < skip ? Attributes(payload, 0) : Attributes(payload + skip, size - skip);
     }
@@ -46,7 +45,7 @@ template <class Number>
 std::optional<Number> number(const nlattr* attribute) {
     Number value;
     if (mnl_attr_get_payload_len(attribute) != sizeof value) return std::nullopt;
-    std::memcpy(&value, mnl_attr_get_payload(attribute), sizeof value);
+    memcpy(&value, mnl_attr_get_payload(attribute), sizeof value);
     return value;
 }
 
@@ -62,5 +61,3 @@ inline std::string_view text(const nlattr* attribute) {
 }
 
 }  // namespace collector
-
-#endif

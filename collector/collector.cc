@@ -2,9 +2,9 @@
 
 #include <linux/nl80211.h>
 
+#include <errno.h>
+#include <string.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "frame.h"
 #include "keys.h"
@@ -18,13 +18,13 @@ namespace {
 using cfql::tool::printable;
 using cfql::tool::quoted;
 
-constexpr std::size_t most_departures = 16384;  // of one interface between two looks
+constexpr size_t most_departures = 16384;  // of one interface between two looks
 
 std::string reason(int error) {
-    return std::strerror(error);
+    return strerror(error);
 }
 
-const char* kind(std::uint32_t type) {
+const char* kind(uint32_t type) {
     switch (type) {
         case NL80211_IFTYPE_ADHOC:
             return "ad hoc";
@@ -53,7 +53,7 @@ bool is_gone(int error) {
 Writer::Result Collector::load() {
     Writer::Result result = parts_.writer.load();
     for (const auto& [name, values] : parts_.writer.held()) {
-        const std::optional<std::uint32_t> index = index_of(values);
+        const std::optional<uint32_t> index = index_of(values);
         if (name.table == interface_table && index) left_by_earlier_run_[*index] = values;
     }
     return result;
@@ -77,7 +77,7 @@ Collector::State& Collector::state(const Interface& interface) {
     return made;
 }
 
-bool Collector::read_interfaces(std::int64_t now) {
+bool Collector::read_interfaces(int64_t now) {
     Log& log = parts_.log;
     std::vector<Interface> found;
     const int error = parts_.kernel.interfaces(found);
@@ -95,7 +95,7 @@ bool Collector::read_interfaces(std::int64_t now) {
         log.ended("kernel", "the kernel lists its wireless interfaces again", now);
     }
     interfaces_ = std::move(found);
-    const auto gone = [&](std::uint32_t index) {
+    const auto gone = [&](uint32_t index) {
         return std::ranges::none_of(interfaces_, [&](const Interface& interface) { return interface.index == index; });
     };
     std::erase_if(states_, [&](const auto& entry) { return gone(entry.first); });
@@ -106,7 +106,7 @@ bool Collector::read_interfaces(std::int64_t now) {
     return true;
 }
 
-void Collector::read_radios(std::int64_t now) {
+void Collector::read_radios(int64_t now) {
     Log& log = parts_.log;
     for (const Interface& interface : interfaces_) {
         const auto same = [&](const Radio& radio) { return radio.index == interface.radio; };
@@ -132,7 +132,7 @@ void Collector::read_radios(std::int64_t now) {
     }
 }
 
-void Collector::say_of_hostapd(const std::string& interface, Answer answer, std::int64_t now) {
+void Collector::say_of_hostapd(const std::string& interface, Answer answer, int64_t now) {
     Log& log = parts_.log;
     const std::string socket = parts_.hostapd.directory() + '/' + interface;
     const std::string cause = "hostapd:" + interface;
@@ -170,7 +170,7 @@ void Collector::say_of_hostapd(const std::string& interface, Answer answer, std:
 }
 
 // True when hostapd says by itself that the access point has started.
-bool Collector::ask_hostapd(const Interface& interface, std::int64_t now) {
+bool Collector::ask_hostapd(const Interface& interface, int64_t now) {
     HostapdBss bss;
     const Answer answer = parts_.hostapd.ask(interface.name, interface.radio, bss);
     say_of_hostapd(interface.name, answer, now);
@@ -179,13 +179,13 @@ bool Collector::ask_hostapd(const Interface& interface, std::int64_t now) {
     return bss.enabled;
 }
 
-void Collector::leave_out(const Interface& interface, const std::string& cause, std::int64_t now) {
+void Collector::leave_out(const Interface& interface, const std::string& cause, int64_t now) {
     observed_.left_out.push_back({interface, cause});
     if (interface.type != NL80211_IFTYPE_AP || interface.ssid.empty()) return;
     parts_.log.holds("row:" + interface.name, Level::warning, interface.name + " is not served: " + cause, now);
 }
 
-bool Collector::add_stations(AccessPoint& point, std::int64_t now) {
+bool Collector::add_stations(AccessPoint& point, int64_t now) {
     Log& log = parts_.log;
     const std::string cause = "stations:" + point.interface.name;
     Stations found;
@@ -208,7 +208,7 @@ bool Collector::add_stations(AccessPoint& point, std::int64_t now) {
 }
 
 // WPA is known from hostapd. What else has keys is WEP; without any it is open.
-void Collector::add_group_key(AccessPoint& point, std::int64_t now) {
+void Collector::add_group_key(AccessPoint& point, int64_t now) {
     if (point.hostapd && point.hostapd->wpa != 0) return;
     bool present = false;
     const int error = parts_.kernel.group_key(point.interface.index, present);
@@ -222,7 +222,7 @@ void Collector::add_group_key(AccessPoint& point, std::int64_t now) {
     }
 }
 
-void Collector::look_at(const Interface& interface, std::int64_t now) {
+void Collector::look_at(const Interface& interface, int64_t now) {
     if (interface.type != NL80211_IFTYPE_AP)
         return leave_out(interface, std::string("it is ") + kind(interface.type), now);
     State& state = this->state(interface);
@@ -279,16 +279,16 @@ void Collector::count() {
 
 void Collector::take_frames() {
     for (const auto& [sender, frame] : events_.frames) {
-        const std::uint32_t index = sender;
+        const uint32_t index = sender;
         const auto of = std::ranges::find_if(interfaces_, [&](const Interface& i) { return i.index == index; });
         if (of == interfaces_.end() || of->type != NL80211_IFTYPE_AP) continue;
         const std::optional<Sent> sent = sent_frame(frame, of->mac);
-        if (sent) state(*of).sent[static_cast<std::size_t>(sent->told)] = sent;
+        if (sent) state(*of).sent[static_cast<size_t>(sent->told)] = sent;
     }
     events_.frames.clear();
 }
 
-bool Collector::look(std::int64_t now) {
+bool Collector::look(int64_t now) {
     observed_ = {};
     observed_.manufacturer = manufacturer_;
     under_way_ = false;
@@ -324,7 +324,7 @@ bool Collector::look(std::int64_t now) {
     return true;
 }
 
-void Collector::write(std::int64_t now) {
+void Collector::write(int64_t now) {
     Log& log = parts_.log;
     const std::string& path = parts_.writer.path();
     const Writer::Result result = parts_.writer.write(wanted());

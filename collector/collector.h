@@ -1,8 +1,7 @@
 // A pass: asks the sources, accumulates, and hands the result to the store. Between passes it takes in events.
-#ifndef COLLECTOR_COLLECTOR_H
-#define COLLECTOR_COLLECTOR_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <map>
 #include <string>
 #include <vector>
@@ -41,10 +40,10 @@ class Collector {
     bool take_events();
 
     // Looks at everything. False: the kernel did not answer, and the last look stands.
-    bool look(std::int64_t now);
+    bool look(int64_t now);
 
     // Writes what the last look found.
-    void write(std::int64_t now);
+    void write(int64_t now);
 
     const Observed& observed() const { return observed_; }
     Contents wanted() const { return contents(observed_, configuration_); }
@@ -64,14 +63,14 @@ class Collector {
     };
 
     State& state(const Interface& interface);
-    bool read_interfaces(std::int64_t now);
-    void read_radios(std::int64_t now);
-    bool ask_hostapd(const Interface& interface, std::int64_t now);
-    void say_of_hostapd(const std::string& interface, Answer answer, std::int64_t now);
-    void look_at(const Interface& interface, std::int64_t now);
-    void leave_out(const Interface& interface, const std::string& cause, std::int64_t now);
-    bool add_stations(AccessPoint& point, std::int64_t now);
-    void add_group_key(AccessPoint& point, std::int64_t now);
+    bool read_interfaces(int64_t now);
+    void read_radios(int64_t now);
+    bool ask_hostapd(const Interface& interface, int64_t now);
+    void say_of_hostapd(const std::string& interface, Answer answer, int64_t now);
+    void look_at(const Interface& interface, int64_t now);
+    void leave_out(const Interface& interface, const std::string& cause, int64_t now);
+    bool add_stations(AccessPoint& point, int64_t now);
+    void add_group_key(AccessPoint& point, int64_t now);
     void count();
     void take_frames();
     bool acks_count(const Interface& interface) const;
@@ -82,13 +81,11 @@ class Collector {
     Observed observed_;
     Events events_;                      // that no look has seen
     std::vector<Interface> interfaces_;  // of the present look
-    std::map<std::uint32_t, State> states_;
-    std::map<std::uint32_t, Stations> stations_;  // of the present look
-    std::map<std::uint32_t, Values> left_by_earlier_run_;
+    std::map<uint32_t, State> states_;
+    std::map<uint32_t, Stations> stations_;  // of the present look
+    std::map<uint32_t, Values> left_by_earlier_run_;
     bool has_looked_ = false;
     bool under_way_ = false;
 };
 
 }  // namespace collector
-
-#endif

@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <errno.h>
+#include <string.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "database.h"
 #include "failure.h"
@@ -22,7 +22,7 @@ namespace {
 
 using cfql::tool::quoted;
 
-constexpr std::size_t longest_file = 65536;
+constexpr size_t longest_file = 65536;
 constexpr std::string_view alias_key = "name";
 
 class Reader {
@@ -34,7 +34,7 @@ class Reader {
         const toml::table root = parse(text);
         for (const auto& [key, node] : root) {
             const toml::table* table = node.as_table();
-            if (table == nullptr) {
+            if (!table) {
                 fail(key.source(), quoted(key.str()) + " belongs to no interface: put it below [\"*\"] or [wlan0]");
             }
             add_table(key, *table);
@@ -43,7 +43,7 @@ class Reader {
     }
 
   private:
-    [[noreturn]] void fail(std::size_t line, std::size_t column, const std::string& what) const {
+    [[noreturn]] void fail(size_t line, size_t column, const std::string& what) const {
         throw Failure(Exit::configuration,
                       std::string(source_) + ':' + std::to_string(line) + ':' + std::to_string(column) + ": " + what);
     }
@@ -67,7 +67,7 @@ class Reader {
         }
         for (const auto& [key, node] : table) {
             const toml::value<std::string>* value = node.as_string();
-            if (value == nullptr) {
+            if (!value) {
                 fail(node.source(), "the value of " + quoted(key.str()) + " is no text: put it in quotes");
             }
             if (key.str() == alias_key) {
@@ -146,18 +146,18 @@ Configuration load_configuration(const std::string& path) {
     const File file(path);
     if (file.descriptor() < 0) {
         if (errno == ENOENT) return {};
-        fail_at(path, std::string(std::strerror(errno)) +
-                          "; let the collector's user read it, or name another with --config");
+        fail_at(path,
+                std::string(strerror(errno)) + "; let the collector's user read it, or name another with --config");
     }
     struct stat status = {};
     if (fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode)) {
         fail_at(path, "not a file; name another with --config");
     }
     std::string text(longest_file + 1, '\0');
-    std::size_t size = 0;
-    for (ssize_t got = 1; got != 0 && size < text.size(); size += static_cast<std::size_t>(got)) {
+    size_t size = 0;
+    for (ssize_t got = 1; got != 0 && size < text.size(); size += static_cast<size_t>(got)) {
         got = read(file.descriptor(), text.data() + size, text.size() - size);
-        if (got < 0) fail_at(path, std::string(std::strerror(errno)) + "; see the kernel's log (dmesg)");
+        if (got < 0) fail_at(path, std::string(strerror(errno)) + "; see the kernel's log (dmesg)");
     }
     if (size > longest_file) fail_at(path, "longer than 64 kB; name another with --config");
     text.resize(size);

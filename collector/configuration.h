@@ -4,8 +4,7 @@
 //     wep-default-key = "1"      a key of the store
 //     [wlan0]                    one, by the name that the kernel has for it; wins over "*"
 //     name = "guest"             the name to serve it under, at most five octets; not in "*"
-#ifndef COLLECTOR_CONFIGURATION_H
-#define COLLECTOR_CONFIGURATION_H
+#pragma once
 
 #include <map>
 #include <string>
@@ -37,5 +36,3 @@ Configuration read_configuration(std::string_view text, std::string_view source)
 Configuration load_configuration(const std::string& path);
 
 }  // namespace collector
-
-#endif

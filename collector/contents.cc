@@ -14,7 +14,7 @@ namespace collector {
 namespace {
 
 constexpr std::string_view default_rts = "2347", default_fragmentation = "2346";  // the MIB's "off"
-constexpr std::size_t longest_plain = 127;
+constexpr size_t longest_plain = 127;
 
 template <class Number>
 std::optional<Number> number_of(const Values& values, std::string_view key) {
@@ -65,14 +65,14 @@ const Regulatory* rules_of(const Observed& observed, const AccessPoint& point) {
     const Regulatory* own = find(observed.regulatory, [&](const Regulatory& rules) {
         return rules.radio == std::optional(point.interface.radio);
     });
-    return own != nullptr ? own : world(observed);
+    return own ? own : world(observed);
 }
 
 bool is_letter(char c) {
     return c >= 'A' && c <= 'Z';
 }
 
-enum class Security : std::uint8_t { unknown, open, wep, wpa };
+enum class Security : uint8_t { unknown, open, wep, wpa };
 
 Security security(const AccessPoint& point) {
     if (point.hostapd && point.hostapd->wpa != 0) return Security::wpa;
@@ -106,7 +106,7 @@ void put_security(Object& object, const AccessPoint& point) {
 }
 
 void put_sent(Object& object, const LastSent& sent) {
-    for (std::size_t i = 0; i < sent.size(); ++i) {
+    for (size_t i = 0; i < sent.size(); ++i) {
         if (!sent[i]) continue;
         object.put(sent_keys[i].code, std::to_string(sent[i]->code));
         object.put(sent_keys[i].station, mac_text(sent[i]->station));
@@ -168,8 +168,7 @@ void put_bss(Object object, const AccessPoint& point) {
     }
 }
 
-void put_threshold(Object& object, std::string_view key, const std::optional<std::uint32_t>& octets,
-                   std::string_view off) {
+void put_threshold(Object& object, std::string_view key, const std::optional<uint32_t>& octets, std::string_view off) {
     if (octets) object.put(key, *octets == threshold_off ? std::string(off) : std::to_string(*octets));
 }
 
@@ -190,7 +189,7 @@ void put_radio(Object object, const AccessPoint& point, const Observed& observed
     }
     put_manufacturer(object, observed.manufacturer, point.interface.mac);
     const Radio* radio = radio_of(observed, point);
-    if (radio == nullptr) return;
+    if (!radio) return;
     put_threshold(object, "rts-threshold", radio->rts, default_rts);
     // Left out it would be served as the RTS threshold.
     put_threshold(object, "fragmentation-threshold", radio->fragmentation, default_fragmentation);
@@ -221,9 +220,9 @@ void add_access_point(Contents& made, const AccessPoint& point, const Observed& 
 
 }  // namespace
 
-std::optional<std::uint32_t> channel(std::uint32_t frequency) {
+std::optional<uint32_t> channel(uint32_t frequency) {
     struct Band {
-        std::uint32_t first, last, base, step;
+        uint32_t first, last, base, step;
     };
     // Channel n of a band is at base + n * step. The single ones come first.
     static constexpr Band bands[] = {
@@ -239,12 +238,12 @@ std::optional<std::uint32_t> channel(std::uint32_t frequency) {
     return std::nullopt;
 }
 
-std::uint32_t milliwatts(std::int32_t power) {
+uint32_t milliwatts(int32_t power) {
     const double value = std::pow(10.0, std::clamp(power, -10000, 9000) / 1000.0);
-    return std::max<std::uint32_t>(1, static_cast<std::uint32_t>(std::lround(value)));
+    return std::max<uint32_t>(1, static_cast<uint32_t>(std::lround(value)));
 }
 
-std::optional<std::uint32_t> regulatory_domain(const Regulatory& rules) {
+std::optional<uint32_t> regulatory_domain(const Regulatory& rules) {
     if (rules.country == "US") return 16;  // FCC
     if (rules.country == "CA") return 32;  // DOC
     if (rules.country == "JP") return 64;  // MKK
@@ -263,7 +262,7 @@ std::optional<std::uint32_t> regulatory_domain(const Regulatory& rules) {
 std::string mac_text(const Mac& mac) {
     static constexpr char digits[] = "0123456789abcdef";
     std::string text;
-    for (const std::uint8_t octet : mac) {
+    for (const uint8_t octet : mac) {
         if (!text.empty()) text += ':';
         text += digits[octet >> 4];
         text += digits[octet & 15];
@@ -274,7 +273,7 @@ std::string mac_text(const Mac& mac) {
 std::optional<Mac> mac_of(std::string_view text) {
     Mac mac;
     if (text.size() != 17) return std::nullopt;
-    for (std::size_t i = 0; i < mac.size(); ++i) {
+    for (size_t i = 0; i < mac.size(); ++i) {
         const char* digits = text.data() + 3 * i;
         const auto [end, error] = std::from_chars(digits, digits + 2, mac[i], 16);
         if (error != std::errc() || end != digits + 2 || (i < 5 && *end != ':')) return std::nullopt;
@@ -296,7 +295,7 @@ Contents contents(const Observed& observed, const Configuration& configuration) 
     for (const AccessPoint& point : observed.access_points)
         add_access_point(made, point, observed, configuration);
     const Regulatory* rules = world(observed);
-    if (rules != nullptr && std::ranges::all_of(rules->country, is_letter)) {
+    if (rules && std::ranges::all_of(rules->country, is_letter)) {
         made[{std::string(system_table), ""}] = {{std::string(country_key), rules->country},
                                                  {std::string(origin_key), std::string(origin)}};
     }
@@ -305,18 +304,18 @@ Contents contents(const Observed& observed, const Configuration& configuration) 
 
 Totals totals_of(const Values& object) {
     Totals totals;
-    totals.transmitted = number_of<std::uint64_t>(object, transmitted_key).value_or(0);
-    totals.failed = number_of<std::uint64_t>(object, failed_key).value_or(0);
-    totals.received = number_of<std::uint64_t>(object, received_key).value_or(0);
-    totals.unacknowledged = number_of<std::uint64_t>(object, unacknowledged_key);
-    totals.bad_checksums = number_of<std::uint64_t>(object, bad_checksums_key);
+    totals.transmitted = number_of<uint64_t>(object, transmitted_key).value_or(0);
+    totals.failed = number_of<uint64_t>(object, failed_key).value_or(0);
+    totals.received = number_of<uint64_t>(object, received_key).value_or(0);
+    totals.unacknowledged = number_of<uint64_t>(object, unacknowledged_key);
+    totals.bad_checksums = number_of<uint64_t>(object, bad_checksums_key);
     return totals;
 }
 
 LastSent sent_of(const Values& object) {
     LastSent sent;
-    for (std::size_t i = 0; i < sent.size(); ++i) {
-        const auto code = number_of<std::uint16_t>(object, sent_keys[i].code);
+    for (size_t i = 0; i < sent.size(); ++i) {
+        const auto code = number_of<uint16_t>(object, sent_keys[i].code);
         const auto station = object.find(sent_keys[i].station);
         if (!code || station == object.end()) continue;
         const std::optional<Mac> mac = mac_of(station->second);
@@ -325,8 +324,8 @@ LastSent sent_of(const Values& object) {
     return sent;
 }
 
-std::optional<std::uint32_t> index_of(const Values& object) {
-    return number_of<std::uint32_t>(object, index_key);
+std::optional<uint32_t> index_of(const Values& object) {
+    return number_of<uint32_t>(object, index_key);
 }
 
 }  // namespace collector

@@ -1,8 +1,7 @@
 // From what was seen to what the store is to hold: every key and its conversion. Pure.
-#ifndef COLLECTOR_CONTENTS_H
-#define COLLECTOR_CONTENTS_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <map>
 #include <optional>
 #include <string>
@@ -22,13 +21,13 @@ struct ObjectName {
 using Contents = std::map<ObjectName, Values>;
 
 // The channel's number of a frequency in MHz, in every band; absent: none.
-std::optional<std::uint32_t> channel(std::uint32_t frequency);
+std::optional<uint32_t> channel(uint32_t frequency);
 
 // Milliwatts of 1/100 dBm, rounded; at least 1.
-std::uint32_t milliwatts(std::int32_t power);
+uint32_t milliwatts(int32_t power);
 
 // Regulatory domain as the MIB numbers it; absent: it has no number there.
-std::optional<std::uint32_t> regulatory_domain(const Regulatory& rules);
+std::optional<uint32_t> regulatory_domain(const Regulatory& rules);
 
 // Lower-case hexadecimal digits, separated by colons.
 std::string mac_text(const Mac& mac);
@@ -43,8 +42,6 @@ Contents contents(const Observed& observed, const Configuration& configuration);
 // is another interface's.
 Totals totals_of(const Values& object);
 LastSent sent_of(const Values& object);
-std::optional<std::uint32_t> index_of(const Values& object);
+std::optional<uint32_t> index_of(const Values& object);
 
 }  // namespace collector
-
-#endif

@@ -7,12 +7,12 @@ namespace collector {
 namespace {
 
 // Steps of a 32-bit counter, which may have wrapped.
-std::uint32_t steps(std::uint32_t before, std::uint32_t now) {
+uint32_t steps(uint32_t before, uint32_t now) {
     return now - before;
 }
 
 // Nobody sends 2^31 frames between two looks.
-bool fell(std::uint32_t before, std::uint32_t now) {
+bool fell(uint32_t before, uint32_t now) {
     return steps(before, now) > 0x7fffffff;
 }
 
@@ -22,7 +22,7 @@ bool is_another(const Sample& before, const Sample& now) {
            fell(before.retries, now.retries);
 }
 
-bool is_after(std::uint32_t generation, std::uint32_t other) {
+bool is_after(uint32_t generation, uint32_t other) {
     return generation != other && !fell(other, generation);
 }
 
@@ -38,8 +38,8 @@ Accumulator::Accumulator(const Totals& totals)
 
 void Accumulator::add(const Sample* before, const Sample& now) {
     static constexpr Sample none;
-    if (before == nullptr || is_another(*before, now)) before = &none;
-    const std::uint32_t failed = steps(before->failed, now.failed);
+    if (!before || is_another(*before, now)) before = &none;
+    const uint32_t failed = steps(before->failed, now.failed);
     sent_ += steps(before->sent, now.sent);
     totals_.failed += failed;
     totals_.received += steps(before->received, now.received);
@@ -49,8 +49,8 @@ void Accumulator::add(const Sample* before, const Sample& now) {
         totals_.unacknowledged = totals_.unacknowledged.value_or(0) + failed + steps(before->retries, now.retries);
     }
     if (now.bad_checksums) {
-        const std::uint32_t last = before->bad_checksums.value_or(0);
-        const std::uint32_t more = fell(last, *now.bad_checksums) ? 0 : steps(last, *now.bad_checksums);
+        const uint32_t last = before->bad_checksums.value_or(0);
+        const uint32_t more = fell(last, *now.bad_checksums) ? 0 : steps(last, *now.bad_checksums);
         totals_.bad_checksums = totals_.bad_checksums.value_or(0) + more;
     }
 }
@@ -63,7 +63,7 @@ bool Accumulator::is_stale(const Departed& departed) const {
 void Accumulator::leave(const Departed& departed) {
     const auto known = known_.find(departed.mac);
     const Sample* before = known == known_.end() ? nullptr : &known->second;
-    if (departed.last && (before != nullptr || !baseline_)) add(before, *departed.last);
+    if (departed.last && (before || !baseline_)) add(before, *departed.last);
     if (known != known_.end()) known_.erase(known);
 }
 
@@ -73,7 +73,7 @@ void Accumulator::take_present(const Stations& present) {
         const auto known = known_.find(station.mac);
         const Sample* before = known == known_.end() ? nullptr : &known->second;
         if (now.contains(station.mac)) continue;
-        if (before != nullptr || !baseline_) add(before, station.sample);
+        if (before || !baseline_) add(before, station.sample);
         now.emplace(station.mac, station.sample);
     }
     known_ = std::move(now);

@@ -1,7 +1,6 @@
 // Sums of stations' counters over the life of an interface: they never fall and count nothing twice, although stations
 // leave with their counters, and what the kernel tells of leaving comes later than what it tells of those present.
-#ifndef COLLECTOR_COUNTERS_H
-#define COLLECTOR_COUNTERS_H
+#pragma once
 
 #include <map>
 #include <span>
@@ -27,7 +26,7 @@ class Accumulator {
     void look(const Stations& present, std::span<const Departed> departed, bool count_acks);
 
     const Totals& totals() const { return totals_; }
-    std::size_t stations() const { return known_.size(); }
+    size_t stations() const { return known_.size(); }
 
   private:
     bool is_stale(const Departed& departed) const;
@@ -37,18 +36,16 @@ class Accumulator {
     void add(const Sample* before, const Sample& now);
 
     Totals totals_;
-    std::uint64_t sent_ = 0;  // transmitted and failed
+    uint64_t sent_ = 0;  // transmitted and failed
     std::map<Mac, Sample> known_;
-    std::optional<std::uint32_t> generation_;  // of the last look
-    bool baseline_ = false;                    // the first look only says where the stations stand
+    std::optional<uint32_t> generation_;  // of the last look
+    bool baseline_ = false;               // the first look only says where the stations stand
     bool count_acks_ = false;
 };
 
 // As it is written: the agent reads signed 32-bit numbers.
-inline std::uint32_t written(std::uint64_t total) {
-    return static_cast<std::uint32_t>(total & 0x7fffffff);
+inline uint32_t written(uint64_t total) {
+    return static_cast<uint32_t>(total & 0x7fffffff);
 }
 
 }  // namespace collector
-
-#endif

@@ -1,6 +1,5 @@
 // What ends the collector: its exit statuses, and the exception that carries one of them to main().
-#ifndef COLLECTOR_FAILURE_H
-#define COLLECTOR_FAILURE_H
+#pragma once
 
 #include <stdexcept>
 #include <string>
@@ -26,5 +25,3 @@ class Failure : public std::runtime_error {
 };
 
 }  // namespace collector
-
-#endif

@@ -6,32 +6,32 @@ namespace collector {
 
 namespace {
 
-constexpr std::size_t header_size = 24;
-constexpr std::size_t receiver = 4, transmitter = 10;  // places of the addresses
+constexpr size_t header_size = 24;
+constexpr size_t receiver = 4, transmitter = 10;  // places of the addresses
 
-constexpr std::uint8_t disassociation = 0xa0, deauthentication = 0xc0, authentication = 0xb0;
-constexpr std::uint8_t encrypted = 0x40;  // in the second octet of frame control
+constexpr uint8_t disassociation = 0xa0, deauthentication = 0xc0, authentication = 0xb0;
+constexpr uint8_t encrypted = 0x40;  // in the second octet of frame control
 
-constexpr std::uint16_t sae = 3;  // authentication algorithm
+constexpr uint16_t sae = 3;  // authentication algorithm
 
-std::uint8_t octet(std::string_view frame, std::size_t at) {
-    return static_cast<std::uint8_t>(frame[at]);
+uint8_t octet(std::string_view frame, size_t at) {
+    return static_cast<uint8_t>(frame[at]);
 }
 
 // 802.11 is little-endian, whatever the host is.
-std::uint16_t word(std::string_view frame, std::size_t at) {
-    return static_cast<std::uint16_t>(octet(frame, at) | octet(frame, at + 1) << 8);
+uint16_t word(std::string_view frame, size_t at) {
+    return static_cast<uint16_t>(octet(frame, at) | octet(frame, at + 1) << 8);
 }
 
-Mac address(std::string_view frame, std::size_t at) {
+Mac address(std::string_view frame, size_t at) {
     Mac mac;
-    std::transform(frame.begin() + static_cast<std::ptrdiff_t>(at), frame.begin() + static_cast<std::ptrdiff_t>(at + 6),
-                   mac.begin(), [](char c) { return static_cast<std::uint8_t>(c); });
+    std::transform(frame.begin() + static_cast<ptrdiff_t>(at), frame.begin() + static_cast<ptrdiff_t>(at + 6),
+                   mac.begin(), [](char c) { return static_cast<uint8_t>(c); });
     return mac;
 }
 
 // SAE answers with these in a handshake that goes on: a token is wanted, hash to element, public key.
-bool is_refusal(std::uint16_t algorithm, std::uint16_t status) {
+bool is_refusal(uint16_t algorithm, uint16_t status) {
     return status != 0 && !(algorithm == sae && (status == 76 || status == 126 || status == 127));
 }
 
@@ -42,7 +42,7 @@ std::optional<Sent> with_reason(std::string_view frame, Told told) {
 
 std::optional<Sent> with_status(std::string_view frame) {
     if (frame.size() < header_size + 6) return std::nullopt;
-    const std::uint16_t status = word(frame, header_size + 4);
+    const uint16_t status = word(frame, header_size + 4);
     if (!is_refusal(word(frame, header_size), status)) return std::nullopt;
     return Sent{Told::refused, status, address(frame, receiver)};
 }

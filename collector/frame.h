@@ -1,6 +1,5 @@
 // Management frames of IEEE 802.11, as the access point sent them.
-#ifndef COLLECTOR_FRAME_H
-#define COLLECTOR_FRAME_H
+#pragma once
 
 #include <optional>
 #include <string_view>
@@ -14,5 +13,3 @@ namespace collector {
 std::optional<Sent> sent_frame(std::string_view frame, const Mac& own);
 
 }  // namespace collector
-
-#endif

@@ -5,11 +5,11 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <errno.h>
+#include <stddef.h>
+#include <string.h>
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
-#include <cstddef>
-#include <cstring>
 #include <optional>
 
 #include "clock.h"
@@ -18,10 +18,10 @@ namespace collector {
 
 namespace {
 
-constexpr std::size_t longest_ssid = 32;
-constexpr std::size_t longest_suites = 128;
-constexpr std::size_t longest_answer = 8192;  // hostapd itself stops at 4096
-constexpr std::size_t most_known = 1024;      // interfaces whose hostapd is remembered
+constexpr size_t longest_ssid = 32;
+constexpr size_t longest_suites = 128;
+constexpr size_t longest_answer = 8192;  // hostapd itself stops at 4096
+constexpr size_t most_known = 1024;      // interfaces whose hostapd is remembered
 
 int hex_value(char digit) {
     if (digit >= '0' && digit <= '9') return digit - '0';
@@ -51,13 +51,13 @@ void each_line(std::string_view text, Visit visit) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
-        const std::size_t sign = line.find('=');
+        const size_t sign = line.find('=');
         if (sign != std::string_view::npos) visit(line.substr(0, sign), line.substr(sign + 1));
     }
 }
 
-std::optional<std::uint32_t> count_between(std::string_view text, std::uint32_t least, std::uint32_t most) {
-    std::uint32_t value = 0;
+std::optional<uint32_t> count_between(std::string_view text, uint32_t least, uint32_t most) {
+    uint32_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || value < least || value > most) return std::nullopt;
     return value;
@@ -88,7 +88,7 @@ bool is_suites(std::string_view text) {
 
 std::string unescaped(std::string_view text) {
     std::string made;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] != '\\' || i + 1 == text.size()) {
             made += text[i];
             continue;
@@ -135,7 +135,7 @@ bool read_config(std::string_view answer, HostapdBss& bss) {
     found.wpa = 0;
     each_line(answer, [&](std::string_view key, std::string_view value) {
         if (key == "ssid") has_ssid = true;
-        if (key == "wpa") found.wpa = static_cast<std::uint8_t>(count_between(value, 0, 3).value_or(0));
+        if (key == "wpa") found.wpa = static_cast<uint8_t>(count_between(value, 0, 3).value_or(0));
         if (key == "key_mgmt" && is_suites(value))
             found.suites = std::string(value.substr(0, value.find_last_not_of(' ') + 1));
     });
@@ -160,13 +160,13 @@ class Connection {
 
     Answer open(const std::string& path);
     Answer ask(std::string_view command, std::string_view& answer);
-    std::int64_t process() const { return process_; }  // who answered; 0: unknown
+    int64_t process() const { return process_; }  // who answered; 0: unknown
 
   private:
     Answer receive(std::string_view& answer);
 
     int socket_ = -1;
-    std::int64_t process_ = 0;
+    int64_t process_ = 0;
     // An answer to GET_CONFIG may hold a passphrase: nothing of it is left behind.
     char buffer_[longest_answer];
 };
@@ -216,21 +216,21 @@ Answer Connection::receive(std::string_view& answer) {
     message.msg_controllen = sizeof control;
     const ssize_t size = recvmsg(socket_, &message, MSG_CMSG_CLOEXEC);
     if (size < 0) return answer_for(errno);
-    for (cmsghdr* part = CMSG_FIRSTHDR(&message); part != nullptr; part = CMSG_NXTHDR(&message, part)) {
+    for (cmsghdr* part = CMSG_FIRSTHDR(&message); part; part = CMSG_NXTHDR(&message, part)) {
         if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_CREDENTIALS) continue;
         ucred sender;
-        std::memcpy(&sender, CMSG_DATA(part), sizeof sender);
+        memcpy(&sender, CMSG_DATA(part), sizeof sender);
         process_ = sender.pid;
     }
     if ((message.msg_flags & MSG_TRUNC) != 0) return Answer::garbage;
-    answer = {buffer_, static_cast<std::size_t>(size)};
+    answer = {buffer_, static_cast<size_t>(size)};
     return Answer::told;
 }
 
 Answer Connection::ask(std::string_view command, std::string_view& answer) {
     if (send(socket_, command.data(), command.size(), MSG_NOSIGNAL) < 0) return answer_for(errno);
-    const std::int64_t deadline = now_ms() + Hostapd::time_out;
-    for (std::int64_t left = Hostapd::time_out; left > 0; left = deadline - now_ms()) {
+    const int64_t deadline = now_ms() + Hostapd::time_out;
+    for (int64_t left = Hostapd::time_out; left > 0; left = deadline - now_ms()) {
         pollfd wanted = {socket_, POLLIN, 0};
         if (poll(&wanted, 1, static_cast<int>(left)) > 0) return receive(answer);
     }
@@ -239,7 +239,7 @@ Answer Connection::ask(std::string_view command, std::string_view& answer) {
 
 }  // namespace
 
-void Hostapd::begin_pass(std::int64_t now) {
+void Hostapd::begin_pass(int64_t now) {
     now_ = now;
     for (auto& [name, peer] : late_)
         peer.late_now = false;
@@ -247,7 +247,7 @@ void Hostapd::begin_pass(std::int64_t now) {
     if (owner_.size() > most_known) owner_.clear();
 }
 
-std::string Hostapd::key(const std::string& interface, std::uint32_t radio) const {
+std::string Hostapd::key(const std::string& interface, uint32_t radio) const {
     const auto owner = owner_.find(interface);
     if (owner != owner_.end()) return "process " + std::to_string(owner->second);
     return "radio " + std::to_string(radio);
@@ -260,7 +260,7 @@ void Hostapd::was_late(const std::string& name) {
     if (++peer.late_passes >= patience) peer.not_before = now_ + long_pause;
 }
 
-Answer Hostapd::ask(const std::string& interface, std::uint32_t radio, HostapdBss& bss) {
+Answer Hostapd::ask(const std::string& interface, uint32_t radio, HostapdBss& bss) {
     const std::string peer = key(interface, radio);
     const auto late = late_.find(peer);
     if (late != late_.end() && (late->second.late_now || now_ < late->second.not_before)) return Answer::skipped;

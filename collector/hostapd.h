@@ -1,8 +1,7 @@
 // hostapd's control interface: what it says of one BSS.
-#ifndef COLLECTOR_HOSTAPD_H
-#define COLLECTOR_HOSTAPD_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <map>
 #include <string>
 #include <string_view>
@@ -24,7 +23,7 @@ bool read_config(std::string_view answer, HostapdBss& bss);
 
 // ---- Sockets.
 
-enum class Answer : std::uint8_t {
+enum class Answer : uint8_t {
     told,
     absent,     // no socket: nobody started this access point by hostapd, or it has no control interface
     dead,       // the socket is left over: its hostapd was killed
@@ -36,9 +35,9 @@ enum class Answer : std::uint8_t {
 
 class Hostapd {
   public:
-    static constexpr std::int64_t time_out = 200;      // ms for an answer
-    static constexpr unsigned patience = 3;            // passes with a late answer, then it is asked only after
-    static constexpr std::int64_t long_pause = 60000;  // ms
+    static constexpr int64_t time_out = 200;      // ms for an answer
+    static constexpr unsigned patience = 3;       // passes with a late answer, then it is asked only after
+    static constexpr int64_t long_pause = 60000;  // ms
 
     // DIRECTORY holds a socket for each BSS, named after its interface.
     explicit Hostapd(std::string directory) : directory_(std::move(directory)) {}
@@ -49,29 +48,27 @@ class Hostapd {
     const std::string& directory() const { return directory_; }
 
     // A pass begins at NOW, ms. A hostapd that is late is asked no more in the same pass.
-    void begin_pass(std::int64_t now);
+    void begin_pass(int64_t now);
 
     // Asks for the BSS of INTERFACE on RADIO. With any answer but `told`, BSS stays as it is. Virtual: tests have
     // theirs.
-    virtual Answer ask(const std::string& interface, std::uint32_t radio, HostapdBss& bss);
+    virtual Answer ask(const std::string& interface, uint32_t radio, HostapdBss& bss);
 
   private:
     // One hostapd serves many sockets; it is known by its process once it has answered, until then by its radio.
     struct Peer {
         unsigned late_passes = 0;
         bool late_now = false;
-        std::int64_t not_before = 0;
-        std::int64_t last_late = 0;
+        int64_t not_before = 0;
+        int64_t last_late = 0;
     };
-    std::string key(const std::string& interface, std::uint32_t radio) const;
+    std::string key(const std::string& interface, uint32_t radio) const;
     void was_late(const std::string& peer);
 
     std::string directory_;
-    std::int64_t now_ = 0;
-    std::map<std::string, Peer> late_;           // those that are or were late
-    std::map<std::string, std::int64_t> owner_;  // interface: process that answered
+    int64_t now_ = 0;
+    std::map<std::string, Peer> late_;      // those that are or were late
+    std::map<std::string, int64_t> owner_;  // interface: process that answered
 };
 
 }  // namespace collector
-
-#endif

@@ -1,6 +1,5 @@
 // The keys of the store that the collector writes, and where they lie.
-#ifndef COLLECTOR_KEYS_H
-#define COLLECTOR_KEYS_H
+#pragma once
 
 #include <optional>
 #include <string_view>
@@ -49,5 +48,3 @@ inline constexpr SentKeys sent_keys[] = {
 std::optional<std::string_view> table_of(std::string_view key);
 
 }  // namespace collector
-
-#endif

@@ -1,6 +1,5 @@
 // Network interfaces by rtnetlink: their alternative names, and what happens to them.
-#ifndef COLLECTOR_LINKS_H
-#define COLLECTOR_LINKS_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -14,7 +13,7 @@ namespace collector {
 std::vector<std::string> read_alternative_names(const nlmsghdr* message);
 
 // The interface that MESSAGE tells of; 0: none.
-std::uint32_t read_link_event(const nlmsghdr* message);
+uint32_t read_link_event(const nlmsghdr* message);
 
 // Calls answer 0 or an errno value.
 class Links {
@@ -25,28 +24,26 @@ class Links {
     virtual ~Links() = default;
 
     // The index of the interface that has NAME, as any of its names; 0: none.
-    virtual std::uint32_t index_of(const std::string& name) = 0;
-    virtual int alternative_names(std::uint32_t interface, std::vector<std::string>& names) = 0;
+    virtual uint32_t index_of(const std::string& name) = 0;
+    virtual int alternative_names(uint32_t interface, std::vector<std::string>& names) = 0;
     // EEXIST: some interface has it; EPERM: without CAP_NET_ADMIN; EOPNOTSUPP: kernels before 5.5.
-    virtual int add_name(std::uint32_t interface, const std::string& name) = 0;
-    virtual int remove_name(std::uint32_t interface, const std::string& name) = 0;
+    virtual int add_name(uint32_t interface, const std::string& name) = 0;
+    virtual int remove_name(uint32_t interface, const std::string& name) = 0;
 };
 
 // Those of the kernel.
 class KernelLinks : public Links {
   public:
-    std::uint32_t index_of(const std::string& name) override;
-    int alternative_names(std::uint32_t interface, std::vector<std::string>& names) override;
-    int add_name(std::uint32_t interface, const std::string& name) override;
-    int remove_name(std::uint32_t interface, const std::string& name) override;
+    uint32_t index_of(const std::string& name) override;
+    int alternative_names(uint32_t interface, std::vector<std::string>& names) override;
+    int add_name(uint32_t interface, const std::string& name) override;
+    int remove_name(uint32_t interface, const std::string& name) override;
 
   private:
     int ask(Request& request, const Visit& visit);
-    int change(std::uint16_t type, std::uint16_t flags, std::uint32_t interface, const std::string& name);
+    int change(uint16_t type, uint16_t flags, uint32_t interface, const std::string& name);
 
     Netlink socket_;
 };
 
 }  // namespace collector
-
-#endif

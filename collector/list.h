@@ -1,6 +1,5 @@
 // What --list prints: radios, access points, stations counted, under which name each is served, what not and why.
-#ifndef COLLECTOR_LIST_H
-#define COLLECTOR_LIST_H
+#pragma once
 
 #include <string>
 
@@ -12,5 +11,3 @@ namespace collector {
 std::string list(const Observed& observed);
 
 }  // namespace collector
-
-#endif

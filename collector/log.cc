@@ -8,7 +8,7 @@ namespace collector {
 
 namespace {
 
-constexpr std::size_t most_causes = 1024;
+constexpr size_t most_causes = 1024;
 
 // One write: lines of several processes do not mix. Nobody can be told when it fails.
 void write_line(const std::string& line) {
@@ -24,7 +24,7 @@ void Log::say(Level level, const std::string& message) {
          '\n');
 }
 
-void Log::holds(const std::string& cause, Level level, const std::string& message, std::int64_t now) {
+void Log::holds(const std::string& cause, Level level, const std::string& message, int64_t now) {
     if (!causes_.contains(cause) && causes_.size() >= most_causes) return;
     Cause& entry = causes_[cause];
     entry.seen = now;
@@ -34,7 +34,7 @@ void Log::holds(const std::string& cause, Level level, const std::string& messag
     say(level, message);
 }
 
-void Log::ended(const std::string& cause, const std::string& message, std::int64_t now) {
+void Log::ended(const std::string& cause, const std::string& message, int64_t now) {
     const auto found = causes_.find(cause);
     if (found == causes_.end()) return;
     Cause& entry = found->second;
@@ -47,7 +47,7 @@ void Log::ended(const std::string& cause, const std::string& message, std::int64
     if (entry.said.empty() && may(entry.began, now) && may(entry.ended, now)) causes_.erase(found);
 }
 
-void Log::end_others(const std::string& prefix, const std::string& message, std::int64_t since, std::int64_t now) {
+void Log::end_others(const std::string& prefix, const std::string& message, int64_t since, int64_t now) {
     for (auto next = causes_.lower_bound(prefix); next != causes_.end() && next->first.starts_with(prefix);) {
         const auto entry = next++;
         if (entry->second.seen >= since) continue;

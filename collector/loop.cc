@@ -4,8 +4,8 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <errno.h>
 #include <algorithm>
-#include <cerrno>
 #include <system_error>
 
 #include "clock.h"
@@ -79,18 +79,18 @@ class Loop {
     }
 
     void pass() {
-        const std::int64_t begin = now_ms();
+        const int64_t begin = now_ms();
         const After after = work_.pass(begin);
         schedule_.pass(begin, after.under_way);
         if (after.out_of_date) schedule_.event(now_ms());
     }
 
     void wait() {
-        std::int64_t until = schedule_.due();
+        int64_t until = schedule_.due();
         if (work_.watchdog > 0) until = std::min(until, alive_at_);
         epoll_event events[most_at_once];
         const int count = epoll_wait(poll_.get(), events, most_at_once,
-                                     static_cast<int>(std::clamp<std::int64_t>(until - now_ms(), 0, 60000)));
+                                     static_cast<int>(std::clamp<int64_t>(until - now_ms(), 0, 60000)));
         bool any = false;
         for (int i = 0; i < count; ++i) {
             if (events[i].data.fd == signals_.get()) {
@@ -115,7 +115,7 @@ class Loop {
     Descriptor poll_;
     Descriptor signals_;
     Schedule schedule_;
-    std::int64_t alive_at_;
+    int64_t alive_at_;
     bool ended_ = false;
 };
 
@@ -124,7 +124,7 @@ class Loop {
 void hold_signals() {
     const sigset_t signals = handled();
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
+    signal(SIGPIPE, SIG_IGN);
 }
 
 void run(const Work& work) {

@@ -1,9 +1,8 @@
 // The loop: waits for events, signals and the time of the next pass.
-#ifndef COLLECTOR_LOOP_H
-#define COLLECTOR_LOOP_H
+#pragma once
 
-#include <csignal>
-#include <cstdint>
+#include <signal.h>
+#include <stdint.h>
 #include <functional>
 #include <vector>
 
@@ -19,11 +18,11 @@ struct After {
 struct Work {
     std::vector<int> events;            // descriptors, readable when take_events() has something
     std::function<bool()> take_events;  // true: a pass is due
-    std::function<After(std::int64_t now)> pass;
+    std::function<After(int64_t now)> pass;
     std::function<void()> reload;  // SIGHUP
     std::function<void()> alive;   // at least every `watchdog` ms
-    std::int64_t interval = 10000;
-    std::int64_t watchdog = 0;  // 0: alive() is never called
+    int64_t interval = 10000;
+    int64_t watchdog = 0;  // 0: alive() is never called
 };
 
 // SIGTERM, SIGINT, SIGHUP and SIGUSR1 come to the loop from here on. Call it before anything else is started.
@@ -33,5 +32,3 @@ void hold_signals();
 void run(const Work& work);
 
 }  // namespace collector
-
-#endif

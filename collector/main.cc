@@ -1,9 +1,9 @@
 // cfql-collector: fills the store from the kernel and hostapd.
 #include <sys/stat.h>
 
+#include <stdio.h>
+#include <string.h>
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <cstring>
 #include <exception>
 
 #include "clock.h"
@@ -71,8 +71,8 @@ void demand_values(const Options& options) {
 }
 
 void print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
-    throw Failure(Exit::store, std::string("standard output: ") + std::strerror(errno));
+    if (fwrite(text.data(), 1, text.size(), stdout) == text.size() && fflush(stdout) == 0) return;
+    throw Failure(Exit::store, std::string("standard output: ") + strerror(errno));
 }
 
 [[noreturn]] void fail_store(const std::string& path, const Writer::Result& result) {
@@ -91,7 +91,7 @@ void claim(Presence& presence, const std::string& store) {
                       store + ": another collector fills it; end that one, or name another store with --store");
     }
     throw Failure(Exit::store,
-                  presence.path() + ": " + std::strerror(error) +
+                  presence.path() + ": " + strerror(error) +
                       "; see that the directory is there and the collector's, or name another with --store");
 }
 
@@ -111,7 +111,7 @@ class Program {
 
     void run() {
         if (const int error = kernel_.open()) {
-            throw Failure(Exit::usage, std::string("netlink: ") + std::strerror(error) +
+            throw Failure(Exit::usage, std::string("netlink: ") + strerror(error) +
                                            "; the process must be allowed sockets of the family AF_NETLINK");
         }
         if (options_.remove_aliases) return remove_aliases();
@@ -139,7 +139,7 @@ class Program {
         if (writer_.last_status() != cfql::Status::ok) fail_store(options_.store, {writer_.last_status(), "", 0});
     }
 
-    bool pass(std::int64_t now) {
+    bool pass(int64_t now) {
         const bool looked = collector_.look(now);
         if (looked) collector_.write(now);
         presence_.stamp(now_ms() / 1000, options_.interval);
@@ -162,7 +162,7 @@ class Program {
         Work work;
         work.events = {kernel_.wireless_events(), kernel_.link_events()};
         work.take_events = [&] { return collector_.take_events(); };
-        work.pass = [&](std::int64_t now) {
+        work.pass = [&](int64_t now) {
             pass(now);
             if (!is_ready) notify_.send("READY=1");
             is_ready = true;
@@ -170,7 +170,7 @@ class Program {
         };
         work.reload = [&] { reload(); };
         work.alive = [&] { notify_.send("WATCHDOG=1"); };
-        work.interval = options_.interval * std::int64_t{1000};
+        work.interval = options_.interval * int64_t{1000};
         work.watchdog = notify_.watchdog();
         collector::run(work);
         notify_.send("STOPPING=1");
@@ -180,7 +180,7 @@ class Program {
         std::vector<Interface> interfaces;
         const int error = kernel_.interfaces(interfaces);
         if (error != 0 && error != ENOENT)
-            throw Failure(Exit::usage, std::string("the kernel does not list its interfaces: ") + std::strerror(error));
+            throw Failure(Exit::usage, std::string("the kernel does not list its interfaces: ") + strerror(error));
         for (const Interface& interface : interfaces) {
             const auto alias = configuration_.aliases.find(interface.name);
             for (const std::string& name :

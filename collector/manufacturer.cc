@@ -13,7 +13,7 @@ std::string content(const std::string& path) {
     std::string text(255, '\0');
     std::ifstream file(path, std::ios::binary);
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
+    text.resize(static_cast<size_t>(file.gcount()));
     return plain(text.substr(0, text.find('\0')));
 }
 

@@ -1,6 +1,5 @@
 // Who made the device, as firmware tells: DMI, or the device tree.
-#ifndef COLLECTOR_MANUFACTURER_H
-#define COLLECTOR_MANUFACTURER_H
+#pragma once
 
 #include <string>
 
@@ -12,5 +11,3 @@ namespace collector {
 Manufacturer read_manufacturer(const std::string& root);
 
 }  // namespace collector
-
-#endif

@@ -1,8 +1,8 @@
 #include "names.h"
 
+#include <errno.h>
+#include <string.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "store/interfaces.h"
 #include "text.h"
@@ -27,25 +27,25 @@ bool are_digits(std::string_view text) {
 }  // namespace
 
 bool is_made_name(std::string_view name) {
-    const std::size_t middle = name.find("ap");
+    const size_t middle = name.find("ap");
     return name.size() <= longest_interface_name && middle != std::string_view::npos &&
            are_digits(name.substr(0, middle)) && are_digits(name.substr(middle + 2));
 }
 
-std::optional<std::string> made_name(std::uint32_t radio, unsigned nth) {
+std::optional<std::string> made_name(uint32_t radio, unsigned nth) {
     if (nth >= most_names) return std::nullopt;
     // Two digits of the radio leave one for the access point: its tens go to the next radio's numbers.
-    const std::uint32_t front = radio % 100;
+    const uint32_t front = radio % 100;
     if (front < 10) return std::to_string(front) + "ap" + std::to_string(nth);
     return std::to_string(10 + (front - 10 + nth / 10) % 90) + "ap" + std::to_string(nth % 10);
 }
 
-Names::Served Names::served(std::uint32_t interface, const std::string& name, std::uint32_t radio,
+Names::Served Names::served(uint32_t interface, const std::string& name, uint32_t radio,
                             const std::string* configured) {
-    if (configured == nullptr && name.size() <= longest_interface_name) return {name, {}};
-    if (configured != nullptr && *configured == name) return {name, {}};
+    if (!configured && name.size() <= longest_interface_name) return {name, {}};
+    if (configured && *configured == name) return {name, {}};
     const auto known = aliases_.find(interface);
-    if (known != aliases_.end() && (configured == nullptr || *configured == known->second) &&
+    if (known != aliases_.end() && (!configured || *configured == known->second) &&
         links_.index_of(known->second) == interface) {
         return {known->second, {}};
     }
@@ -56,14 +56,13 @@ Names::Served Names::served(std::uint32_t interface, const std::string& name, st
 }
 
 // The name that the interface has from an earlier run, or a new one.
-Names::Served Names::alias(std::uint32_t interface, const std::string& name, std::uint32_t radio,
-                           const std::string* configured) {
+Names::Served Names::alias(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured) {
     std::vector<std::string> present;
     if (const int error = links_.alternative_names(interface, present)) {
-        return {{}, std::string("its other names cannot be read: ") + std::strerror(error)};
+        return {{}, std::string("its other names cannot be read: ") + strerror(error)};
     }
     const auto ours = std::ranges::find_if(present, [&](const std::string& candidate) {
-        return configured != nullptr ? candidate == *configured : is_made_name(candidate);
+        return configured ? candidate == *configured : is_made_name(candidate);
     });
     if (ours != present.end()) return {*ours, {}};
     if (mode_ == Mode::refused) return {{}, "its name is longer than 5 characters, and --no-aliases is given"};
@@ -71,9 +70,8 @@ Names::Served Names::alias(std::uint32_t interface, const std::string& name, std
     return add(interface, name, radio, configured);
 }
 
-Names::Served Names::add(std::uint32_t interface, const std::string& name, std::uint32_t radio,
-                         const std::string* configured) {
-    if (configured != nullptr) {
+Names::Served Names::add(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured) {
+    if (configured) {
         const int error = links_.add_name(interface, *configured);
         if (error == 0) return {*configured, {}};
         return refusal(error, name, *configured);
@@ -104,19 +102,19 @@ Names::Served Names::refusal(int error, const std::string& name, const std::stri
                     "the name " + quoted(alias) + " of the configuration is another interface's: choose another for " +
                         quoted(name)};
         default:
-            return {{}, std::string("no short name can be set: ") + std::strerror(error) + "; " + rename};
+            return {{}, std::string("no short name can be set: ") + strerror(error) + "; " + rename};
     }
 }
 
-void Names::forget(const std::function<bool(std::uint32_t)>& gone) {
+void Names::forget(const std::function<bool(uint32_t)>& gone) {
     std::erase_if(aliases_, [&](const auto& entry) { return gone(entry.first); });
 }
 
-std::vector<std::string> Names::remove(std::uint32_t interface, const std::string* configured) {
+std::vector<std::string> Names::remove(uint32_t interface, const std::string* configured) {
     std::vector<std::string> present, removed;
     links_.alternative_names(interface, present);
     for (const std::string& name : present) {
-        const bool ours = is_made_name(name) || (configured != nullptr && name == *configured);
+        const bool ours = is_made_name(name) || (configured && name == *configured);
         if (ours && links_.remove_name(interface, name) == 0) removed.push_back(name);
     }
     return removed;

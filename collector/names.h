@@ -1,7 +1,6 @@
 // Under which name an interface is served. The agent takes names of at most five octets; a longer one is served by an
 // alternative name of the interface, which the kernel resolves like the real one.
-#ifndef COLLECTOR_NAMES_H
-#define COLLECTOR_NAMES_H
+#pragma once
 
 #include <functional>
 #include <map>
@@ -18,11 +17,11 @@ namespace collector {
 bool is_made_name(std::string_view name);
 
 // The NTH name to try for an interface of RADIO, NTH from 0; nothing when there are no more.
-std::optional<std::string> made_name(std::uint32_t radio, unsigned nth);
+std::optional<std::string> made_name(uint32_t radio, unsigned nth);
 
 class Names {
   public:
-    enum class Mode : std::uint8_t {
+    enum class Mode : uint8_t {
         set,      // sets names that are missing
         look,     // takes names that are there, sets none
         refused,  // takes names that are there, sets none: the operator wants no names set
@@ -36,24 +35,22 @@ class Names {
     };
 
     // CONFIGURED: the name that the operator wants, or null. Kept until the interface loses it.
-    Served served(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
+    Served served(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured);
 
     // Forgets interfaces for which GONE holds.
-    void forget(const std::function<bool(std::uint32_t)>& gone);
+    void forget(const std::function<bool(uint32_t)>& gone);
 
     // Removes the names that INTERFACE has from the collector; those removed.
-    std::vector<std::string> remove(std::uint32_t interface, const std::string* configured);
+    std::vector<std::string> remove(uint32_t interface, const std::string* configured);
 
   private:
-    Served alias(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
-    Served add(std::uint32_t interface, const std::string& name, std::uint32_t radio, const std::string* configured);
+    Served alias(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured);
+    Served add(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured);
     Served refusal(int error, const std::string& name, const std::string& alias) const;
 
     Links& links_;
     Mode mode_;
-    std::map<std::uint32_t, std::string> aliases_;
+    std::map<uint32_t, std::string> aliases_;
 };
 
 }  // namespace collector
-
-#endif

@@ -3,8 +3,8 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include <cerrno>
-#include <cstring>
+#include <errno.h>
+#include <string.h>
 
 #include "clock.h"
 
@@ -12,20 +12,20 @@ namespace collector {
 
 namespace {
 
-constexpr std::size_t buffer_size = 32768;        // what the kernel fills in one go at most
-constexpr std::int64_t answer_limit = 2000;       // ms
+constexpr size_t buffer_size = 32768;             // what the kernel fills in one go at most
+constexpr int64_t answer_limit = 2000;            // ms
 constexpr unsigned most_events_at_once = 100000;  // more than any buffer holds
 
-enum class Part : std::uint8_t { data, end, foreign };
+enum class Part : uint8_t { data, end, foreign };
 
 // What MESSAGE is in the answer to the request of that SEQUENCE; ERROR is set at the end.
-Part part(const nlmsghdr* message, std::uint32_t sequence, int& error) {
+Part part(const nlmsghdr* message, uint32_t sequence, int& error) {
     if (message->nlmsg_seq != sequence) return Part::foreign;
     if (message->nlmsg_type == NLMSG_DONE) return Part::end;
     if (message->nlmsg_type != NLMSG_ERROR) return Part::data;
-    std::int32_t code = -EBADMSG;
+    int32_t code = -EBADMSG;
     if (mnl_nlmsg_get_payload_len(message) >= sizeof(nlmsgerr)) {
-        std::memcpy(&code, mnl_nlmsg_get_payload(message), sizeof code);
+        memcpy(&code, mnl_nlmsg_get_payload(message), sizeof code);
     }
     error = -code;
     return Part::end;
@@ -33,15 +33,15 @@ Part part(const nlmsghdr* message, std::uint32_t sequence, int& error) {
 
 }  // namespace
 
-Request::Request(std::uint16_t type, std::uint16_t flags) : buffer_{} {
+Request::Request(uint16_t type, uint16_t flags) : buffer_{} {
     nlmsghdr* header = mnl_nlmsg_put_header(buffer_);
     header->nlmsg_type = type;
-    header->nlmsg_flags = static_cast<std::uint16_t>(NLM_F_REQUEST | flags);
+    header->nlmsg_flags = static_cast<uint16_t>(NLM_F_REQUEST | flags);
 }
 
 int Netlink::open(int bus) {
     socket_.reset(mnl_socket_open2(bus, SOCK_CLOEXEC));
-    if (socket_ == nullptr) return errno;
+    if (!socket_) return errno;
     buffer_.resize(buffer_size);
     if (mnl_socket_bind(socket_.get(), 0, MNL_SOCKET_AUTOPID) == 0) return 0;
     const int error = errno;
@@ -49,7 +49,7 @@ int Netlink::open(int bus) {
     return error;
 }
 
-int Netlink::join(std::uint32_t group) {
+int Netlink::join(uint32_t group) {
     return mnl_socket_setsockopt(socket_.get(), NETLINK_ADD_MEMBERSHIP, &group, sizeof group) == 0 ? 0 : errno;
 }
 
@@ -59,7 +59,7 @@ void Netlink::enlarge(int size) {
 }
 
 // One datagram of the kernel's into the buffer; EAGAIN when there is none. Whatever another process sends is dropped.
-int Netlink::receive(std::size_t& size) {
+int Netlink::receive(size_t& size) {
     for (;;) {
         sockaddr_nl sender = {};
         socklen_t length = sizeof sender;
@@ -68,19 +68,19 @@ int Netlink::receive(std::size_t& size) {
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return errno;
         if (length < sizeof sender || sender.nl_pid != 0) continue;
-        if (static_cast<std::size_t>(got) > buffer_.size()) return EMSGSIZE;
-        size = static_cast<std::size_t>(got);
+        if (static_cast<size_t>(got) > buffer_.size()) return EMSGSIZE;
+        size = static_cast<size_t>(got);
         return 0;
     }
 }
 
-int Netlink::answer(std::uint32_t sequence, const Visit& visit, std::int64_t deadline) {
+int Netlink::answer(uint32_t sequence, const Visit& visit, int64_t deadline) {
     bool interrupted = false;
     for (;;) {
-        std::size_t size = 0;
+        size_t size = 0;
         const int status = receive(size);
         if (status == EAGAIN) {
-            const std::int64_t left = deadline - now_ms();
+            const int64_t left = deadline - now_ms();
             if (left <= 0) return ETIMEDOUT;
             pollfd wanted = {descriptor(), POLLIN, 0};
             poll(&wanted, 1, static_cast<int>(left));
@@ -109,7 +109,7 @@ int Netlink::ask(Request& request, const Visit& visit) {
 int Netlink::drain(const Visit& visit) {
     int lost = 0;
     for (unsigned i = 0; i < most_events_at_once; ++i) {
-        std::size_t size = 0;
+        size_t size = 0;
         const int status = receive(size);
         if (status == EAGAIN) return lost;
         if (status == ENOBUFS || status == EMSGSIZE) {

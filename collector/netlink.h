@@ -1,10 +1,9 @@
 // A netlink socket: questions that are answered at once, and events that come by themselves.
-#ifndef COLLECTOR_NETLINK_H
-#define COLLECTOR_NETLINK_H
+#pragma once
 
 #include <libmnl/libmnl.h>
 
-#include <cstdint>
+#include <stdint.h>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -16,7 +15,7 @@ using Visit = std::function<void(const nlmsghdr*)>;
 // A request under construction: libmnl's calls add to header().
 class Request {
   public:
-    Request(std::uint16_t type, std::uint16_t flags);
+    Request(uint16_t type, uint16_t flags);
     nlmsghdr* header() { return reinterpret_cast<nlmsghdr*>(buffer_); }
 
   private:
@@ -30,7 +29,7 @@ class Netlink {
     void close() { socket_.reset(); }
     bool is_open() const { return socket_ != nullptr; }
     int descriptor() const { return mnl_socket_get_fd(socket_.get()); }
-    int join(std::uint32_t group);
+    int join(uint32_t group);
 
     // Asks for room for SIZE octets of events that were not read yet; gets less without CAP_NET_ADMIN.
     void enlarge(int size);
@@ -46,14 +45,12 @@ class Netlink {
     struct Close {
         void operator()(mnl_socket* socket) const { mnl_socket_close(socket); }
     };
-    int receive(std::size_t& size);
-    int answer(std::uint32_t sequence, const Visit& visit, std::int64_t deadline);
+    int receive(size_t& size);
+    int answer(uint32_t sequence, const Visit& visit, int64_t deadline);
 
     std::unique_ptr<mnl_socket, Close> socket_;
     std::vector<char> buffer_;
-    std::uint32_t sequence_ = 0;
+    uint32_t sequence_ = 0;
 };
 
 }  // namespace collector
-
-#endif

@@ -12,7 +12,7 @@ namespace collector::nl80211 {
 namespace {
 
 // The command of MESSAGE; 0 when it is too short to have one.
-std::uint8_t command(const nlmsghdr* message) {
+uint8_t command(const nlmsghdr* message) {
     if (mnl_nlmsg_get_payload_len(message) < sizeof(genlmsghdr)) return 0;
     return static_cast<const genlmsghdr*>(mnl_nlmsg_get_payload(message))->cmd;
 }
@@ -25,7 +25,7 @@ std::optional<Mac> mac(const nlattr* attribute) {
     const std::string_view from = octets(attribute);
     Mac value;
     if (from.size() != value.size()) return std::nullopt;
-    std::memcpy(value.data(), from.data(), value.size());
+    memcpy(value.data(), from.data(), value.size());
     return value;
 }
 
@@ -35,14 +35,14 @@ void assign(Number& target, const nlattr* attribute) {
 }
 
 void read_bss(const nlattr* nest, Station& station) {
-    Attributes::in(nest).each([&](std::uint16_t type, const nlattr* attribute) {
-        if (type == NL80211_STA_BSS_PARAM_DTIM_PERIOD) station.dtim = number<std::uint8_t>(attribute);
-        if (type == NL80211_STA_BSS_PARAM_BEACON_INTERVAL) station.beacon = number<std::uint16_t>(attribute);
+    Attributes::in(nest).each([&](uint16_t type, const nlattr* attribute) {
+        if (type == NL80211_STA_BSS_PARAM_DTIM_PERIOD) station.dtim = number<uint8_t>(attribute);
+        if (type == NL80211_STA_BSS_PARAM_BEACON_INTERVAL) station.beacon = number<uint16_t>(attribute);
     });
 }
 
 void read_info(const nlattr* nest, Station& station) {
-    Attributes::in(nest).each([&](std::uint16_t type, const nlattr* attribute) {
+    Attributes::in(nest).each([&](uint16_t type, const nlattr* attribute) {
         switch (type) {
             case NL80211_STA_INFO_RX_PACKETS:
                 return assign(station.sample.received, attribute);
@@ -55,7 +55,7 @@ void read_info(const nlattr* nest, Station& station) {
             case NL80211_STA_INFO_BSS_PARAM:
                 return read_bss(attribute, station);
             case NL80211_STA_INFO_FCS_ERROR_COUNT:
-                station.sample.bad_checksums = number<std::uint32_t>(attribute);
+                station.sample.bad_checksums = number<uint32_t>(attribute);
                 return;
             default:
                 return;
@@ -66,7 +66,7 @@ void read_info(const nlattr* nest, Station& station) {
 // The kernel's message of a station that leaves may come without counters, and then without any content.
 bool has_counters(const nlattr* nest) {
     bool found = false;
-    Attributes::in(nest).each([&](std::uint16_t type, const nlattr*) {
+    Attributes::in(nest).each([&](uint16_t type, const nlattr*) {
         found = found || type == NL80211_STA_INFO_RX_PACKETS || type == NL80211_STA_INFO_TX_PACKETS;
     });
     return found;
@@ -77,7 +77,7 @@ Event read_departure(const nlmsghdr* message) {
     Station station;
     std::optional<Mac> address;
     bool counted = false;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         if (type == NL80211_ATTR_IFINDEX) assign(departed.interface, attribute);
         if (type == NL80211_ATTR_GENERATION) assign(departed.generation, attribute);
         if (type == NL80211_ATTR_MAC) address = mac(attribute);
@@ -94,7 +94,7 @@ Event read_departure(const nlmsghdr* message) {
 
 Event read_transmission(const nlmsghdr* message) {
     Transmission sent;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         if (type == NL80211_ATTR_IFINDEX) assign(sent.interface, attribute);
         if (type == NL80211_ATTR_FRAME) sent.frame = octets(attribute);
     });
@@ -104,8 +104,8 @@ Event read_transmission(const nlmsghdr* message) {
 
 void read_group(const nlattr* nest, Family& family) {
     std::string_view name;
-    std::uint32_t id = 0;
-    Attributes::in(nest).each([&](std::uint16_t type, const nlattr* attribute) {
+    uint32_t id = 0;
+    Attributes::in(nest).each([&](uint16_t type, const nlattr* attribute) {
         if (type == CTRL_ATTR_MCAST_GRP_NAME) name = text(attribute);
         if (type == CTRL_ATTR_MCAST_GRP_ID) assign(id, attribute);
     });
@@ -119,10 +119,10 @@ void read_group(const nlattr* nest, Family& family) {
 std::optional<Family> read_family(const nlmsghdr* message) {
     if (command(message) != CTRL_CMD_NEWFAMILY) return std::nullopt;
     Family family;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         if (type == CTRL_ATTR_FAMILY_ID) assign(family.id, attribute);
         if (type != CTRL_ATTR_MCAST_GROUPS) return;
-        Attributes::in(attribute).each([&](std::uint16_t, const nlattr* group) { read_group(group, family); });
+        Attributes::in(attribute).each([&](uint16_t, const nlattr* group) { read_group(group, family); });
     });
     if (family.id == 0) return std::nullopt;
     return family;
@@ -131,7 +131,7 @@ std::optional<Family> read_family(const nlmsghdr* message) {
 std::optional<Interface> read_interface(const nlmsghdr* message) {
     if (command(message) != NL80211_CMD_NEW_INTERFACE) return std::nullopt;
     Interface found;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         switch (type) {
             case NL80211_ATTR_IFINDEX:
                 return assign(found.index, attribute);
@@ -149,10 +149,10 @@ std::optional<Interface> read_interface(const nlmsghdr* message) {
                 found.ssid = octets(attribute).substr(0, 32);
                 return;
             case NL80211_ATTR_WIPHY_FREQ:
-                found.frequency = number<std::uint32_t>(attribute);
+                found.frequency = number<uint32_t>(attribute);
                 return;
             case NL80211_ATTR_WIPHY_TX_POWER_LEVEL:
-                found.power = number<std::int32_t>(attribute);
+                found.power = number<int32_t>(attribute);
                 return;
             default:
                 return;
@@ -166,7 +166,7 @@ std::optional<Radio> read_radio(const nlmsghdr* message) {
     if (command(message) != NL80211_CMD_NEW_WIPHY) return std::nullopt;
     Radio found;
     bool numbered = false;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         switch (type) {
             case NL80211_ATTR_WIPHY:
                 numbered = true;
@@ -175,16 +175,16 @@ std::optional<Radio> read_radio(const nlmsghdr* message) {
                 found.name = text(attribute);
                 return;
             case NL80211_ATTR_WIPHY_RETRY_SHORT:
-                found.short_retry = number<std::uint8_t>(attribute);
+                found.short_retry = number<uint8_t>(attribute);
                 return;
             case NL80211_ATTR_WIPHY_RETRY_LONG:
-                found.long_retry = number<std::uint8_t>(attribute);
+                found.long_retry = number<uint8_t>(attribute);
                 return;
             case NL80211_ATTR_WIPHY_RTS_THRESHOLD:
-                found.rts = number<std::uint32_t>(attribute);
+                found.rts = number<uint32_t>(attribute);
                 return;
             case NL80211_ATTR_WIPHY_FRAG_THRESHOLD:
-                found.fragmentation = number<std::uint32_t>(attribute);
+                found.fragmentation = number<uint32_t>(attribute);
                 return;
             default:
                 return;
@@ -197,12 +197,12 @@ std::optional<Radio> read_radio(const nlmsghdr* message) {
 std::optional<Regulatory> read_regulatory(const nlmsghdr* message) {
     if (command(message) != NL80211_CMD_GET_REG) return std::nullopt;
     Regulatory found;
-    std::optional<std::uint32_t> radio;
+    std::optional<uint32_t> radio;
     bool rules_itself = false;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         if (type == NL80211_ATTR_REG_ALPHA2) found.country = text(attribute).substr(0, 2);
         if (type == NL80211_ATTR_DFS_REGION) assign(found.dfs, attribute);
-        if (type == NL80211_ATTR_WIPHY) radio = number<std::uint32_t>(attribute);
+        if (type == NL80211_ATTR_WIPHY) radio = number<uint32_t>(attribute);
         if (type == NL80211_ATTR_WIPHY_SELF_MANAGED_REG) rules_itself = true;
     });
     if (found.country.size() != 2 || (radio && !rules_itself)) return std::nullopt;
@@ -214,7 +214,7 @@ std::optional<Listed> read_station(const nlmsghdr* message) {
     if (command(message) != NL80211_CMD_NEW_STATION) return std::nullopt;
     Listed found;
     std::optional<Mac> address;
-    attributes(message).each([&](std::uint16_t type, const nlattr* attribute) {
+    attributes(message).each([&](uint16_t type, const nlattr* attribute) {
         if (type == NL80211_ATTR_GENERATION) assign(found.generation, attribute);
         if (type == NL80211_ATTR_MAC) address = mac(attribute);
         if (type == NL80211_ATTR_STA_INFO) read_info(attribute, found.station);

@@ -1,7 +1,6 @@
 // The kernel's wireless configuration interface: what its messages say, as typed values, and the questions to it.
 // Nothing above this knows an attribute's number.
-#ifndef COLLECTOR_NL80211_H
-#define COLLECTOR_NL80211_H
+#pragma once
 
 #include <variant>
 
@@ -17,14 +16,14 @@ std::optional<Regulatory> read_regulatory(const nlmsghdr* message);
 
 // One station of a list, with the list's generation.
 struct Listed {
-    std::uint32_t generation = 0;
+    uint32_t generation = 0;
     Station station;
 };
 std::optional<Listed> read_station(const nlmsghdr* message);
 
 // A frame that an interface sent; valid as long as the message.
 struct Transmission {
-    std::uint32_t interface = 0;
+    uint32_t interface = 0;
     std::string_view frame;
 };
 struct Nothing {};
@@ -34,11 +33,9 @@ Event read_event(const nlmsghdr* message);
 
 // The number that generic netlink gave to a family, and those of its groups.
 struct Family {
-    std::uint16_t id = 0;
-    std::uint32_t config = 0, mlme = 0, regulatory = 0;  // 0: no such group
+    uint16_t id = 0;
+    uint32_t config = 0, mlme = 0, regulatory = 0;  // 0: no such group
 };
 std::optional<Family> read_family(const nlmsghdr* message);
 
 }  // namespace collector::nl80211
-
-#endif

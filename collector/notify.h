@@ -1,8 +1,7 @@
 // Messages to the service manager, by the protocol of sd_notify(3). Without a manager they go nowhere.
-#ifndef COLLECTOR_NOTIFY_H
-#define COLLECTOR_NOTIFY_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <string>
 
 namespace collector {
@@ -15,13 +14,11 @@ class Notify {
     void send(const std::string& message) const;
 
     // ms between two signs of life that the manager wants; 0: it wants none.
-    std::int64_t watchdog() const { return watchdog_; }
+    int64_t watchdog() const { return watchdog_; }
 
   private:
     std::string socket_;
-    std::int64_t watchdog_ = 0;
+    int64_t watchdog_ = 0;
 };
 
 }  // namespace collector
-
-#endif

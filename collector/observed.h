@@ -1,52 +1,51 @@
 // What was seen of the access points in one pass, as plain values: no attribute number, no socket, no key of the store.
-#ifndef COLLECTOR_OBSERVED_H
-#define COLLECTOR_OBSERVED_H
+#pragma once
 
+#include <stdint.h>
 #include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace collector {
 
-using Mac = std::array<std::uint8_t, 6>;
+using Mac = std::array<uint8_t, 6>;
 
-inline constexpr std::uint32_t threshold_off = 0xffffffff;  // the kernel's word for "no threshold"
+inline constexpr uint32_t threshold_off = 0xffffffff;  // the kernel's word for "no threshold"
 
 struct Interface {
-    std::uint32_t index = 0;
+    uint32_t index = 0;
     std::string name;
-    std::uint32_t radio = 0;
-    std::uint32_t type = 0;  // of NL80211_IFTYPE_*
+    uint32_t radio = 0;
+    uint32_t type = 0;  // of NL80211_IFTYPE_*
     Mac mac = {};
-    std::string ssid;                        // as of the access point's start; empty: not started
-    std::optional<std::uint32_t> frequency;  // MHz
-    std::optional<std::int32_t> power;       // mBm, 1/100 dBm
+    std::string ssid;                   // as of the access point's start; empty: not started
+    std::optional<uint32_t> frequency;  // MHz
+    std::optional<int32_t> power;       // mBm, 1/100 dBm
 };
 
 struct Radio {
-    std::uint32_t index = 0;
+    uint32_t index = 0;
     std::string name;
-    std::optional<std::uint8_t> short_retry;
-    std::optional<std::uint8_t> long_retry;
-    std::optional<std::uint32_t> rts;            // octets or threshold_off
-    std::optional<std::uint32_t> fragmentation;  // octets or threshold_off
+    std::optional<uint8_t> short_retry;
+    std::optional<uint8_t> long_retry;
+    std::optional<uint32_t> rts;            // octets or threshold_off
+    std::optional<uint32_t> fragmentation;  // octets or threshold_off
 };
 
 struct Regulatory {
-    std::string country;                 // two characters, also "00", "98", "99"
-    std::uint8_t dfs = 0;                // of NL80211_DFS_*
-    std::optional<std::uint32_t> radio;  // of a radio that rules itself
+    std::string country;            // two characters, also "00", "98", "99"
+    uint8_t dfs = 0;                // of NL80211_DFS_*
+    std::optional<uint32_t> radio;  // of a radio that rules itself
 };
 
 // A station's counters, 32 bits wide as the kernel sends them.
 struct Sample {
-    std::uint32_t received = 0;
-    std::uint32_t sent = 0;
-    std::uint32_t failed = 0;
-    std::uint32_t retries = 0;
-    std::optional<std::uint32_t> bad_checksums;
+    uint32_t received = 0;
+    uint32_t sent = 0;
+    uint32_t failed = 0;
+    uint32_t retries = 0;
+    std::optional<uint32_t> bad_checksums;
 
     bool operator==(const Sample&) const = default;
 };
@@ -54,30 +53,30 @@ struct Sample {
 struct Station {
     Mac mac = {};
     Sample sample;
-    std::optional<std::uint8_t> dtim;     // of its BSS, in beacons
-    std::optional<std::uint16_t> beacon;  // of its BSS, in TU
+    std::optional<uint8_t> dtim;     // of its BSS, in beacons
+    std::optional<uint16_t> beacon;  // of its BSS, in TU
 };
 
 // All stations of an interface at one moment.
 struct Stations {
-    std::uint32_t generation = 0;  // 0: the driver counts none
+    uint32_t generation = 0;  // 0: the driver counts none
     std::vector<Station> stations;
 };
 
 // A station has left.
 struct Departed {
-    std::uint32_t interface = 0;
-    std::uint32_t generation = 0;  // 0: the driver counts none
+    uint32_t interface = 0;
+    uint32_t generation = 0;  // 0: the driver counts none
     Mac mac = {};
     std::optional<Sample> last;
 };
 
-enum class Told : std::uint8_t { disassociated, deauthenticated, refused };
+enum class Told : uint8_t { disassociated, deauthenticated, refused };
 
 // A management frame that an access point sent to one station.
 struct Sent {
     Told told = Told::disassociated;
-    std::uint16_t code = 0;  // reason, or the status of a refused authentication
+    uint16_t code = 0;  // reason, or the status of a refused authentication
     Mac station = {};
 
     bool operator==(const Sent&) const = default;
@@ -90,19 +89,19 @@ using LastSent = std::array<std::optional<Sent>, 3>;
 struct HostapdBss {
     bool enabled = false;
     std::optional<std::string> ssid;
-    std::optional<std::uint32_t> beacon;  // TU
-    std::optional<std::uint32_t> dtim;
+    std::optional<uint32_t> beacon;  // TU
+    std::optional<uint32_t> dtim;
     std::optional<std::string> suites;  // key management of WPA, in hostapd's words; empty: no WPA
-    std::uint8_t wpa = 0;               // 1 WPA, 2 WPA2 and later, 3 both
+    uint8_t wpa = 0;                    // 1 WPA, 2 WPA2 and later, 3 both
 };
 
 // 64-bit sums over all stations that an interface has had.
 struct Totals {
-    std::uint64_t transmitted = 0;
-    std::uint64_t failed = 0;
-    std::uint64_t received = 0;
-    std::optional<std::uint64_t> unacknowledged;  // absent: the RTS threshold was never off
-    std::optional<std::uint64_t> bad_checksums;   // absent: the driver does not tell
+    uint64_t transmitted = 0;
+    uint64_t failed = 0;
+    uint64_t received = 0;
+    std::optional<uint64_t> unacknowledged;  // absent: the RTS threshold was never off
+    std::optional<uint64_t> bad_checksums;   // absent: the driver does not tell
 
     bool operator==(const Totals&) const = default;
 };
@@ -118,10 +117,10 @@ struct AccessPoint {
     Interface interface;
     std::string name;  // under which it is served
     std::optional<HostapdBss> hostapd;
-    std::optional<bool> group_key;        // absent: not ours to ask
-    std::optional<std::uint8_t> dtim;     // from a station
-    std::optional<std::uint16_t> beacon;  // from a station
-    std::size_t stations = 0;
+    std::optional<bool> group_key;   // absent: not ours to ask
+    std::optional<uint8_t> dtim;     // from a station
+    std::optional<uint16_t> beacon;  // from a station
+    size_t stations = 0;
     Totals totals;
     LastSent sent;
 };
@@ -141,5 +140,3 @@ struct Observed {
 };
 
 }  // namespace collector
-
-#endif

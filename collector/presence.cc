@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cinttypes>
-#include <cstdio>
+#include <errno.h>
+#include <inttypes.h>
+#include <stdio.h>
 
 namespace collector {
 
@@ -29,11 +29,11 @@ int Presence::claim() {
     return errno == EACCES ? EWOULDBLOCK : errno;
 }
 
-void Presence::stamp(std::int64_t seconds, std::int64_t interval) const {
+void Presence::stamp(int64_t seconds, int64_t interval) const {
     char line[40];
     const int size = snprintf(line, sizeof line, "%020" PRId64 " %05" PRId64 "\n", seconds, interval);
     // A reader finds an old stamp when this fails, and says so.
-    [[maybe_unused]] const ssize_t written = pwrite(descriptor_, line, static_cast<std::size_t>(size), 0);
+    [[maybe_unused]] const ssize_t written = pwrite(descriptor_, line, static_cast<size_t>(size), 0);
 }
 
 }  // namespace collector

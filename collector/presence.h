@@ -1,8 +1,7 @@
 // That a collector fills a store, and when it did so last: the file that tool/last_pass.h describes.
-#ifndef COLLECTOR_PRESENCE_H
-#define COLLECTOR_PRESENCE_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <string>
 
 #include "last_pass.h"
@@ -20,7 +19,7 @@ class Presence {
     int claim();
 
     // A pass has ended, at SECONDS of CLOCK_BOOTTIME. INTERVAL: seconds from one pass to the next.
-    void stamp(std::int64_t seconds, std::int64_t interval) const;
+    void stamp(int64_t seconds, int64_t interval) const;
 
     const std::string& path() const { return path_; }
 
@@ -30,5 +29,3 @@ class Presence {
 };
 
 }  // namespace collector
-
-#endif

@@ -4,7 +4,7 @@
 #include <linux/nl80211.h>
 #include <linux/rtnetlink.h>
 
-#include <cerrno>
+#include <errno.h>
 
 #include "clock.h"
 #include "links.h"
@@ -13,14 +13,14 @@ namespace collector {
 
 namespace {
 
-constexpr int event_buffer = 1 << 20;            // octets: the departures of 350 stations at once
-constexpr unsigned most_tries = 3;               // of a list that changes while it is read
-constexpr std::int64_t family_interval = 60000;  // ms; asking for a family lets the kernel look for a module
-constexpr std::uint8_t group_keys = 4;           // indexes 0 to 3; later ones protect management frames
-constexpr std::size_t most_departures = 16384;
-constexpr std::size_t most_frames = 1024;
+constexpr int event_buffer = 1 << 20;       // octets: the departures of 350 stations at once
+constexpr unsigned most_tries = 3;          // of a list that changes while it is read
+constexpr int64_t family_interval = 60000;  // ms; asking for a family lets the kernel look for a module
+constexpr uint8_t group_keys = 4;           // indexes 0 to 3; later ones protect management frames
+constexpr size_t most_departures = 16384;
+constexpr size_t most_frames = 1024;
 
-Request generic(std::uint16_t family, std::uint8_t command, std::uint16_t flags) {
+Request generic(uint16_t family, uint8_t command, uint16_t flags) {
     Request request(family, flags);
     auto* header = static_cast<genlmsghdr*>(mnl_nlmsg_put_extra_header(request.header(), sizeof(genlmsghdr)));
     header->cmd = command;
@@ -48,7 +48,7 @@ int Wireless::find_family() {
         request, [&](const nlmsghdr* message) { found = nl80211::read_family(message).value_or(found); });
     if (error != 0) return error;
     if (found.id == 0) return ENOENT;
-    for (const std::uint32_t group : {found.config, found.mlme, found.regulatory}) {
+    for (const uint32_t group : {found.config, found.mlme, found.regulatory}) {
         if (group != 0) events_.join(group);
     }
     family_ = found;
@@ -56,8 +56,7 @@ int Wireless::find_family() {
     return 0;
 }
 
-int Wireless::ask(std::uint8_t command, std::uint16_t flags, const std::function<void(nlmsghdr*)>& add,
-                  const Visit& visit) {
+int Wireless::ask(uint8_t command, uint16_t flags, const std::function<void(nlmsghdr*)>& add, const Visit& visit) {
     if (family_.id == 0) {
         if (const int error = find_family()) return error;
     }
@@ -70,7 +69,7 @@ int Wireless::ask(std::uint8_t command, std::uint16_t flags, const std::function
 }
 
 // A list that changed while it was read is read again from its BEGIN.
-int Wireless::list(std::uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
+int Wireless::list(uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
                    const Visit& visit) {
     int error = EINTR;
     for (unsigned i = 0; i < most_tries && error == EINTR; ++i) {
@@ -97,7 +96,7 @@ int Wireless::interfaces(std::vector<Interface>& found) {
     return 0;
 }
 
-int Wireless::radio(std::uint32_t index, Radio& radio) {
+int Wireless::radio(uint32_t index, Radio& radio) {
     std::optional<Radio> found;
     const int error = ask(
         NL80211_CMD_GET_WIPHY, NLM_F_ACK,
@@ -118,7 +117,7 @@ int Wireless::regulatory(std::vector<Regulatory>& found) {
     return error;
 }
 
-int Wireless::stations(std::uint32_t interface, Stations& found) {
+int Wireless::stations(uint32_t interface, Stations& found) {
     Stations now;
     bool changed = false;
     int error = EINTR;
@@ -143,8 +142,8 @@ int Wireless::stations(std::uint32_t interface, Stations& found) {
     return error;
 }
 
-int Wireless::group_key(std::uint32_t interface, bool& present) {
-    for (std::uint8_t index = 0; index < group_keys; ++index) {
+int Wireless::group_key(uint32_t interface, bool& present) {
+    for (uint8_t index = 0; index < group_keys; ++index) {
         const int error = ask(
             NL80211_CMD_GET_KEY, NLM_F_ACK,
             [&](nlmsghdr* request) {

@@ -1,6 +1,5 @@
 // The kernel as it is: nl80211 and the events of links.
-#ifndef COLLECTOR_WIRELESS_H
-#define COLLECTOR_WIRELESS_H
+#pragma once
 
 #include <set>
 
@@ -20,24 +19,22 @@ class Wireless : public Kernel {
     int link_events() const { return link_events_.descriptor(); }
 
     int interfaces(std::vector<Interface>& found) override;
-    int radio(std::uint32_t index, Radio& radio) override;
+    int radio(uint32_t index, Radio& radio) override;
     int regulatory(std::vector<Regulatory>& found) override;
-    int stations(std::uint32_t interface, Stations& found) override;
-    int group_key(std::uint32_t interface, bool& present) override;
+    int stations(uint32_t interface, Stations& found) override;
+    int group_key(uint32_t interface, bool& present) override;
     void events(Events& events) override;
 
   private:
     int find_family();
-    int ask(std::uint8_t command, std::uint16_t flags, const std::function<void(nlmsghdr*)>& add, const Visit& visit);
-    int list(std::uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
+    int ask(uint8_t command, uint16_t flags, const std::function<void(nlmsghdr*)>& add, const Visit& visit);
+    int list(uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
              const Visit& visit);
 
     Netlink questions_, events_, link_events_;
     nl80211::Family family_;
-    std::int64_t asked_for_family_ = 0;  // when; 0: never
-    std::set<std::uint32_t> watched_;    // interfaces of access points
+    int64_t asked_for_family_ = 0;  // when; 0: never
+    std::set<uint32_t> watched_;    // interfaces of access points
 };
 
 }  // namespace collector
-
-#endif

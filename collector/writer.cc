@@ -33,7 +33,7 @@ std::string line(const char* verb, const ObjectName& name, std::string_view key,
 // All sound objects, in order of insertion.
 struct Writer::Found {
     struct Object {
-        std::int64_t id;
+        int64_t id;
         ObjectName name;
         Values values;
     };
@@ -62,7 +62,7 @@ void Writer::sort(const Found& found) {
             if (has_country && !ours) foreign_.insert(object.name);
             if (ours) held_[object.name] = {{std::string(origin_key), std::string(origin)}};
             if (ours && has_country) held_[object.name].emplace(*country);
-            system_has_more_ = object.values.size() > std::size_t{ours} + std::size_t{has_country};
+            system_has_more_ = object.values.size() > size_t{ours} + size_t{has_country};
         } else if (!ours) {
             foreign_.insert(object.name);
             continue;
@@ -92,7 +92,7 @@ Contents Writer::allowed(const Contents& wanted) const {
     return made;
 }
 
-Status Writer::remove(const ObjectName& name, std::size_t& changes) {
+Status Writer::remove(const ObjectName& name, size_t& changes) {
     ++changes;
     Status status = Status::ok;
     if (is_system(name) && system_has_more_) {
@@ -101,13 +101,13 @@ Status Writer::remove(const ObjectName& name, std::size_t& changes) {
         }
         return status == Status::not_found ? Status::ok : status;
     }
-    for (const std::int64_t id : ids_[name]) {
+    for (const int64_t id : ids_[name]) {
         if (status == Status::ok) status = store_.delete_object(id);
     }
     return status;
 }
 
-Status Writer::apply_object(const ObjectName& name, const Values& from, const Values& to, std::size_t& changes) {
+Status Writer::apply_object(const ObjectName& name, const Values& from, const Values& to, size_t& changes) {
     Status status = Status::ok;
     for (const auto& [key, value] : to) {
         const auto old = from.find(key);
@@ -123,7 +123,7 @@ Status Writer::apply_object(const ObjectName& name, const Values& from, const Va
     return status;
 }
 
-Status Writer::apply(const Contents& wanted, std::size_t& changes) {
+Status Writer::apply(const Contents& wanted, size_t& changes) {
     static const Values nothing;
     Status status = Status::ok;
     for (const auto& [name, values] : held_) {
@@ -140,7 +140,7 @@ Status Writer::apply(const Contents& wanted, std::size_t& changes) {
     return status;
 }
 
-Writer::Result Writer::finish(Status status, std::size_t changes) {
+Writer::Result Writer::finish(Status status, size_t changes) {
     Result result = {status, status == Status::ok ? "" : store_.detail(), status == Status::ok ? changes : 0};
     store_.close();
     last_status_ = status;
@@ -166,7 +166,7 @@ Status Writer::open() {
 // A write moves the file's stamps, too: what others do is told from that by reading it once more.
 Writer::Result Writer::write(const Contents& wanted) {
     if (watch_.check(path_.c_str()) == cfql::Watch::Finding::same && wanted == told_) return {};
-    std::size_t changes = 0;
+    size_t changes = 0;
     Status status = open();
     if (status == Status::ok) status = store_.begin_write();
     if (status == Status::ok) status = read();

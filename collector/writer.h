@@ -1,9 +1,8 @@
 // The collector's part of the store. It alone touches the store: the difference between what the store holds of the
 // collector's and what it is to hold, in one transaction; none when there is no difference.
-#ifndef COLLECTOR_WRITER_H
-#define COLLECTOR_WRITER_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <set>
 #include <string>
 #include <utility>
@@ -24,7 +23,7 @@ class Writer {
     struct Result {
         cfql::Status status = cfql::Status::ok;
         std::string detail;  // the engine's words on a failure
-        std::size_t changes = 0;
+        size_t changes = 0;
     };
 
     // Reads what the collector has in the store. A store that is absent holds nothing.
@@ -55,16 +54,16 @@ class Writer {
     cfql::Status read();
     void sort(const Found& found);
     Contents allowed(const Contents& wanted) const;
-    cfql::Status apply(const Contents& wanted, std::size_t& changes);
-    cfql::Status apply_object(const ObjectName& name, const Values& from, const Values& to, std::size_t& changes);
-    cfql::Status remove(const ObjectName& name, std::size_t& changes);
-    Result finish(cfql::Status status, std::size_t changes);
+    cfql::Status apply(const Contents& wanted, size_t& changes);
+    cfql::Status apply_object(const ObjectName& name, const Values& from, const Values& to, size_t& changes);
+    cfql::Status remove(const ObjectName& name, size_t& changes);
+    Result finish(cfql::Status status, size_t changes);
 
     std::string path_;
     cfql::Status last_status_ = cfql::Status::ok;
     cfql::Database store_;
     Contents held_;
-    std::map<ObjectName, std::vector<std::int64_t>> ids_;  // of objects that are ours alone; the first one counts
+    std::map<ObjectName, std::vector<int64_t>> ids_;  // of objects that are ours alone; the first one counts
     std::set<ObjectName> foreign_;
     bool system_has_more_ = false;  // than the country
     std::set<ObjectName> others_;
@@ -73,5 +72,3 @@ class Writer {
 };
 
 }  // namespace collector
-
-#endif

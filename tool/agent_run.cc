@@ -2,8 +2,8 @@
 
 #include <net/if.h>
 
+#include <string.h>
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <set>
 
@@ -39,13 +39,13 @@ cfqlquery_node* chained(const std::string& tag, const std::string& value, cfqlqu
 extern "C" {
 
 cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const char* key) {
-    const std::string* value = running->answer(table, object == nullptr ? "" : object, key);
-    return value == nullptr ? nullptr : chained(key, *value, nullptr);
+    const std::string* value = running->answer(table, object ? object : "", key);
+    return value ? chained(key, *value, nullptr) : nullptr;
 }
 
 cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*, const cfqlquery_node* filter, int) {
     Attributes wanted;
-    for (const cfqlquery_node* pair = filter; pair != nullptr; pair = pair->next)
+    for (const cfqlquery_node* pair = filter; pair; pair = pair->next)
         wanted[pair->name] = pair->value;
     cfqlquery_node* list = nullptr;
     const std::vector<const Object*> chosen = running->choose(table, wanted);
@@ -62,7 +62,7 @@ int32_t cfqlquery_set_pv(const char*, const char*, const cfqlquery_node*, int) {
 }
 
 void cfqlquery_destroy_pv(cfqlquery_node* list) {
-    while (list != nullptr) {
+    while (list) {
         const std::unique_ptr<Node> node(reinterpret_cast<Node*>(list));
         list = list->next;
     }
@@ -75,7 +75,7 @@ char check_rowstatus_transition(int, int) {
 // The linker's name for the calls of if_nametoindex, and for the C library's.
 unsigned __real_if_nametoindex(const char* name);
 unsigned __wrap_if_nametoindex(const char* name) {
-    return running == nullptr ? __real_if_nametoindex(name) : running->number_of(name);
+    return running ? running->number_of(name) : __real_if_nametoindex(name);
 }
 }
 
@@ -88,34 +88,34 @@ bool holds_interfaces(std::string_view table) {
     return table == "interface" || table == "supported-rate";
 }
 
-const dot11::StoreKey* key_of(const dot11::Column& column, const std::vector<std::uint32_t>& index) {
+const dot11::StoreKey* key_of(const dot11::Column& column, const std::vector<uint32_t>& index) {
     if (column.keys.empty()) return nullptr;
     return &column.keys[column.keys.size() == 1 ? 0 : index.back() - 1];
 }
 
-std::vector<std::uint32_t> index_of(const dot11::Table& table, const std::string& row) {
-    std::vector<std::uint32_t> index(table.indexes);
-    std::memcpy(index.data(), row.data(), index.size() * sizeof index[0]);
+std::vector<uint32_t> index_of(const dot11::Table& table, const std::string& row) {
+    std::vector<uint32_t> index(table.indexes);
+    memcpy(index.data(), row.data(), index.size() * sizeof index[0]);
     return index;
 }
 
 std::string value_of(const dot11::Column& column, std::string& row) {
-    std::size_t length = 0;
+    size_t length = 0;
     const void* octets = column.get(row.data(), &length);
     return {static_cast<const char*>(octets), length};
 }
 
 }  // namespace
 
-std::int64_t Instance::number() const {
-    std::int32_t value = 0;
-    std::memcpy(&value, octets.data(), std::min(octets.size(), sizeof value));
+int64_t Instance::number() const {
+    int32_t value = 0;
+    memcpy(&value, octets.data(), std::min(octets.size(), sizeof value));
     if (column->type == dot11::Type::integer) return value;
-    return static_cast<std::uint32_t>(value);
+    return static_cast<uint32_t>(value);
 }
 
 std::optional<std::string_view> Instance::stored() const {
-    if (question == nullptr || !question->answer || question->answer->empty()) return std::nullopt;
+    if (!question || !question->answer || question->answer->empty()) return std::nullopt;
     return *question->answer;
 }
 
@@ -130,7 +130,7 @@ std::string Instance::served_text() const {
 
 std::string Instance::name() const {
     std::string text = column->name;
-    for (const std::uint32_t number : index)
+    for (const uint32_t number : index)
         text += '.' + std::to_string(number);
     return text;
 }
@@ -158,7 +158,7 @@ AgentRun::AgentRun(const Contents& contents, Numbering numbering)
     for (const dot11::Table* table : dot11::tables)
         run(*table);
     running = nullptr;
-    std::map<std::string, std::size_t> ranks;
+    std::map<std::string, size_t> ranks;
     for (const Instance& instance : instances_)
         ranks.try_emplace(instance.interface, ranks.size());
     std::ranges::stable_sort(instances_, {}, [&](const Instance& instance) { return ranks[instance.interface]; });
@@ -166,14 +166,14 @@ AgentRun::AgentRun(const Contents& contents, Numbering numbering)
 
 void AgentRun::run(const dot11::Table& table) {
     first_question_ = questions_.size();
-    if (table.entries != nullptr) read_as_a_whole(table);
-    if (table.row_by_index != nullptr) read_one_by_one(table);
+    if (table.entries) read_as_a_whole(table);
+    if (table.row_by_index) read_one_by_one(table);
 }
 
 void AgentRun::read_as_a_whole(const dot11::Table& table) {
     if (table.entries() == 0 || table.table_data() == 0) return;
     std::string row(table.row_size, '\0');
-    for (std::uint32_t i = 0; i < table.index_count() * table.rows_per_interface; ++i) {
+    for (uint32_t i = 0; i < table.index_count() * table.rows_per_interface; ++i) {
         if (table.entry_by_index(i, row.data()) != 0) add_row(table, row);
     }
 }
@@ -181,8 +181,8 @@ void AgentRun::read_as_a_whole(const dot11::Table& table) {
 void AgentRun::read_one_by_one(const dot11::Table& table) {
     constexpr int last_of_group = 2;
     std::string row(table.row_size, '\0');
-    std::int32_t value_index = 1;
-    std::uint32_t group = 0;
+    int32_t value_index = 1;
+    uint32_t group = 0;
     for (int result = 0; (result = table.row_by_index(group, &value_index, row.data())) > 0;) {
         add_row(table, row);
         if (result != last_of_group) continue;
@@ -192,17 +192,17 @@ void AgentRun::read_one_by_one(const dot11::Table& table) {
 }
 
 void AgentRun::add_row(const dot11::Table& table, std::string& row) {
-    const std::vector<std::uint32_t> index = index_of(table, row);
+    const std::vector<uint32_t> index = index_of(table, row);
     const auto interface = std::ranges::find(numbers_, index.front(), [](const auto& entry) { return entry.second; });
     for (const dot11::Column& column : table.columns) {
         const dot11::StoreKey* key = key_of(column, index);
         instances_.push_back({&table, &column, index, interface->first, value_of(column, row), key,
-                              key == nullptr ? nullptr : question_for(interface->first, *key)});
+                              key ? question_for(interface->first, *key) : nullptr});
     }
 }
 
 const Question* AgentRun::question_for(const std::string& interface, const dot11::StoreKey& key) const {
-    for (std::size_t i = questions_.size(); i > first_question_; --i) {
+    for (size_t i = questions_.size(); i > first_question_; --i) {
         const Question& question = questions_[i - 1];
         if (question.interface == interface && question.table == key.table && question.key == key.name)
             return &question;
@@ -222,7 +222,7 @@ const std::string* AgentRun::answer(const std::string& table, const std::string&
         if (attribute != found->attributes.end()) value = &attribute->second;
     }
     questions_.push_back({interface_, table, object, key, {}});
-    if (value != nullptr) questions_.back().answer = *value;
+    if (value) questions_.back().answer = *value;
     return value;
 }
 

@@ -1,9 +1,8 @@
 // What the agent serves from a store, found out by running the module's own tables in this process, on contents in
 // memory.
-#ifndef CFQL_TOOL_AGENT_RUN_H
-#define CFQL_TOOL_AGENT_RUN_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <deque>
 #include <functional>
 #include <map>
@@ -30,14 +29,14 @@ struct Question {
 struct Instance {
     const dot11::Table* table;
     const dot11::Column* column;
-    std::vector<std::uint32_t> index;  // one or two numbers, the interface's first
+    std::vector<uint32_t> index;  // one or two numbers, the interface's first
     std::string interface;
     std::string octets;          // the served value as it is in the row
     const dot11::StoreKey* key;  // where the value is from; null when it is not from the store
     const Question* question;    // that fetched it; null when no link led there
 
     bool is_number() const { return column->type != dot11::Type::octet_string; }
-    std::int64_t number() const;  // of a number, in the range of its SNMP type
+    int64_t number() const;  // of a number, in the range of its SNMP type
     // A GET answers the column, COMPLETE: of an agent that is told to answer completely.
     bool is_answered(bool complete = false) const {
         if (column->answered == dot11::Answered::complete_only) return complete;
@@ -93,7 +92,7 @@ class AgentRun {
     Numbering numbering_;
     std::map<std::pair<std::string, std::string>, const Object*> first_;  // by table and name
     std::string interface_;                                               // whose row is being filled
-    std::size_t first_question_ = 0;                                      // of the table that is being run
+    size_t first_question_ = 0;                                           // of the table that is being run
     std::vector<Instance> instances_;
     std::deque<Question> questions_;  // stay where they are
     std::map<std::string, unsigned> numbers_;
@@ -101,5 +100,3 @@ class AgentRun {
 };
 
 }  // namespace cfql::tool
-
-#endif

@@ -17,7 +17,7 @@ void allow(const std::string& refusal) {
 }
 
 void allow(const char* refusal) {
-    if (refusal != nullptr) allow(std::string(refusal));
+    if (refusal) allow(std::string(refusal));
 }
 
 Place place_of(const Request& request) {
@@ -29,19 +29,19 @@ Failure missing(const Store& store, const Place& place) {
 }
 
 // The object that the request names; throws when there is none.
-std::int64_t object_id(Store& store, const Request& request) {
+int64_t object_id(Store& store, const Request& request) {
     const auto id = store.find(request.table, request.object, request.nth);
     if (!id) throw missing(store, place_of(request));
     return *id;
 }
 
 // The same for set, which adds the object when it is the next of its name.
-std::int64_t object_id_to_set(Store& store, const Request& request) {
+int64_t object_id_to_set(Store& store, const Request& request) {
     const auto there = store.find(request.table, request.object, request.nth);
     if (there) return *there;
     const Place before = {request.table, request.object, request.nth - 1};
     if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, before);
-    std::int64_t id = 0;
+    int64_t id = 0;
     store.require(store.database().insert_object(request.table, request.object, id));
     return id;
 }
@@ -66,10 +66,10 @@ class Faults {
             ++count_;
         }
     }
-    std::size_t count() const { return count_; }
+    size_t count() const { return count_; }
 
   private:
-    std::size_t count_ = 0;
+    size_t count_ = 0;
 };
 
 }  // namespace
@@ -78,7 +78,7 @@ Exit get(const Request& request) {
     Store store(request.store, Access::recover);
     store.require(store.database().begin_read());
     Text value;
-    const std::int64_t id = object_id(store, request);
+    const int64_t id = object_id(store, request);
     require_attribute(store, request,
                       store.database().get_attribute(id, request.table, request.object, request.key, value));
     print_line(on_terminal() ? shown(request.key, value, request.reveal) : std::string(value));
@@ -95,7 +95,7 @@ Exit set(const Request& request) {
     Store store(request.store, Access::write);
     Database& database = store.database();
     store.require(database.begin_write());
-    const std::int64_t id = object_id_to_set(store, request);
+    const int64_t id = object_id_to_set(store, request);
     store.require(database.set_attribute(id, request.table, request.object, request.key, value));
     store.require(database.commit());
     // The store may hold what the agent does not read.
@@ -108,7 +108,7 @@ Exit unset(const Request& request) {
     Store store(request.store, Access::write);
     Database& database = store.database();
     store.require(database.begin_write());
-    const std::int64_t id = object_id(store, request);
+    const int64_t id = object_id(store, request);
     if (request.key.empty()) {
         store.require(database.delete_object(id));
     } else {
@@ -123,7 +123,7 @@ Exit list(const Request& request) {
     const Reading reading = store.read(request.table);
     const std::vector<Place> found = places(reading.contents);
     bool any = request.table.empty();
-    for (std::size_t i = 0; i < found.size(); ++i) {
+    for (size_t i = 0; i < found.size(); ++i) {
         if (!request.object.empty() && found[i].name != request.object) continue;
         any = true;
         const Attributes& attributes = reading.contents[i].attributes;

@@ -1,6 +1,5 @@
 // The tool's commands. Each writes to standard output, answers an exit status, and throws Failure.
-#ifndef CFQL_TOOL_COMMANDS_H
-#define CFQL_TOOL_COMMANDS_H
+#pragma once
 
 #include <string>
 
@@ -13,7 +12,7 @@ struct Request {
     std::string store;
     std::string table, object, key, value;
     std::string file;  // of import, and of export --output
-    std::size_t nth = 1;
+    size_t nth = 1;
     bool reveal = false;
     bool salvage = false;
     bool replace = false;
@@ -37,5 +36,3 @@ Exit lint(const Request& request);
 Exit watch(const Request& request);
 
 }  // namespace cfql::tool
-
-#endif

@@ -3,7 +3,7 @@
 namespace cfql::tool {
 
 std::vector<Place> places(const Contents& contents) {
-    std::map<std::pair<std::string, std::string>, std::size_t> seen;
+    std::map<std::pair<std::string, std::string>, size_t> seen;
     std::vector<Place> found;
     for (const Object& object : contents) {
         found.push_back({object.table, object.name, ++seen[{object.table, object.name}]});

@@ -1,6 +1,5 @@
 // Contents of a store in memory, as import, export, watch and lint handle them.
-#ifndef CFQL_TOOL_CONTENTS_H
-#define CFQL_TOOL_CONTENTS_H
+#pragma once
 
 #include <compare>
 #include <map>
@@ -26,7 +25,7 @@ using Contents = std::vector<Object>;  // in order of insertion; names may repea
 struct Place {
     std::string table;
     std::string name;
-    std::size_t nth;
+    size_t nth;
 
     auto operator<=>(const Place&) const = default;
 };
@@ -35,5 +34,3 @@ struct Place {
 std::vector<Place> places(const Contents& contents);
 
 }  // namespace cfql::tool
-
-#endif

@@ -26,13 +26,13 @@ class Import {
         }
         const Reading reading = store_.read();
         const std::vector<Place> there = places(reading.contents);
-        for (std::size_t i = 0; i < there.size(); ++i)
+        for (size_t i = 0; i < there.size(); ++i)
             ids_.emplace(there[i], reading.ids[i]);
     }
 
     void put(const Place& place, const Attributes& attributes) {
         const auto [entry, is_new] = ids_.try_emplace(place, 0);
-        std::int64_t& id = entry->second;
+        int64_t& id = entry->second;
         if (is_new) store_.require(store_.database().insert_object(place.table, place.name, id));
         for (const auto& [key, value] : attributes) {
             store_.require(store_.database().set_attribute(id, place.table, place.name, key, value));
@@ -43,7 +43,7 @@ class Import {
 
   private:
     Store& store_;
-    std::map<Place, std::int64_t> ids_;
+    std::map<Place, int64_t> ids_;
 };
 
 std::string source_of(const std::string& file) {
@@ -61,14 +61,14 @@ Contents contents_of(const std::string& file) {
 
 // The store may hold what the agent does not read: that is told, a few times at most.
 void note_typing_errors(const Contents& contents) {
-    constexpr std::size_t most = 10;
+    constexpr size_t most = 10;
     std::set<std::string> errors;
     for (const Object& object : contents) {
         for (const auto& [key, value] : object.attributes)
             errors.insert(typing_error(object.table, key));
     }
     errors.erase("");
-    std::size_t told = 0;
+    size_t told = 0;
     for (const std::string& error : errors) {
         if (told++ < most) complain("note: " + error);
     }
@@ -87,8 +87,8 @@ Exit import_contents(const Request& request) {
     const std::vector<Place> targets = places(contents);
     Store store(request.store, Access::write);
     Import import(store, request.replace);
-    std::size_t values = 0;
-    for (std::size_t i = 0; i < contents.size(); ++i) {
+    size_t values = 0;
+    for (size_t i = 0; i < contents.size(); ++i) {
         import.put(targets[i], contents[i].attributes);
         values += contents[i].attributes.size();
     }
@@ -102,7 +102,7 @@ Exit export_contents(const Request& request) {
     Store store(request.store, request.salvage ? Access::salvage : Access::recover);
     Reading reading = request.salvage ? store.salvage() : store.read();
     const bool hide = request.file.empty() && on_terminal() && !request.reveal;
-    std::size_t hidden = 0;
+    size_t hidden = 0;
     for (Object& object : reading.contents) {
         for (auto& [key, value] : object.attributes) {
             if (!hide || !is_secret(key)) continue;

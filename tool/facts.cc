@@ -134,7 +134,7 @@ bool is_known_table(std::string_view of) {
 }
 
 std::string typing_error(std::string_view of, std::string_view key) {
-    if (find_fact(of, key) != nullptr || key == origin_key || key == origin_index_key) return {};
+    if (find_fact(of, key) || key == origin_key || key == origin_index_key) return {};
     if (!is_known_table(of)) return "the agent reads no table " + quoted(of) + suggestion(of, known_tables());
     const std::string elsewhere = tables_of(key);
     if (!elsewhere.empty())

@@ -1,7 +1,6 @@
 // The keys that the agent reads, for people: in which table each stands and what its text says. What the agent makes of
 // the text is found out by running it (agent_run.h).
-#ifndef CFQL_TOOL_FACTS_H
-#define CFQL_TOOL_FACTS_H
+#pragma once
 
 #include <span>
 #include <string>
@@ -40,5 +39,3 @@ inline constexpr std::string_view origin_key = "origin";
 inline constexpr std::string_view origin_index_key = "origin-index";
 
 }  // namespace cfql::tool
-
-#endif

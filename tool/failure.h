@@ -1,6 +1,5 @@
 // How the tool ends: its exit statuses and the exception that carries one of them to main().
-#ifndef CFQL_TOOL_FAILURE_H
-#define CFQL_TOOL_FAILURE_H
+#pragma once
 
 #include <stdexcept>
 #include <string>
@@ -27,5 +26,3 @@ class Failure : public std::runtime_error {
 };
 
 }  // namespace cfql::tool
-
-#endif

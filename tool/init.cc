@@ -4,8 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
+#include <errno.h>
+#include <string.h>
 #include <filesystem>
 #include <optional>
 
@@ -26,14 +26,14 @@ constexpr const char* group_name = "cfql";
 [[noreturn]] void fail_at(const std::string& path, const std::string& remedy) {
     const bool ask_root = geteuid() != 0 && (errno == EACCES || errno == EPERM);
     throw Failure(Exit::store,
-                  path + ": " + std::strerror(errno) + "; " + (ask_root ? "ask root to run this command" : remedy));
+                  path + ": " + strerror(errno) + "; " + (ask_root ? "ask root to run this command" : remedy));
 }
 
 // The group that is to read the store; none when only root could set it, or when the system has no such group.
 std::optional<gid_t> readers() {
     if (geteuid() != 0) return std::nullopt;
     const group* entry = getgrnam(group_name);
-    if (entry == nullptr) return std::nullopt;
+    if (!entry) return std::nullopt;
     return entry->gr_gid;
 }
 

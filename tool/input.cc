@@ -1,8 +1,8 @@
 #include "input.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <errno.h>
+#include <stdio.h>
+#include <string.h>
 #include <memory>
 
 #include "database.h"
@@ -12,24 +12,23 @@ namespace cfql::tool {
 
 namespace {
 
-constexpr std::size_t longest_file = std::size_t{64} << 20;
+constexpr size_t longest_file = size_t{64} << 20;
 
 // What is left of STREAM, but no more than one octet over LIMIT.
-std::string rest_of(std::FILE* stream, std::size_t limit, const std::string& source) {
+std::string rest_of(FILE* stream, size_t limit, const std::string& source) {
     std::string text;
     char block[4096];
     errno = 0;
     while (text.size() <= limit) {
-        const std::size_t count = std::fread(block, 1, sizeof block, stream);
+        const size_t count = std::fread(block, 1, sizeof block, stream);
         if (count == 0) break;
         text.append(block, count);
     }
-    if (std::ferror(stream) != 0)
-        throw Failure(Exit::input, source + ": " + std::strerror(errno) + "; nothing has changed");
+    if (std::ferror(stream) != 0) throw Failure(Exit::input, source + ": " + strerror(errno) + "; nothing has changed");
     return text;
 }
 
-std::string bounded(std::FILE* stream, const std::string& source) {
+std::string bounded(FILE* stream, const std::string& source) {
     std::string text = rest_of(stream, longest_file, source);
     if (text.size() <= longest_file) return text;
     throw Failure(Exit::input, source + ": longer than 64 MiB; import it in several pieces");
@@ -45,9 +44,8 @@ std::string value_from_input() {
 
 std::string text_of(const std::string& file) {
     if (file == "-") return bounded(stdin, "standard input");
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "re"), std::fclose);
-    if (!stream)
-        throw Failure(Exit::input, file + ": " + std::strerror(errno) + "; name a file that can be read, or \"-\"");
+    const std::unique_ptr<FILE, int (*)(FILE*)> stream(fopen(file.c_str(), "re"), fclose);
+    if (!stream) throw Failure(Exit::input, file + ": " + strerror(errno) + "; name a file that can be read, or \"-\"");
     return bounded(stream.get(), file);
 }
 

@@ -1,6 +1,5 @@
 // Texts that come from standard input and from files.
-#ifndef CFQL_TOOL_INPUT_H
-#define CFQL_TOOL_INPUT_H
+#pragma once
 
 #include <string>
 
@@ -13,5 +12,3 @@ std::string value_from_input();
 std::string text_of(const std::string& file);
 
 }  // namespace cfql::tool
-
-#endif

@@ -4,10 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <errno.h>
+#include <limits.h>
+#include <time.h>
 #include <charconv>
-#include <climits>
-#include <ctime>
 #include <string_view>
 
 namespace cfql::tool {
@@ -15,7 +15,7 @@ namespace cfql::tool {
 namespace {
 
 constexpr int most_links = 8;
-constexpr std::size_t last_digits = 20, interval_digits = 5, line_size = last_digits + 1 + interval_digits + 1;
+constexpr size_t last_digits = 20, interval_digits = 5, line_size = last_digits + 1 + interval_digits + 1;
 
 class File {
   public:
@@ -32,12 +32,12 @@ class File {
     int descriptor_;
 };
 
-bool read_number(std::string_view text, std::int64_t& number) {
+bool read_number(std::string_view text, int64_t& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     return error == std::errc() && end == text.data() + text.size() && number >= 0;
 }
 
-std::int64_t seconds_since_boot() {
+int64_t seconds_since_boot() {
     timespec now = {};
     clock_gettime(CLOCK_BOOTTIME, &now);
     return now.tv_sec;
@@ -45,12 +45,12 @@ std::int64_t seconds_since_boot() {
 
 // False: LINE is no line of a collector's.
 bool read_line(std::string_view line, LastPass& pass) {
-    std::int64_t last = 0;
-    std::int64_t interval = 0;
+    int64_t last = 0;
+    int64_t interval = 0;
     if (line.size() != line_size || line[last_digits] != ' ' || line.back() != '\n') return false;
     if (!read_number(line.substr(0, last_digits), last)) return false;
     if (!read_number(line.substr(last_digits + 1, interval_digits), interval)) return false;
-    const std::int64_t now = seconds_since_boot();
+    const int64_t now = seconds_since_boot();
     if (last <= now) pass.age = now - last;
     pass.interval = interval;
     return true;
@@ -70,7 +70,7 @@ int read_file(int descriptor, LastPass& pass) {
     const ssize_t size = pread(descriptor, line, sizeof line, 0);
     if (size < 0) return errno;
     // Before its first pass has ended a collector has the file, and nothing to say in it.
-    return size == 0 || read_line({line, static_cast<std::size_t>(size)}, pass) ? 0 : EBADMSG;
+    return size == 0 || read_line({line, static_cast<size_t>(size)}, pass) ? 0 : EBADMSG;
 }
 
 }  // namespace
@@ -80,8 +80,8 @@ std::string collector_file(const std::string& store) {
     char target[PATH_MAX];
     for (int i = 0; i < most_links; ++i) {
         const ssize_t size = readlink(path.c_str(), target, sizeof target);
-        if (size <= 0 || static_cast<std::size_t>(size) == sizeof target) break;
-        const std::string_view next(target, static_cast<std::size_t>(size));
+        if (size <= 0 || static_cast<size_t>(size) == sizeof target) break;
+        const std::string_view next(target, static_cast<size_t>(size));
         path = next.front() == '/' ? std::string(next) : path.substr(0, path.rfind('/') + 1).append(next);
     }
     return path + ".collector";

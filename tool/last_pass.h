@@ -5,12 +5,11 @@
 //
 // LAST: end of the last pass, in seconds of CLOCK_BOOTTIME, 20 digits; INTERVAL: seconds from one pass to the next, 5
 // digits.
-#ifndef CFQL_TOOL_LAST_PASS_H
-#define CFQL_TOOL_LAST_PASS_H
+#pragma once
 
 #include <sys/types.h>
 
-#include <cstdint>
+#include <stdint.h>
 #include <optional>
 #include <string>
 
@@ -23,7 +22,7 @@ std::string collector_file(const std::string& store);
 inline constexpr mode_t collector_file_mode = 0640;
 
 struct LastPass {
-    enum class State : std::uint8_t {
+    enum class State : uint8_t {
         never,    // no collector has filled this store since it was made
         running,  // one does now
         stopped,  // one did
@@ -31,19 +30,17 @@ struct LastPass {
     };
     State state = State::never;
     // Seconds since the last pass ended; absent: there was none yet, or it was before the machine started.
-    std::optional<std::int64_t> age;
-    std::int64_t interval = 0;  // seconds from one pass to the next; 0: unknown
-    int error = 0;              // an errno value; EBADMSG: the file holds something else
+    std::optional<int64_t> age;
+    int64_t interval = 0;  // seconds from one pass to the next; 0: unknown
+    int error = 0;         // an errno value; EBADMSG: the file holds something else
 
     // Runs without making passes: hung, or on a machine that does not get to it.
     bool is_overdue() const { return state == State::running && age && *age > 2 * interval + slack; }
 
-    static constexpr std::int64_t slack = 10;  // seconds that a pass may take
+    static constexpr int64_t slack = 10;  // seconds that a pass may take
 };
 
 // Never waits, takes no lock, and throws only std::bad_alloc. Reading takes the rights of the group cfql.
 LastPass last_pass(const std::string& store);
 
 }  // namespace cfql::tool
-
-#endif

@@ -21,7 +21,7 @@ std::string place(const std::string& table, const std::string& name) {
 
 // A value in a message: never long, and never a secret.
 std::string excerpt(std::string_view key, std::string_view value) {
-    constexpr std::size_t longest = 32;
+    constexpr size_t longest = 32;
     if (is_secret(key)) return "the value";
     return value.size() <= longest ? quoted(value) : quoted(value.substr(0, longest)) + "...";
 }
@@ -45,7 +45,7 @@ class Findings {
     }
 
   private:
-    void add(std::string_view kind, const std::string& where, const std::string& what, std::size_t& count) {
+    void add(std::string_view kind, const std::string& where, const std::string& what, size_t& count) {
         const std::string line = std::string(kind) + ": " + where + ": " + what;
         if (!seen_.insert(line).second) return;
         report(line);
@@ -53,8 +53,8 @@ class Findings {
     }
 
     std::set<std::string> seen_;
-    std::size_t warnings_ = 0;
-    std::size_t notes_ = 0;
+    size_t warnings_ = 0;
+    size_t notes_ = 0;
 };
 
 // ---- a text against what is served of it
@@ -120,7 +120,7 @@ class Lint {
         tell_defaults();
         tell_unanswered();
         const std::vector<Place> all = places(contents_);
-        for (std::size_t i = 0; i < all.size(); ++i)
+        for (size_t i = 0; i < all.size(); ++i)
             examine_keys(all[i], contents_[i].attributes);
         return findings_.conclude();
     }
@@ -130,7 +130,7 @@ class Lint {
 
     void examine_interfaces() {
         std::set<std::string> seen;
-        std::size_t rows = 0;
+        size_t rows = 0;
         for (const Object& object : contents_) {
             if (object.table != "interface" || !is_served(object)) continue;
             ++rows;
@@ -174,8 +174,7 @@ class Lint {
         for (const Question& question : run_.questions()) {
             if (!question.answer || question.answer->empty()) continue;
             const Fact* fact = find_fact(question.table, question.key);
-            if (fact == nullptr || fact->form != Form::link || run_.find(question.key, *question.answer) != nullptr)
-                continue;
+            if (!fact || fact->form != Form::link || run_.find(question.key, *question.answer)) continue;
             findings_.warn(
                 place(question.table, question.object),
                 "key " + quoted(question.key) + " leads nowhere: there is no " + place(question.key, *question.answer));
@@ -185,7 +184,7 @@ class Lint {
     void examine_value(const Instance& instance) {
         const std::optional<std::string_view> text = instance.stored();
         const Fact* fact = text ? find_fact(instance.key->table, instance.key->name) : nullptr;
-        if (fact == nullptr) return;
+        if (!fact) return;
         std::string fault = fault_of_form(*fact, *text);
         if (fault.empty()) fault = fault_of_answer(*fact, instance, *text);
         if (fault.empty()) return;
@@ -209,9 +208,9 @@ class Lint {
     }
 
     void tell_defaults() {
-        std::map<std::string, std::size_t> counts;  // by interface
+        std::map<std::string, size_t> counts;  // by interface
         for (const Instance& instance : run_.instances()) {
-            if (instance.key == nullptr || instance.stored() || !instance.is_answered()) continue;
+            if (!instance.key || instance.stored() || !instance.is_answered()) continue;
             ++counts[instance.interface];
             if (!list_defaults_) continue;
             findings_.note(place("interface", instance.interface),
@@ -230,12 +229,12 @@ class Lint {
     void tell_unanswered() {
         std::set<std::string> answered;
         for (const Instance& instance : run_.instances()) {
-            if (instance.key != nullptr && instance.is_answered()) answered.insert(instance.key->name);
+            if (instance.key && instance.is_answered()) answered.insert(instance.key->name);
         }
         std::set<std::string> unanswered;
         for (const Question& question : run_.questions()) {
             const Fact* fact = find_fact(question.table, question.key);
-            const bool is_link = fact != nullptr && fact->form == Form::link;
+            const bool is_link = fact && fact->form == Form::link;
             if (question.answer && !is_link && !answered.contains(question.key)) unanswered.insert(question.key);
         }
         if (!unanswered.empty()) findings_.note("agent", "no GET answers what it reads under " + joined(unanswered));
@@ -244,7 +243,7 @@ class Lint {
     // ---- what is not read
 
     void examine_keys(const Place& where, const Attributes& attributes) {
-        std::size_t read = 0;
+        size_t read = 0;
         for (const auto& [key, value] : attributes) {
             const std::string error = typing_error(where.table, key);
             if (!error.empty()) findings_.warn(described(where), error);
@@ -254,7 +253,7 @@ class Lint {
             findings_.warn(described(where), typing_error(where.table, ""));
         if (read == 0) return tell_unread(where, attributes);
         for (const auto& [key, value] : attributes) {
-            if (find_fact(where.table, key) == nullptr || is_asked(where, key) || key == run_.chosen_by()) continue;
+            if (!find_fact(where.table, key) || is_asked(where, key) || key == run_.chosen_by()) continue;
             findings_.warn(described(where), "key " + quoted(key) + " is not read here" + read_elsewhere(where, key));
         }
     }

@@ -1,7 +1,7 @@
 // cfql: the command line. Every command is one entry of the table below.
+#include <stdio.h>
 #include <CLI/CLI.hpp>
 #include <array>
-#include <cstdio>
 #include <exception>
 #include <vector>
 
@@ -27,16 +27,16 @@ struct Words {
     std::string text[4];
     CLI::Option* option[4] = {};
 
-    std::size_t count() const {
-        std::size_t given = 0;
-        while (given < std::size(option) && option[given] != nullptr && option[given]->count() > 0)
+    size_t count() const {
+        size_t given = 0;
+        while (given < std::size(option) && option[given] && option[given]->count() > 0)
             ++given;
         return given;
     }
 };
 
 [[noreturn]] void misused(const CLI::App& command, const std::string& what) {
-    const std::string name = command.get_parent() == nullptr ? "" : command.get_name() + ' ';
+    const std::string name = command.get_parent() ? command.get_name() + ' ' : "";
     throw Failure(Exit::usage, what + "; see \"cfql " + name + "--help\"");
 }
 
@@ -64,7 +64,7 @@ std::string left_over(const CLI::App& command) {
         return "unknown option " + tool::quoted(first) +
                (hint.empty() ? "; -- goes before values that begin with a dash" : hint);
     }
-    if (command.get_parent() != nullptr) return "one argument too many: " + tool::quoted(first);
+    if (command.get_parent()) return "one argument too many: " + tool::quoted(first);
     return "unknown command " + tool::quoted(first) + suggestion(first, names_of_commands(command));
 }
 
@@ -77,17 +77,17 @@ std::string left_over(const CLI::App& command) {
 
 // The object of the table "system" has no name: OBJECT is left out. WANTED counts the words of the command, OBJECT
 // included.
-void address(const CLI::App& command, const Words& words, std::size_t least, std::size_t wanted, Request& request) {
+void address(const CLI::App& command, const Words& words, size_t least, size_t wanted, Request& request) {
     std::array<std::string*, 4> targets = {&request.table, &request.object, &request.key, &request.value};
     const bool nameless = words.text[0] == singleton_table;
-    const std::size_t given = words.count() + (nameless ? 1 : 0);
+    const size_t given = words.count() + (nameless ? 1 : 0);
     if (given < least || given > wanted) {
         misused(command, std::string("wrong number of arguments") +
                              (nameless ? ": the object of the table \"system\" has no name, leave OBJECT out" : ""));
     }
     if (nameless && request.nth > 1) misused(command, "the table \"system\" has one object: leave --nth out");
     if (request.nth == 0) misused(command, "--nth counts from 1");
-    for (std::size_t i = 0; i < words.count(); ++i) {
+    for (size_t i = 0; i < words.count(); ++i) {
         std::string* target = targets[i > 0 && nameless ? i + 1 : i];
         *target = words.text[i];
         // An empty variable in a script must not turn "unset TABLE OBJECT KEY" into "unset TABLE OBJECT".
@@ -96,7 +96,7 @@ void address(const CLI::App& command, const Words& words, std::size_t least, std
 }
 
 void add_words(CLI::App& command, Words& words, const std::vector<std::pair<std::string, std::string>>& names) {
-    for (std::size_t i = 0; i < names.size(); ++i) {
+    for (size_t i = 0; i < names.size(); ++i) {
         words.option[i] = command.add_option(names[i].first, words.text[i], names[i].second)->type_name("");
     }
 }
@@ -227,7 +227,7 @@ int run(int argc, char** argv) {
     add_common(app, request);
     app.require_subcommand(0, 1);
     std::array<Words, std::size(commands)> words;
-    for (std::size_t i = 0; i < std::size(commands); ++i) {
+    for (size_t i = 0; i < std::size(commands); ++i) {
         CLI::App* command = app.add_subcommand(commands[i].name, commands[i].description);
         add_common(*command, request);
         commands[i].declare(*command, words[i], request);
@@ -243,7 +243,7 @@ int run(int argc, char** argv) {
     }
     if (app.get_subcommands().empty()) misused(app, "a command is missing");
     const CLI::App* used = app.get_subcommands().front();
-    std::size_t which = 0;
+    size_t which = 0;
     while (used->get_name() != commands[which].name)
         ++which;
     commands[which].complete(*used, words[which], request);
@@ -261,7 +261,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const Failure& failure) {
-        std::fflush(stdout);
+        fflush(stdout);
         complain(failure.what());
         return static_cast<int>(failure.exit());
     } catch (const std::exception& error) {  // out of memory

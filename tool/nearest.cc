@@ -1,7 +1,7 @@
 #include "nearest.h"
 
+#include <stddef.h>
 #include <algorithm>
-#include <cstddef>
 
 #include "text.h"
 
@@ -9,18 +9,18 @@ namespace cfql::tool {
 
 namespace {
 
-constexpr std::size_t longest = 64;  // no name of ours comes near
+constexpr size_t longest = 64;  // no name of ours comes near
 
 // The distance of Damerau and Levenshtein, each pair of letters exchanged once at most. Rows are positions in A.
-std::size_t slips(std::string_view a, std::string_view b) {
-    std::vector<std::vector<std::size_t>> cost(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i) {
-        for (std::size_t j = 0; j <= b.size(); ++j) {
+size_t slips(std::string_view a, std::string_view b) {
+    std::vector<std::vector<size_t>> cost(a.size() + 1, std::vector<size_t>(b.size() + 1));
+    for (size_t i = 0; i <= a.size(); ++i) {
+        for (size_t j = 0; j <= b.size(); ++j) {
             if (i == 0 || j == 0) {
                 cost[i][j] = i + j;
                 continue;
             }
-            const std::size_t changed = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            const size_t changed = cost[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
             cost[i][j] = std::min({changed, cost[i - 1][j] + 1, cost[i][j - 1] + 1});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
                 cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
@@ -34,9 +34,9 @@ std::size_t slips(std::string_view a, std::string_view b) {
 std::string nearest(std::string_view text, const std::vector<std::string>& known) {
     if (text.size() > longest) return {};
     std::string best;
-    std::size_t least = std::max<std::size_t>(text.size() / 3, 1) + 1;
+    size_t least = std::max<size_t>(text.size() / 3, 1) + 1;
     for (const std::string& candidate : known) {
-        const std::size_t count = slips(text, candidate);
+        const size_t count = slips(text, candidate);
         if (count >= least) continue;
         least = count;
         best = candidate;

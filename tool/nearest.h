@@ -1,6 +1,5 @@
 // What somebody may have meant who wrote something else.
-#ifndef CFQL_TOOL_NEAREST_H
-#define CFQL_TOOL_NEAREST_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -16,5 +15,3 @@ std::string nearest(std::string_view text, const std::vector<std::string>& known
 std::string suggestion(std::string_view text, const std::vector<std::string>& known);
 
 }  // namespace cfql::tool
-
-#endif

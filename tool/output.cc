@@ -2,9 +2,9 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <errno.h>
+#include <stdio.h>
+#include <string.h>
 
 #include "failure.h"
 #include "text.h"
@@ -12,7 +12,7 @@
 namespace cfql::tool {
 
 void print(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    fwrite(text.data(), 1, text.size(), stdout);
 }
 
 void print_line(std::string_view text) {
@@ -22,8 +22,8 @@ void print_line(std::string_view text) {
 
 void flush_output() {
     errno = 0;
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
-    const std::string reason = errno != 0 ? std::strerror(errno) : "an earlier write failed";
+    if (fflush(stdout) == 0 && std::ferror(stdout) == 0) return;
+    const std::string reason = errno != 0 ? strerror(errno) : "an earlier write failed";
     throw Failure(Exit::output, "standard output: " + reason + "; what was printed is not complete");
 }
 
@@ -33,7 +33,7 @@ void report(std::string_view line) {
 
 void complain(std::string_view message) {
     const std::string line = "cfql: " + printable_line(message) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    fwrite(line.data(), 1, line.size(), stderr);
 }
 
 bool on_terminal() {

@@ -1,6 +1,5 @@
 // Standard output: results. Everything else goes to standard error by way of complain().
-#ifndef CFQL_TOOL_OUTPUT_H
-#define CFQL_TOOL_OUTPUT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -32,5 +31,3 @@ std::string shown(std::string_view key, std::string_view value, bool reveal);
 std::string row(const Place& place, std::string_view key, std::string_view value, bool reveal);
 
 }  // namespace cfql::tool
-
-#endif

@@ -20,16 +20,16 @@ bool is_hidden(const Instance& instance, const Request& request) {
 // From where a value is: a word for each that is easy to search for.
 const char* kind(const Instance& instance, const Request& request) {
     if (!instance.is_answered(request.complete)) return "unanswered";
-    if (instance.key == nullptr) return "agent";
+    if (!instance.key) return "agent";
     return instance.stored() ? "stored" : "default";
 }
 
 // `interface "wlan0" ssid`, or why there is no such object.
 std::string source(const Instance& instance) {
-    if (instance.key == nullptr) return "";
+    if (!instance.key) return "";
     const std::string table = instance.key->table;
     const std::string key = instance.key->name;
-    if (instance.question == nullptr) return "no " + table + " for " + key;
+    if (!instance.question) return "no " + table + " for " + key;
     return described({table, instance.question->object, 1}) + ' ' + key;
 }
 
@@ -53,7 +53,7 @@ void put(toml::table& json, const char* name, std::string_view octets) {
 
 toml::table json_of_source(const Instance& instance, bool hidden) {
     toml::table json{{"table", instance.key->table}, {"key", instance.key->name}};
-    if (instance.question != nullptr) put(json, "object", instance.question->object);
+    if (instance.question) put(json, "object", instance.question->object);
     if (instance.stored() && !hidden) put(json, "stored", *instance.stored());
     return json;
 }
@@ -64,10 +64,10 @@ toml::table json_of(const Instance& instance, const Request& request) {
         {"table", instance.table->name}, {"column", instance.column->name}, {"from", kind(instance, request)}};
     put(json, "interface", instance.interface);
     toml::array index;
-    for (const std::uint32_t number : instance.index)
-        index.push_back(static_cast<std::int64_t>(number));
+    for (const uint32_t number : instance.index)
+        index.push_back(static_cast<int64_t>(number));
     json.insert("index", std::move(index));
-    if (instance.key != nullptr) json.insert("source", json_of_source(instance, hidden));
+    if (instance.key) json.insert("source", json_of_source(instance, hidden));
     if (hidden) {
         json.insert("hidden", true);
     } else if (instance.is_number()) {

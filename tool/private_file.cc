@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
+#include <errno.h>
+#include <stdlib.h>
+#include <string.h>
 
 #include "failure.h"
 
@@ -15,7 +15,7 @@ namespace cfql::tool {
 namespace {
 
 [[noreturn]] void fail(const std::string& file, const std::string& remedy) {
-    throw Failure(Exit::output, file + ": " + std::strerror(errno) + "; " + remedy);
+    throw Failure(Exit::output, file + ": " + strerror(errno) + "; " + remedy);
 }
 
 // A new file beside FILE, which takes its place by commit() or goes.
@@ -37,7 +37,7 @@ class Replacement {
             const ssize_t count = ::write(descriptor_, text.data(), text.size());
             if (count < 0 && errno == EINTR) continue;
             if (count < 0) fail(file_, "nothing has been written");
-            text.remove_prefix(static_cast<std::size_t>(count));
+            text.remove_prefix(static_cast<size_t>(count));
         }
     }
 

@@ -1,6 +1,5 @@
 // A file that only its owner reads.
-#ifndef CFQL_TOOL_PRIVATE_FILE_H
-#define CFQL_TOOL_PRIVATE_FILE_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -12,5 +11,3 @@ namespace cfql::tool {
 void write_private_file(const std::string& file, std::string_view text);
 
 }  // namespace cfql::tool
-
-#endif

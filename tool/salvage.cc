@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <stdlib.h>
 #include <filesystem>
 
 #include "format.h"
@@ -15,7 +15,7 @@ namespace cfql::tool {
 namespace {
 
 // In the header, the number of pages that the file has (https://sqlite.org/fileformat2.html).
-constexpr std::size_t size_offset = 28;
+constexpr size_t size_offset = 28;
 
 // All of a regular file of at most a store's size, or nothing. Takes no locks: nobody writes a damaged store.
 std::string octets_of(const std::string& file) {
@@ -26,7 +26,7 @@ std::string octets_of(const std::string& file) {
     if (fstat(descriptor, &entry) == 0 && S_ISREG(entry.st_mode)) {
         octets.resize(file_limit);
         const ssize_t count = pread(descriptor, octets.data(), octets.size(), 0);
-        octets.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+        octets.resize(count < 0 ? 0 : static_cast<size_t>(count));
     }
     close(descriptor);
     return octets;
@@ -37,11 +37,11 @@ std::string octets_of(const std::string& file) {
 PaddedCopy::PaddedCopy(const std::string& store) {
     std::string octets = octets_of(store);
     if (octets.size() < page_size) return;
-    const std::size_t pages = number_at(reinterpret_cast<const unsigned char*>(octets.data()) + size_offset, 4);
+    const size_t pages = number_at(reinterpret_cast<const unsigned char*>(octets.data()) + size_offset, 4);
     if (pages > page_limit) return;
     octets.resize(pages * page_size);
     directory_ = std::filesystem::temp_directory_path() / "cfql-salvage-XXXXXX";
-    if (mkdtemp(directory_.data()) == nullptr) {
+    if (!mkdtemp(directory_.data())) {
         directory_.clear();
         return;
     }

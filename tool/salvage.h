@@ -1,6 +1,5 @@
 // A store that is too damaged to be opened where it lies.
-#ifndef CFQL_TOOL_SALVAGE_H
-#define CFQL_TOOL_SALVAGE_H
+#pragma once
 
 #include <string>
 
@@ -23,5 +22,3 @@ class PaddedCopy {
 };
 
 }  // namespace cfql::tool
-
-#endif

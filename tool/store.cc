@@ -117,8 +117,8 @@ class Collector {
 
     bool losing_ = false;
     Reading reading_;
-    std::int64_t current_ = -1;
-    std::int64_t unsound_ = -1;
+    int64_t current_ = -1;
+    int64_t unsound_ = -1;
 };
 
 void fail(const std::string& path, Status status, std::string_view detail) {
@@ -174,9 +174,9 @@ Reading Store::read(std::string_view table) {
 Reading Store::salvage() {
     constexpr int patience = 64;
     Collector collector(opening_fault_);
-    std::int64_t last = 0;
+    int64_t last = 0;
     for (int failures = 0; failures < 40 * patience; ++failures) {
-        const std::int64_t before = last;
+        const int64_t before = last;
         const Status status = collect(collector, last);
         if (status == Status::end) break;
         if (status != Status::damaged) require(status);
@@ -184,14 +184,14 @@ Reading Store::salvage() {
         if (last != before) {
             failures = 0;
         } else {
-            last += std::int64_t{1} << (failures / patience);
+            last += int64_t{1} << (failures / patience);
         }
     }
     return collector.take();
 }
 
 // Everything behind the object LAST, which becomes the last one that was read.
-Status Store::collect(Collector& collector, std::int64_t& last) {
+Status Store::collect(Collector& collector, int64_t& last) {
     Cursor cursor;
     Row row;
     Status status = database_.list(cursor, {}, last);
@@ -202,9 +202,9 @@ Status Store::collect(Collector& collector, std::int64_t& last) {
     return status;
 }
 
-std::optional<std::int64_t> Store::find(const std::string& table, const std::string& object, std::size_t nth) {
+std::optional<int64_t> Store::find(const std::string& table, const std::string& object, size_t nth) {
     if (nth == 1) {
-        std::int64_t id = 0;
+        int64_t id = 0;
         const Status status = database_.find_object(table, object, id);
         if (status == Status::not_found) return std::nullopt;
         require(status);
@@ -214,7 +214,7 @@ std::optional<std::int64_t> Store::find(const std::string& table, const std::str
     const std::vector<Place> found = places(reading.contents);
     const auto place = std::ranges::find(found, Place{table, object, nth});
     if (place == found.end()) return std::nullopt;
-    return reading.ids[static_cast<std::size_t>(place - found.begin())];
+    return reading.ids[static_cast<size_t>(place - found.begin())];
 }
 
 }  // namespace cfql::tool

@@ -1,8 +1,7 @@
 // The store's file as the tool uses it: every failure is a Failure with place and remedy.
-#ifndef CFQL_TOOL_STORE_H
-#define CFQL_TOOL_STORE_H
+#pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,7 +16,7 @@ namespace cfql::tool {
 
 struct Reading {
     Contents contents;
-    std::vector<std::int64_t> ids;    // of the objects, in the same order
+    std::vector<int64_t> ids;         // of the objects, in the same order
     std::vector<std::string> damage;  // one line for each object or value that is left out because it is damaged
 };
 
@@ -37,7 +36,7 @@ class Store {
     Reading salvage();
 
     // The id of the NTH object of that name, counted from 1 in order of insertion.
-    std::optional<std::int64_t> find(const std::string& table, const std::string& object, std::size_t nth);
+    std::optional<int64_t> find(const std::string& table, const std::string& object, size_t nth);
 
     // What kept the store itself from being opened, so that a copy is salvaged; empty when it could be.
     const std::string& opening_fault() const { return opening_fault_; }
@@ -46,7 +45,7 @@ class Store {
     const std::string& path() const { return path_; }
 
   private:
-    Status collect(Collector& collector, std::int64_t& last);
+    Status collect(Collector& collector, int64_t& last);
 
     std::string path_;
     std::string opening_fault_;
@@ -64,5 +63,3 @@ void complain_of_damage(const Store& store, const Reading& reading);
 std::string described(const Place& place);
 
 }  // namespace cfql::tool
-
-#endif

@@ -1,8 +1,8 @@
 #include "text.h"
 
+#include <stdint.h>
 #include <algorithm>
 #include <array>
-#include <cstdint>
 
 namespace cfql::tool {
 
@@ -10,14 +10,14 @@ namespace {
 
 constexpr std::string_view hex_digits = "0123456789abcdef";
 
-std::uint8_t octet_at(std::string_view text, std::size_t position) {
-    return static_cast<std::uint8_t>(text[position]);
+uint8_t octet_at(std::string_view text, size_t position) {
+    return static_cast<uint8_t>(text[position]);
 }
 
 struct Sequence {
-    std::uint8_t lead_first, lead_last;
-    std::uint8_t second_first, second_last;
-    std::size_t length;
+    uint8_t lead_first, lead_last;
+    uint8_t second_first, second_last;
+    size_t length;
 };
 
 // RFC 3629, section 4: the second octet's range is what rules out overlong forms and surrogates.
@@ -33,17 +33,17 @@ constexpr std::array<Sequence, 9> sequences = {{
     {0xf4, 0xf4, 0x80, 0x8f, 4},
 }};
 
-bool within(std::uint8_t octet, std::uint8_t first, std::uint8_t last) {
+bool within(uint8_t octet, uint8_t first, uint8_t last) {
     return octet >= first && octet <= last;
 }
 
 // Length of the UTF-8 sequence that TEXT begins with; 0 when it begins with none.
-std::size_t sequence_length(std::string_view text) {
+size_t sequence_length(std::string_view text) {
     for (const Sequence& form : sequences) {
         if (!within(octet_at(text, 0), form.lead_first, form.lead_last)) continue;
         if (text.size() < form.length) return 0;
         if (form.length > 1 && !within(octet_at(text, 1), form.second_first, form.second_last)) return 0;
-        for (std::size_t i = 2; i < form.length; ++i) {
+        for (size_t i = 2; i < form.length; ++i) {
             if (!within(octet_at(text, i), 0x80, 0xbf)) return 0;
         }
         return form.length;
@@ -71,7 +71,7 @@ constexpr std::pair<char32_t, char32_t> controls[] = {
 
 std::optional<unsigned> digit_value(char digit) {
     if (digit >= 'A' && digit <= 'F') digit = static_cast<char>(digit - 'A' + 'a');
-    const std::size_t value = hex_digits.find(digit);
+    const size_t value = hex_digits.find(digit);
     if (value == std::string_view::npos) return std::nullopt;
     return static_cast<unsigned>(value);
 }
@@ -81,7 +81,7 @@ std::optional<unsigned> digit_value(char digit) {
 char32_t Character::number() const {
     if (octets.size() == 1) return octet_at(octets, 0);
     char32_t number = octet_at(octets, 0) & (0x7fU >> octets.size());
-    for (std::size_t i = 1; i < octets.size(); ++i)
+    for (size_t i = 1; i < octets.size(); ++i)
         number = number << 6 | (octet_at(octets, i) & 0x3fU);
     return number;
 }
@@ -99,8 +99,8 @@ bool Character::is_control() const {
 }
 
 Character first_character(std::string_view octets) {
-    const std::size_t length = sequence_length(octets);
-    return {octets.substr(0, std::max<std::size_t>(length, 1)), length != 0};
+    const size_t length = sequence_length(octets);
+    return {octets.substr(0, std::max<size_t>(length, 1)), length != 0};
 }
 
 bool is_utf8(std::string_view octets) {
@@ -114,7 +114,7 @@ bool is_utf8(std::string_view octets) {
 
 std::string to_hex(std::string_view octets) {
     std::string digits;
-    for (std::size_t i = 0; i < octets.size(); ++i) {
+    for (size_t i = 0; i < octets.size(); ++i) {
         digits += hex_digits[octet_at(octets, i) >> 4];
         digits += hex_digits[octet_at(octets, i) & 15];
     }
@@ -124,7 +124,7 @@ std::string to_hex(std::string_view octets) {
 std::optional<std::string> from_hex(std::string_view digits) {
     if (digits.size() % 2 != 0) return std::nullopt;
     std::string octets;
-    for (std::size_t i = 0; i < digits.size(); i += 2) {
+    for (size_t i = 0; i < digits.size(); i += 2) {
         const std::optional<unsigned> high = digit_value(digits[i]);
         const std::optional<unsigned> low = digit_value(digits[i + 1]);
         if (!high || !low) return std::nullopt;
@@ -159,7 +159,7 @@ std::string quoted(std::string_view octets) {
     return '"' + printable(octets) + '"';
 }
 
-std::string counted(std::size_t count, std::string_view noun) {
+std::string counted(size_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 

@@ -1,6 +1,5 @@
 // Octets of the store as text for people and for TOML.
-#ifndef CFQL_TOOL_TEXT_H
-#define CFQL_TOOL_TEXT_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -40,7 +39,7 @@ std::string printable(std::string_view octets);
 std::string quoted(std::string_view octets);
 
 // "1 value", "2 values"
-std::string counted(std::size_t count, std::string_view noun);
+std::string counted(size_t count, std::string_view noun);
 
 // Key material. "wep-key-mapping-length" bears the prefix, too, but is a plain number.
 bool is_secret(std::string_view key);
@@ -52,5 +51,3 @@ inline constexpr std::string_view mask = "********";
 std::string refusal_of_mask(std::string_view key, std::string_view value);
 
 }  // namespace cfql::tool
-
-#endif

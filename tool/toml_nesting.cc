@@ -7,8 +7,8 @@ namespace cfql::tool {
 namespace {
 
 // Contents of a store need two names, as in `key.hex = "ff"`, and three brackets, as in `interface = [{ssid = {...}}]`.
-constexpr std::size_t most_names = 8;
-constexpr std::size_t most_brackets = 8;
+constexpr size_t most_names = 8;
+constexpr size_t most_brackets = 8;
 constexpr const char* too_many_names = "more than 8 names joined by dots";
 constexpr const char* too_many_brackets = "brackets are nested more than 8 deep";
 
@@ -57,14 +57,14 @@ class Scanner {
         }
     }
 
-    bool is_at(std::size_t position, char octet, std::size_t count) const {
+    bool is_at(size_t position, char octet, size_t count) const {
         return position < text_.size() &&
                text_.substr(position, count) == std::string_view{octet == '"' ? "\"\"\"" : "'''"}.substr(0, count);
     }
 
     // Leaves at_ on the last octet of the text in quotes.
     void skip_quoted(char quote) {
-        const std::size_t width = is_at(at_, quote, 3) ? 3 : 1;
+        const size_t width = is_at(at_, quote, 3) ? 3 : 1;
         for (at_ += width; at_ < text_.size() && !is_at(at_, quote, width); ++at_) {
             if (quote == '"' && text_[at_] == '\\') ++at_;
         }
@@ -76,17 +76,17 @@ class Scanner {
 
     Excess excess(const char* what) const {
         const std::string_view before = text_.substr(0, at_);
-        const auto lines = static_cast<std::size_t>(std::ranges::count(before, '\n'));
+        const auto lines = static_cast<size_t>(std::ranges::count(before, '\n'));
         const std::string_view line = before.substr(before.rfind('\n') + 1);
-        const auto characters = static_cast<std::size_t>(std::ranges::count_if(
+        const auto characters = static_cast<size_t>(std::ranges::count_if(
             line, [](char octet) { return (static_cast<unsigned char>(octet) & 0xc0U) != 0x80; }));
         return {lines + 1, characters + 1, what};
     }
 
     std::string_view text_;
-    std::size_t at_ = 0;
-    std::size_t dots_ = 0;      // of the name at hand
-    std::size_t brackets_ = 0;  // that are open
+    size_t at_ = 0;
+    size_t dots_ = 0;      // of the name at hand
+    size_t brackets_ = 0;  // that are open
 };
 
 }  // namespace

@@ -1,9 +1,8 @@
 // How deep a TOML text is nested, found out before it is parsed: the parser, and what takes its trees apart, go down by
 // recursion.
-#ifndef CFQL_TOOL_TOML_NESTING_H
-#define CFQL_TOOL_TOML_NESTING_H
+#pragma once
 
-#include <cstddef>
+#include <stddef.h>
 #include <optional>
 #include <string_view>
 
@@ -11,12 +10,10 @@ namespace cfql::tool {
 
 // Where a text first goes deeper than any contents of a store do; line and column count from 1.
 struct Excess {
-    std::size_t line;
-    std::size_t column;
+    size_t line;
+    size_t column;
     const char* what;
 };
 std::optional<Excess> excess_of_nesting(std::string_view text);
 
 }  // namespace cfql::tool
-
-#endif

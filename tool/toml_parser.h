@@ -1,6 +1,5 @@
 // The TOML parser, made safe for any input. Every use of it includes it through this file.
-#ifndef CFQL_TOOL_TOML_PARSER_H
-#define CFQL_TOOL_TOML_PARSER_H
+#pragma once
 
 // Some of the parser's assertions are wrong: "[[" at the end of a line meets one and is then refused in good order.
 // Without assertions they must not become assumptions either, which is what NDEBUG makes of them.
@@ -19,5 +18,3 @@
 #define TOML_UNREACHABLE __builtin_unreachable()
 
 #include <toml++/toml.h>
-
-#endif

@@ -79,7 +79,7 @@ class Reader {
         const toml::table* table;
     };
 
-    [[noreturn]] void fail(std::size_t line, std::size_t column, const std::string& what) const {
+    [[noreturn]] void fail(size_t line, size_t column, const std::string& what) const {
         throw Failure(Exit::input,
                       std::string(source_) + ':' + std::to_string(line) + ':' + std::to_string(column) + ": " + what);
     }
@@ -101,7 +101,7 @@ class Reader {
         std::vector<Block> found;
         for (const auto& [key, node] : root) {
             const toml::array* array = node.as_array();
-            if (array == nullptr) fail(key.source(), misplaced(key.str(), node));
+            if (!array) fail(key.source(), misplaced(key.str(), node));
             for (const toml::node& element : *array) {
                 if (!element.is_table())
                     fail(element.source(), "expected a block such as [[" + key_text(key.str()) + "]]");
@@ -148,7 +148,7 @@ class Reader {
     }
 
     void allow(const toml::source_region& where, const char* refusal) const {
-        if (refusal != nullptr) fail(where, refusal);
+        if (refusal) fail(where, refusal);
     }
 
     std::string octets(const toml::key& key) const {
@@ -160,9 +160,9 @@ class Reader {
     std::string value(std::string_view key, const toml::node& node) const {
         if (const toml::value<std::string>* text = node.as_string()) return text->get();
         const toml::table* table = node.as_table();
-        if (table != nullptr && table->size() == 1) {
+        if (table && table->size() == 1) {
             const toml::node* digits = table->get("hex");
-            if (digits != nullptr && digits->is_string()) return hex(digits->source(), digits->as_string()->get());
+            if (digits && digits->is_string()) return hex(digits->source(), digits->as_string()->get());
         }
         fail(node.source(),
              "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }");

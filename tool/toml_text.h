@@ -5,8 +5,7 @@
 //     ssid = "Guests"                every value is a text
 //     raw = { hex = "c328" }         a text that is not UTF-8, by its octets
 //     "hex:6bff" = "x"               a table or key that is not UTF-8, or that begins with "hex:"
-#ifndef CFQL_TOOL_TOML_TEXT_H
-#define CFQL_TOOL_TOML_TEXT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -23,5 +22,3 @@ std::string to_toml(const Contents& contents);
 Contents from_toml(std::string_view text, std::string_view source);
 
 }  // namespace cfql::tool
-
-#endif

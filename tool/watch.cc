@@ -19,7 +19,7 @@ using ByPlace = std::map<Place, const Object*>;
 ByPlace by_place(const Contents& contents) {
     ByPlace found;
     const std::vector<Place> all = places(contents);
-    for (std::size_t i = 0; i < all.size(); ++i)
+    for (size_t i = 0; i < all.size(); ++i)
         found.emplace(all[i], &contents[i]);
     return found;
 }

@@ -3,9 +3,9 @@
 // A family that copies keeps one static buffer for each column.
 #pragma once
 
+#include <stdint.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
 
 #include "access/columns.h"
 #include "util/error_status.h"

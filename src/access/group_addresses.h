@@ -2,8 +2,8 @@
 // stored nowhere.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 namespace dot11 {
 

@@ -1,6 +1,6 @@
 #include "access/hooks.h"
 
-#include <cstdlib>
+#include <stdlib.h>
 
 #include "access/iterator.h"
 #include "access/tables.h"

@@ -1,7 +1,7 @@
 // The routines by which the agent's table iterator walks each table, and by which the handler makes and ends rows.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 #include "util/net_snmp.h"
 

@@ -1,8 +1,8 @@
 // dot11PhyHRDSSSTable (1.2.840.10036.4.12): no row stands behind it, and a walk finds none.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 namespace dot11 {
 

@@ -2,10 +2,10 @@
 
 #include <sys/time.h>
 
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
 #include <array>
-#include <cstdlib>
-#include <cstring>
-#include <ctime>
 
 #include "store/interfaces.h"
 

@@ -4,8 +4,8 @@
 // its index values in the index varbinds.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 
 #include "access/table.h"
 #include "util/net_snmp.h"

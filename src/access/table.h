@@ -6,8 +6,8 @@
 // if_nametoindex of its own. tests/unit/tables_test.cc is such a program, and shows how rows are read.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <stddef.h>
+#include <stdint.h>
 #include <span>
 
 #include "checks/checks.h"

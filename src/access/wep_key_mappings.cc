@@ -1,6 +1,6 @@
 #include "access/wep_key_mappings.h"
 
-#include <cstring>
+#include <string.h>
 
 #include "access/accessors.h"
 #include "access/tables.h"

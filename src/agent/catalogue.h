@@ -1,7 +1,7 @@
 // The tables as the agent gets them.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <span>
 
 #include "access/hooks.h"

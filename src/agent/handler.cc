@@ -1,7 +1,7 @@
 #include "agent/handler.h"
 
-#include <cstdlib>
-#include <cstring>
+#include <stdlib.h>
+#include <string.h>
 
 #include "agent/set_records.h"
 #include "util/error_status.h"

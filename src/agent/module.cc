@@ -1,6 +1,6 @@
 #include "agent/module.h"
 
-#include <cstdlib>
+#include <stdlib.h>
 
 #include "agent/options.h"
 

@@ -1,6 +1,6 @@
 #include "agent/options.h"
 
-#include <cstdlib>
+#include <stdlib.h>
 
 #include "access/iterator.h"
 #include "agent/handler.h"

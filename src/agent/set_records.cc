@@ -1,8 +1,8 @@
 #include "agent/set_records.h"
 
+#include <stdlib.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 
 #include "access/table.h"
 

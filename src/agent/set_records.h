@@ -9,7 +9,7 @@
 // their PDU.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <span>
 
 #include "util/net_snmp.h"

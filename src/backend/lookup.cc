@@ -1,8 +1,8 @@
 #include "backend/lookup.h"
 
+#include <stdlib.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 
 #include "util/convert.h"
 

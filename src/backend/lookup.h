@@ -1,7 +1,7 @@
 // From a key of the store to a field of a row.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 #include "store/answer.h"
 

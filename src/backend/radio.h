@@ -1,7 +1,7 @@
 // The way from an interface to its radio: the interface names its BSS, the BSS its radio.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 #include "backend/lookup.h"
 #include "store/answer.h"

@@ -1,7 +1,7 @@
 // The arrays of rows.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 namespace dot11 {
 

@@ -1,7 +1,7 @@
 #include "checks/checks.h"
 
-#include <cstdint>
-#include <cstring>
+#include <stdint.h>
+#include <string.h>
 
 #include "util/error_status.h"
 

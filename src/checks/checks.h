@@ -23,7 +23,7 @@
 // The checks have no state. Some belong to columns of tables that are not served.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 namespace dot11 {
 

@@ -1,7 +1,7 @@
 #include "store/answer.h"
 
-#include <cstdlib>
-#include <cstring>
+#include <stdlib.h>
+#include <string.h>
 
 namespace dot11 {
 

@@ -1,7 +1,7 @@
 // An answer of the configuration store, and the single-key lookup in it.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 #include <span>
 
 #include "cfqlquery.h"

@@ -2,8 +2,8 @@
 
 #include <net/if.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <stdlib.h>
+#include <string.h>
 
 namespace dot11 {
 

@@ -1,9 +1,9 @@
 // The wireless interfaces that the configuration store lists and the running system has.
 #pragma once
 
+#include <stddef.h>
+#include <stdint.h>
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
 
 #include "cfqlquery.h"
 

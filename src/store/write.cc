@@ -1,6 +1,6 @@
 #include "store/write.h"
 
-#include <cstring>
+#include <string.h>
 
 #include "cfqlquery.h"
 #include "util/convert.h"

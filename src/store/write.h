@@ -3,8 +3,8 @@
 
 #include <net/if.h>
 
-#include <cstdint>
-#include <cstdlib>
+#include <stdint.h>
+#include <stdlib.h>
 
 #include "store/answer.h"
 

@@ -1,9 +1,9 @@
 #include "util/convert.h"
 
+#include <ctype.h>
+#include <stdlib.h>
+#include <string.h>
 #include <algorithm>
-#include <cctype>
-#include <cstdlib>
-#include <cstring>
 
 namespace dot11 {
 

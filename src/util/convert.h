@@ -5,7 +5,7 @@
 // routine but ConvertHexaToBinary keeps state between calls.
 #pragma once
 
-#include <cstdint>
+#include <stdint.h>
 
 namespace dot11 {
 

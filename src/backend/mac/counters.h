@@ -1,7 +1,7 @@
 // dot11CountersTable: one row for each wireless interface, with the counters that the platform keeps in the store.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "store/answer.h"
 #include "store/interfaces.h"

@@ -2,7 +2,7 @@
 
 #include <net/if.h>
 
-#include <cstring>
+#include <string.h>
 
 #include "backend/lookup.h"
 #include "backend/radio.h"

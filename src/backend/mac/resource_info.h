@@ -2,7 +2,7 @@
 // it.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "store/answer.h"
 #include "store/interfaces.h"

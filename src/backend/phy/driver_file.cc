@@ -2,9 +2,9 @@
 
 #include <sys/stat.h>
 
+#include <stdio.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
 
 namespace dot11 {
 

@@ -1,7 +1,7 @@
 // Values in the wireless driver's information files, whose lines have the form name=value.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 namespace dot11 {
 

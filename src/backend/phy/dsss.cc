@@ -2,9 +2,9 @@
 
 #include <net/if.h>
 
+#include <stdio.h>
+#include <stdlib.h>
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 #include "backend/lookup.h"
 #include "backend/phy/driver_file.h"

@@ -3,10 +3,10 @@
 #include <net/if.h>
 #include <sys/time.h>
 
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
 #include "store/answer.h"
 #include "util/convert.h"

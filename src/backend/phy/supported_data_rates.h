@@ -7,7 +7,7 @@
 // calls.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "cfqlquery.h"
 #include "store/answer.h"

@@ -2,7 +2,7 @@
 
 #include <net/if.h>
 
-#include <cstring>
+#include <string.h>
 #include <iterator>
 
 #include "backend/lookup.h"

@@ -1,7 +1,7 @@
 // dot11AuthenticationAlgorithmsTable: two rows for each wireless interface, open system and shared key (IEEE 802.11).
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "store/answer.h"
 #include "store/interfaces.h"

@@ -1,7 +1,7 @@
 // dot11PrivacyTable: one row for each wireless interface.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "store/answer.h"
 #include "store/interfaces.h"

@@ -2,9 +2,9 @@
 
 #include <net/if.h>
 
+#include <stdlib.h>
+#include <string.h>
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 
 #include "backend/lookup.h"
 #include "backend/phy/supported_data_rates.h"

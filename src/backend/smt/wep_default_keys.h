@@ -2,7 +2,7 @@
 // copied between the store and the agent and nowhere else, and the copies on the way are wiped.
 #pragma once
 
-#include <cstddef>
+#include <stddef.h>
 
 #include "store/answer.h"
 #include "store/interfaces.h"
