@@ -52,10 +52,7 @@ bool is_gone(int error) {
 
 Writer::Result Collector::load() {
     Writer::Result result = parts_.writer.load();
-    for (const auto& [name, values] : parts_.writer.held()) {
-        const std::optional<uint32_t> index = index_of(values);
-        if (name.table == interface_table && index) left_by_earlier_run_[*index] = values;
-    }
+    left_by_earlier_run_ = left_in(parts_.writer.held());
     return result;
 }
 
@@ -72,8 +69,13 @@ Collector::State& Collector::state(const Interface& interface) {
     State& made = states_[interface.index];
     if (has_looked_) return made;
     const auto left = left_by_earlier_run_.find(interface.index);
-    made.counters = Accumulator(left == left_by_earlier_run_.end() ? Totals() : totals_of(left->second));
-    if (left != left_by_earlier_run_.end()) made.sent = sent_of(left->second);
+    if (left == left_by_earlier_run_.end()) {
+        made.counters = Accumulator(Totals());
+    } else {
+        made.counters = Accumulator(left->second.totals);
+        made.sent = left->second.sent;
+        made.hostapd = left->second.hostapd;
+    }
     return made;
 }
 
@@ -132,8 +134,9 @@ void Collector::read_radios(int64_t now) {
     }
 }
 
-void Collector::say_of_hostapd(const std::string& interface, Answer answer, int64_t now) {
+void Collector::say_of_hostapd(const Interface& of, Answer answer, int64_t now) {
     Log& log = parts_.log;
+    const std::string& interface = of.name;
     const std::string socket = parts_.hostapd.directory() + '/' + interface;
     const std::string cause = "hostapd:" + interface;
     switch (answer) {
@@ -158,6 +161,8 @@ void Collector::say_of_hostapd(const std::string& interface, Answer answer, int6
                 now);
         case Answer::late:
         case Answer::skipped:
+            // A busy machine is late now and then.
+            if (!parts_.hostapd.is_hung(interface, of.radio)) return;
             return log.holds(
                 cause, Level::warning,
                 interface + ": hostapd does not answer at " + socket + ": what it said before stands; restart it", now);
@@ -173,7 +178,7 @@ void Collector::say_of_hostapd(const std::string& interface, Answer answer, int6
 bool Collector::ask_hostapd(const Interface& interface, int64_t now) {
     HostapdBss bss;
     const Answer answer = parts_.hostapd.ask(interface.name, interface.radio, bss);
-    say_of_hostapd(interface.name, answer, now);
+    say_of_hostapd(interface, answer, now);
     if (answer != Answer::told) return false;
     state(interface).hostapd = bss;
     return bss.enabled;
@@ -288,6 +293,22 @@ void Collector::take_frames() {
     events_.frames.clear();
 }
 
+// Also those of interfaces that are not served now, for a collector that is restarted before they are again.
+void Collector::hand_over_counts() {
+    for (const auto& [index, state] : states_) {
+        const uint32_t wanted = index;
+        const auto served = std::ranges::find_if(
+            observed_.access_points, [&](const AccessPoint& point) { return point.interface.index == wanted; });
+        if (served != observed_.access_points.end()) {
+            served->totals = state.counters.totals();
+            served->stations = state.counters.stations();
+            served->sent = state.sent;
+        } else {
+            observed_.resting.push_back({index, state.counters.totals(), state.sent});
+        }
+    }
+}
+
 bool Collector::look(int64_t now) {
     observed_ = {};
     observed_.manufacturer = manufacturer_;
@@ -311,12 +332,7 @@ bool Collector::look(int64_t now) {
     }
     take_frames();
     count();
-    for (AccessPoint& point : observed_.access_points) {
-        const State& state = states_[point.interface.index];
-        point.totals = state.counters.totals();
-        point.stations = state.counters.stations();
-        point.sent = state.sent;
-    }
+    hand_over_counts();
     for (const char* of_an_interface : {"row:", "hostapd:", "stations:", "radio:"})
         parts_.log.end_others(of_an_interface, "", now, now);
     has_looked_ = true;

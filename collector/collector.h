@@ -66,12 +66,13 @@ class Collector {
     bool read_interfaces(int64_t now);
     void read_radios(int64_t now);
     bool ask_hostapd(const Interface& interface, int64_t now);
-    void say_of_hostapd(const std::string& interface, Answer answer, int64_t now);
+    void say_of_hostapd(const Interface& interface, Answer answer, int64_t now);
     void look_at(const Interface& interface, int64_t now);
     void leave_out(const Interface& interface, const std::string& cause, int64_t now);
     bool add_stations(AccessPoint& point, int64_t now);
     void add_group_key(AccessPoint& point, int64_t now);
     void count();
+    void hand_over_counts();
     void take_frames();
     bool acks_count(const Interface& interface) const;
 
@@ -83,7 +84,7 @@ class Collector {
     std::vector<Interface> interfaces_;  // of the present look
     std::map<uint32_t, State> states_;
     std::map<uint32_t, Stations> stations_;  // of the present look
-    std::map<uint32_t, Values> left_by_earlier_run_;
+    std::map<uint32_t, Left> left_by_earlier_run_;
     bool has_looked_ = false;
     bool under_way_ = false;
 };

@@ -126,6 +126,7 @@ void put_interface(Object object, const AccessPoint& point, const Observed& obse
     object.put("type", served_type);
     object.put("bss", point.name);
     object.put(index_key, std::to_string(interface.index));
+    if (point.hostapd) object.put(hostapd_key, hostapd_told);
     object.put("mac", mac_text(interface.mac));
     const std::string ssid = point.hostapd && point.hostapd->ssid ? *point.hostapd->ssid : interface.ssid;
     object.put("ssid", ssid.substr(0, ssid.find('\0')));
@@ -195,6 +196,21 @@ void put_radio(Object object, const AccessPoint& point, const Observed& observed
     put_threshold(object, "fragmentation-threshold", radio->fragmentation, default_fragmentation);
 }
 
+bool has_counted(const Totals& totals) {
+    return totals.transmitted != 0 || totals.failed != 0 || totals.received != 0 ||
+           totals.unacknowledged.value_or(0) != 0 || totals.bad_checksums.value_or(0) != 0;
+}
+
+void add_resting(Contents& made, const Resting& resting) {
+    if (!has_counted(resting.totals) && resting.sent == LastSent()) return;
+    const std::string index = std::to_string(resting.index);
+    Object object(made[{std::string(collector_table), index}]);
+    object.put(origin_key, origin);
+    object.put(index_key, index);
+    put_sent(object, resting.sent);
+    put_totals(object, resting.totals);
+}
+
 // The operator's values go under the live ones.
 void put_configured(Contents& made, const AccessPoint& point, const Configuration& configuration) {
     for (const std::string_view table : {all_interfaces, std::string_view(point.interface.name)}) {
@@ -216,6 +232,60 @@ void add_access_point(Contents& made, const AccessPoint& point, const Observed& 
     put_interface(Object(object(interface_table)), point, observed);
     put_bss(Object(object(bss_table)), point);
     put_radio(Object(object(radio_table)), point, observed);
+}
+
+Totals totals_of(const Values& object) {
+    Totals totals;
+    totals.transmitted = number_of<uint64_t>(object, transmitted_key).value_or(0);
+    totals.failed = number_of<uint64_t>(object, failed_key).value_or(0);
+    totals.received = number_of<uint64_t>(object, received_key).value_or(0);
+    totals.unacknowledged = number_of<uint64_t>(object, unacknowledged_key);
+    totals.bad_checksums = number_of<uint64_t>(object, bad_checksums_key);
+    return totals;
+}
+
+LastSent sent_of(const Values& object) {
+    LastSent sent;
+    for (size_t i = 0; i < sent.size(); ++i) {
+        const auto code = number_of<uint16_t>(object, sent_keys[i].code);
+        const auto station = object.find(sent_keys[i].station);
+        if (!code || station == object.end()) continue;
+        const std::optional<Mac> mac = mac_of(station->second);
+        if (mac) sent[i] = Sent{static_cast<Told>(i), *code, *mac};
+    }
+    return sent;
+}
+
+std::string text_of(const Values& values, std::string_view key) {
+    const auto found = values.find(key);
+    return found == values.end() ? std::string() : found->second;
+}
+
+// The reverse of wpa_text().
+void read_wpa_text(std::string_view text, HostapdBss& bss) {
+    bss.suites = "";
+    for (const auto& [version, bit] : {std::pair(std::string_view("wpa"), 1), std::pair(std::string_view("wpa2"), 2)}) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        if (word != version) continue;
+        bss.wpa = static_cast<uint8_t>(bss.wpa | bit);
+        text.remove_prefix(std::min(text.size(), word.size() + 1));
+    }
+    if (bss.wpa != 0) bss.suites = std::string(text);
+}
+
+std::optional<HostapdBss> hostapd_of(const Values& interface, const Contents& held, const std::string& name) {
+    if (text_of(interface, hostapd_key) != hostapd_told) return std::nullopt;
+    HostapdBss bss;
+    bss.enabled = true;
+    if (const std::string ssid = text_of(interface, "ssid"); !ssid.empty()) bss.ssid = ssid;
+    read_wpa_text(text_of(interface, "security"), bss);
+    const auto object = [&](std::string_view table) {
+        const auto found = held.find({std::string(table), name});
+        return found == held.end() ? Values() : found->second;
+    };
+    bss.dtim = number_of<uint32_t>(object(bss_table), "dtim-period");
+    bss.beacon = number_of<uint32_t>(object(radio_table), "beacon-interval");
+    return bss;
 }
 
 }  // namespace
@@ -294,6 +364,8 @@ Contents contents(const Observed& observed, const Configuration& configuration) 
     Contents made;
     for (const AccessPoint& point : observed.access_points)
         add_access_point(made, point, observed, configuration);
+    for (const Resting& resting : observed.resting)
+        add_resting(made, resting);
     const Regulatory* rules = world(observed);
     if (rules && std::ranges::all_of(rules->country, is_letter)) {
         made[{std::string(system_table), ""}] = {{std::string(country_key), rules->country},
@@ -302,30 +374,14 @@ Contents contents(const Observed& observed, const Configuration& configuration) 
     return made;
 }
 
-Totals totals_of(const Values& object) {
-    Totals totals;
-    totals.transmitted = number_of<uint64_t>(object, transmitted_key).value_or(0);
-    totals.failed = number_of<uint64_t>(object, failed_key).value_or(0);
-    totals.received = number_of<uint64_t>(object, received_key).value_or(0);
-    totals.unacknowledged = number_of<uint64_t>(object, unacknowledged_key);
-    totals.bad_checksums = number_of<uint64_t>(object, bad_checksums_key);
-    return totals;
-}
-
-LastSent sent_of(const Values& object) {
-    LastSent sent;
-    for (size_t i = 0; i < sent.size(); ++i) {
-        const auto code = number_of<uint16_t>(object, sent_keys[i].code);
-        const auto station = object.find(sent_keys[i].station);
-        if (!code || station == object.end()) continue;
-        const std::optional<Mac> mac = mac_of(station->second);
-        if (mac) sent[i] = Sent{static_cast<Told>(i), *code, *mac};
+std::map<uint32_t, Left> left_in(const Contents& held) {
+    std::map<uint32_t, Left> made;
+    for (const auto& [name, values] : held) {
+        const auto index = number_of<uint32_t>(values, index_key);
+        if (!index || (name.table != interface_table && name.table != collector_table)) continue;
+        made[*index] = {totals_of(values), sent_of(values), hostapd_of(values, held, name.name)};
     }
-    return sent;
-}
-
-std::optional<uint32_t> index_of(const Values& object) {
-    return number_of<uint32_t>(object, index_key);
+    return made;
 }
 
 }  // namespace collector

@@ -38,10 +38,16 @@ std::string plain(std::string_view text);
 
 Contents contents(const Observed& observed, const Configuration& configuration);
 
-// The reverse, for a restart: what an interface object of the collector's holds of the interface INDEX. Nothing when it
-// is another interface's.
-Totals totals_of(const Values& object);
-LastSent sent_of(const Values& object);
-std::optional<uint32_t> index_of(const Values& object);
+// The reverse, for a restart: what the store still holds of an interface.
+struct Left {
+    Totals totals;
+    LastSent sent;
+    std::optional<HostapdBss> hostapd;
+
+    bool operator==(const Left&) const = default;
+};
+
+// By the interfaces' indexes. `held` are the collector's objects; texts that it would not have written count for nothing.
+std::map<uint32_t, Left> left_in(const Contents& held);
 
 }  // namespace collector

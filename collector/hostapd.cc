@@ -260,6 +260,11 @@ void Hostapd::was_late(const std::string& name) {
     if (++peer.late_passes >= patience) peer.not_before = now_ + long_pause;
 }
 
+bool Hostapd::is_hung(const std::string& interface, uint32_t radio) const {
+    const auto late = late_.find(key(interface, radio));
+    return late != late_.end() && late->second.late_passes >= patience;
+}
+
 Answer Hostapd::ask(const std::string& interface, uint32_t radio, HostapdBss& bss) {
     const std::string peer = key(interface, radio);
     const auto late = late_.find(peer);

@@ -54,6 +54,9 @@ class Hostapd {
     // theirs.
     virtual Answer ask(const std::string& interface, uint32_t radio, HostapdBss& bss);
 
+    // It was late in `patience` passes and has not answered since.
+    virtual bool is_hung(const std::string& interface, uint32_t radio) const;
+
   private:
     // One hostapd serves many sockets; it is known by its process once it has answered, until then by its radio.
     struct Peer {

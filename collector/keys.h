@@ -20,6 +20,13 @@ inline constexpr std::string_view origin = "cfql-collector";
 // The index of the interface whose counters an object holds.
 inline constexpr std::string_view index_key = cfql::tool::origin_index_key;
 
+// That hostapd told what an interface object and its BSS and radio say of SSID, security and beacons.
+inline constexpr std::string_view hostapd_key = cfql::tool::origin_hostapd_key;
+inline constexpr std::string_view hostapd_told = "told";
+
+// Objects of this table hold what a restart needs of interfaces that are not served; each is named after the index.
+using cfql::tool::collector_table;
+
 // The "type" of an interface that the agent serves.
 inline constexpr std::string_view served_type = "service-set";
 

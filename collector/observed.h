@@ -93,6 +93,8 @@ struct HostapdBss {
     std::optional<uint32_t> dtim;
     std::optional<std::string> suites;  // key management of WPA, in hostapd's words; empty: no WPA
     uint8_t wpa = 0;                    // 1 WPA, 2 WPA2 and later, 3 both
+
+    bool operator==(const HostapdBss&) const = default;
 };
 
 // 64-bit sums over all stations that an interface has had.
@@ -131,8 +133,16 @@ struct LeftOut {
     std::string cause;
 };
 
+// Of an interface that is not served now and may be again.
+struct Resting {
+    uint32_t index = 0;
+    Totals totals;
+    LastSent sent;
+};
+
 struct Observed {
     std::vector<AccessPoint> access_points;  // those that are served
+    std::vector<Resting> resting;
     std::vector<LeftOut> left_out;
     std::vector<Radio> radios;
     std::vector<Regulatory> regulatory;

@@ -33,9 +33,13 @@ bool is_known_table(std::string_view table);
 // Why the agent would never read KEY in TABLE, with the name that may have been meant; empty when it may.
 std::string typing_error(std::string_view table, std::string_view key);
 
-// Keys of the collector's, which the agent does not read: that an object is the collector's, and the index of the
-// interface that its counters belong to.
+// Keys of the collector's, which the agent does not read: that an object is the collector's, the index of the interface
+// that its counters belong to, and that hostapd told of it.
 inline constexpr std::string_view origin_key = "origin";
 inline constexpr std::string_view origin_index_key = "origin-index";
+inline constexpr std::string_view origin_hostapd_key = "origin-hostapd";
+
+// A table of the collector's, which the agent does not read either: counters of interfaces that are not served now.
+inline constexpr std::string_view collector_table = "collector";
 
 }  // namespace cfql::tool

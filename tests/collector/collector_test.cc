@@ -67,7 +67,9 @@ struct FakeHostapd : Hostapd {
         if (answer == Answer::told) bss = told;
         return answer;
     }
+    bool is_hung(const std::string&, std::uint32_t) const override { return hung; }
     Answer answer = Answer::absent;
+    bool hung = true;
     HostapdBss told = {true, "lab", 100, 2, "WPA-PSK", 2};
 };
 
@@ -222,6 +224,98 @@ TEST_F(CollectorTest, CountersGoOnOverARestartOfTheAccessPoint) {
     pass();
     EXPECT_EQ(get("received-fragment-count"), "13");
     EXPECT_EQ(get("transmitted-frame-count"), "25");
+}
+
+// The access point stops, the collector is restarted, the access point starts again: in any order.
+TEST_F(CollectorTest, CountersGoOnOverARestartOfBoth) {
+    kernel.all = {access_point(3, "wlan0")};
+    start();
+    pass();
+    kernel.present[3] = {5, {station(1, 10, 20, 2)}};
+    kernel.frames = {{3, deauthentication(3, 5)}};
+    pass();
+    kernel.all = {access_point(3, "wlan0", "")};
+    kernel.present.clear();
+    kernel.departed = {{3, 6, station(1, 0, 0).mac, Sample{12, 24, 3, 0, {}}}};
+    pass();
+    EXPECT_EQ(get("type"), "-");
+    EXPECT_EQ(get("received-fragment-count", "3", "collector"), "12");
+    for (int i = 0; i < 2; ++i) {
+        start();
+        pass();
+    }
+    kernel.all = {access_point(3, "wlan0")};
+    pass();
+    EXPECT_EQ(get("received-fragment-count"), "12");
+    EXPECT_EQ(get("transmitted-frame-count"), "21");
+    EXPECT_EQ(get("dot11-deauthenticate-reason"), "5");
+    EXPECT_EQ(get("received-fragment-count", "3", "collector"), "-");
+    kernel.present[3] = {8, {station(1, 1, 1)}};
+    pass();
+    EXPECT_EQ(get("received-fragment-count"), "13");
+    // Started again under another index it is another interface.
+    kernel.all = {access_point(3, "wlan0", "")};
+    kernel.present.clear();
+    pass();
+    kernel.all = {access_point(4, "wlan0")};
+    start();
+    pass();
+    EXPECT_EQ(get("received-fragment-count"), "0");
+    EXPECT_EQ(get("received-fragment-count", "3", "collector"), "-");
+}
+
+TEST_F(CollectorTest, WhatHostapdSaidComesBackAtARestart) {
+    kernel.all = {access_point(3, "wlan0")};
+    hostapd.answer = Answer::told;
+    start();
+    pass();
+    for (const Answer answer : {Answer::late, Answer::dead, Answer::absent, Answer::forbidden}) {
+        hostapd.answer = answer;
+        start();
+        for (int i = 0; i < 2; ++i) {
+            pass();
+            EXPECT_EQ(get("ssid"), "lab");
+            EXPECT_EQ(get("dtim-period", "wlan0", "bss"), "2");
+            EXPECT_EQ(get("open-system-authentication", "wlan0", "bss"), "on");
+            EXPECT_EQ(get("beacon-interval", "wlan0", "radio"), "100");
+            EXPECT_EQ(get("security"), "wpa2 WPA-PSK");
+        }
+    }
+    // Stopped, or under another index, it is not what hostapd spoke of.
+    kernel.all = {access_point(3, "wlan0", "")};
+    start();
+    pass();
+    kernel.all = {access_point(3, "wlan0")};
+    pass();
+    EXPECT_EQ(get("ssid"), "old");
+}
+
+TEST_F(CollectorTest, WhatTheKernelSaidDoesNotComeBackAsHostapds) {
+    kernel.all = {access_point(3, "wlan0", "first")};
+    start();
+    pass();
+    kernel.all = {access_point(3, "wlan0", "second")};
+    start();
+    pass();
+    EXPECT_EQ(get("ssid"), "second");
+}
+
+TEST_F(CollectorTest, AHostapdThatIsLateOnceIsNotToBeRestarted) {
+    kernel.all = {access_point(3, "wlan0")};
+    hostapd.answer = Answer::told;
+    start();
+    pass();
+    take();
+    hostapd.hung = false;
+    for (const Answer answer : {Answer::late, Answer::skipped}) {
+        hostapd.answer = answer;
+        pass();
+        EXPECT_EQ(take(), Lines());
+    }
+    hostapd.hung = true;
+    pass();
+    EXPECT_EQ(take(), Lines{"<4>cfql-collector: wlan0: hostapd does not answer at /run/hostapd/wlan0: what it said "
+                            "before stands; restart it"});
 }
 
 TEST_F(CollectorTest, StationsThatCannotBeListedWait) {

@@ -82,6 +82,7 @@ TEST(Contents, OfAnAccessPoint) {
         {{"interface", "0ap0"},
          {{"origin", "cfql-collector"},
           {"origin-index", "6"},
+          {"origin-hostapd", "told"},
           {"type", "service-set"},
           {"bss", "0ap0"},
           {"mac", "02:00:00:00:01:00"},
@@ -242,20 +243,67 @@ TEST(Contents, TheOperatorsValuesGoUnderTheLiveOnes) {
     EXPECT_EQ(value(observed, "radio", "channel", configuration), "13");
 }
 
-TEST(Contents, ComeBackAtARestart) {
-    const Contents made = contents(seen(), {});
-    const Values& object = made.at({"interface", "0ap0"});
-    EXPECT_EQ(index_of(object), 6U);
-    EXPECT_EQ(totals_of(object), (Totals{100, 3, 50, 7, {}}));
-    EXPECT_EQ(sent_of(object), seen().access_points[0].sent);
+TEST(Left, IsWhatWasSeen) {
+    const AccessPoint point = seen().access_points[0];
+    const std::map<std::uint32_t, Left> expected = {{6, {{100, 3, 50, 7, {}}, point.sent, point.hostapd}}};
+    EXPECT_EQ(left_in(contents(seen(), {})), expected);
 }
 
-TEST(TotalsOf, TextsOfAnyKind) {
-    EXPECT_EQ(totals_of({{"failed-count", "x"}, {"received-fragment-count", "12x"}, {"transmitted-frame-count", "-1"}}),
-              Totals());
-    EXPECT_EQ(index_of({{"origin-index", "99999999999"}}), std::nullopt);
-    EXPECT_EQ(sent_of({{"dot11-disassociate-reason", "70000"}, {"dot11-disassociate-station", "02:00:00:00:00:00"}}),
-              LastSent());
+// Every kind of security that hostapd tells comes back as it was told.
+TEST(Left, HasWhatHostapdTold) {
+    const HostapdBss all[] = {
+        {true, "lab", 100, 2, "WPA-PSK", 1},   {true, "lab", 100, 2, "WPA-PSK WPA-PSK-SHA256 SAE", 2},
+        {true, "lab", 200, 255, "WPA-EAP", 3}, {true, "wpa2 WPA-PSK", 100, 2, "", 2},
+        {true, "lab", {}, {}, "", 0},          {true, {}, 100, 2, "", 0},
+    };
+    for (const HostapdBss& told : all) {
+        for (const std::optional<bool> group_key : {std::optional<bool>(), std::optional(false), std::optional(true)}) {
+            Observed observed = seen();
+            observed.access_points[0].hostapd = told;
+            observed.access_points[0].group_key = group_key;
+            if (!told.ssid) observed.access_points[0].interface.ssid.clear();
+            EXPECT_EQ(left_in(contents(observed, {})).at(6).hostapd, told) << *told.suites;
+        }
+    }
+    Observed observed = seen();
+    observed.access_points[0].hostapd.reset();
+    EXPECT_EQ(left_in(contents(observed, {})).at(6).hostapd, std::nullopt);
+}
+
+TEST(Left, OfAnInterfaceThatIsNotServed) {
+    Observed observed = seen();
+    observed.access_points.clear();
+    observed.resting = {{6, {100, 3, 50, {}, 9}, seen().access_points[0].sent}, {7, {0, 0, 0, 0, 0}, {}}};
+    const Contents made = contents(observed, {});
+    EXPECT_EQ(made.at({"collector", "6"}), (Values{{"origin", "cfql-collector"},
+                                                   {"origin-index", "6"},
+                                                   {"dot11-deauthenticate-reason", "5"},
+                                                   {"dot11-deauthenticate-station", "02:00:00:00:02:00"},
+                                                   {"transmitted-frame-count", "100"},
+                                                   {"failed-count", "3"},
+                                                   {"received-fragment-count", "50"},
+                                                   {"fcs-error-count", "9"}}));
+    EXPECT_EQ(made.size(), 2U);  // the country, and nothing of one that has counted nothing
+    const std::map<std::uint32_t, Left> expected = {
+        {6, {{100, 3, 50, {}, 9}, seen().access_points[0].sent, std::nullopt}}};
+    EXPECT_EQ(left_in(made), expected);
+}
+
+TEST(Left, TextsOfAnyKindCountForNothing) {
+    const Contents held = {
+        {{"interface", "wlan0"},
+         {{"origin-index", "6"},
+          {"origin-hostapd", "x"},
+          {"failed-count", "x"},
+          {"received-fragment-count", "12x"},
+          {"transmitted-frame-count", "-1"},
+          {"dot11-disassociate-reason", "70000"},
+          {"dot11-disassociate-station", "02:00:00:00:00:00"}}},
+        {{"interface", "wlan1"}, {{"origin-index", "99999999999"}}},
+        {{"bss", "wlan2"}, {{"origin-index", "8"}}},
+    };
+    const std::map<std::uint32_t, Left> expected = {{6, {}}};
+    EXPECT_EQ(left_in(held), expected);
 }
 
 }  // namespace

@@ -322,10 +322,12 @@ TEST_F(Sockets, AfterThreeLatePassesAMinutePasses) {
     for (const auto& pass : passes) {
         hostapd.begin_pass(pass.now);
         EXPECT_EQ(hostapd.ask("wlan0", 0, bss), pass.answer) << pass.now;
+        EXPECT_EQ(hostapd.is_hung("wlan0", 0), pass.now >= 20000) << pass.now;
     }
     hung = false;
     hostapd.begin_pass(200000);
     EXPECT_EQ(hostapd.ask("wlan0", 0, bss), Answer::told);
+    EXPECT_FALSE(hostapd.is_hung("wlan0", 0));
     hostapd.begin_pass(210000);
     EXPECT_EQ(hostapd.ask("wlan0", 0, bss), Answer::told);
 }

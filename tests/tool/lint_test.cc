@@ -143,10 +143,14 @@ TEST_F(Lint, Values) {
 
 TEST_F(Lint, TheCollectorsMarksAreKnown) {
     const std::string mark = "origin = \"cfql-collector\"\n";
-    const std::string out = lint("[[interface]]\nname = \"wlan0\"\ntype = \"service-set\"\norigin-index = \"6\"\n" +
-                                 mark + "[[system]]\ncountry = \"DE\"\n" + mark)
+    const std::string out = lint(
+                                "[[interface]]\nname = \"wlan0\"\ntype = \"service-set\"\norigin-index = \"6\"\n"
+                                "origin-hostapd = \"told\"\n" +
+                                mark + "[[collector]]\nname = \"7\"\nfailed-count = \"3\"\n" + mark +
+                                "[[system]]\ncountry = \"DE\"\n" + mark)
                                 .out;
     EXPECT_EQ(out.find("origin"), std::string::npos) << out;
+    EXPECT_EQ(out.find("collector"), std::string::npos) << out;
 }
 
 TEST_F(Lint, DefaultsOfAnEmptyInterface) {
