@@ -89,18 +89,26 @@ std::string fault_of_form(const Fact& fact, std::string_view text) {
     return {};
 }
 
+std::string fault_of_text(const Fact& fact, std::string_view served, std::string_view text) {
+    if (!served.starts_with(text) && !text.starts_with(served)) return "is not served as it is";
+    std::string fault;
+    if (served.size() < text.size())
+        fault = "is clipped from " + std::to_string(text.size()) + " octets to " + std::to_string(served.size());
+    if (is_secret(fact.key) || is_utf8(served)) return fault;
+    return fault + (fault.empty() ? "is" : ", which are") +
+           " not UTF-8: where it is a label, a scrape of the whole access point fails";
+}
+
 // What has become of a text of the right form in an answer; empty when it says what the text says. Numbers that a
 // column shows in another unit, and the words, are not to be compared.
 std::string fault_of_answer(const Fact& fact, const Instance& instance, std::string_view text) {
     if (!instance.is_answered()) return {};
     if (fact.form == Form::number && instance.is_number()) {
-        return decimal(text) == std::to_string(instance.number()) ? "" : "is not served as it is";
+        if (decimal(text) == std::to_string(instance.number())) return {};
+        const bool is_counter = instance.column->type == dot11::Type::counter;
+        return std::string("is not served as it is") + (is_counter ? "; counters go from 2147483647 to 0" : "");
     }
-    if (fact.form == Form::text && !instance.is_number() && !instance.octets.starts_with(text)) {
-        if (!text.starts_with(instance.octets)) return "is not served as it is";
-        return "is clipped from " + std::to_string(text.size()) + " octets to " +
-               std::to_string(instance.octets.size());
-    }
+    if (fact.form == Form::text && !instance.is_number()) return fault_of_text(fact, instance.octets, text);
     return {};
 }
 

@@ -111,7 +111,14 @@ TEST_F(Lint, Values) {
          "\"-3\" is not served as it is: served as 0 (dot11MaxTransmitMSDULifetime)"},
         {"interface", "dot11-max-receive-lifetime", "-3",
          "\"-3\" is not served as it is: served as 0 (dot11MaxReceiveLifetime)"},
-        {"interface", "retry-count", "-1", "\"-1\" is not served as it is: served as 0 (dot11RetryCount)"},
+        {"interface", "retry-count", "-1",
+         "\"-1\" is not served as it is; counters go from 2147483647 to 0: served as 0 (dot11RetryCount)"},
+        {"interface", "retry-count", "2147483647", ""},
+        {"interface", "retry-count", "2147483648",
+         "\"2147483648\" is not served as it is; counters go from 2147483647 to 0: served as 0 (dot11RetryCount)"},
+        {"interface", "retry-count", "9999999999",
+         "\"9999999999\" is not served as it is; counters go from 2147483647 to 0: served as 1410065407 "
+         "(dot11RetryCount)"},
         {"interface", "dot11-current-reg-domain", "-1",
          "\"-1\" is not served as it is: served as 0 (dot11CurrentRegDomain, dot11RegDomainsSupportValue)"},
         {"interface", "dot11-temp-type", "-5", "\"-5\" is not served as it is: served as 0 (dot11TempType)"},
@@ -122,6 +129,7 @@ TEST_F(Lint, Values) {
         {"interface", "ssid", x(32), ""},
         {"interface", "ssid", x(33),
          '"' + x(32) + "\"... is clipped from 33 octets to 32: served as \"" + x(32) + "\" (dot11DesiredSSID)"},
+        {"interface", "ssid", "caf\xc3\xa9", ""},
         {"interface", "wep-key-1", x(64), ""},
         {"interface", "wep-key-4", x(65), "the value is clipped from 65 octets to 64"},
         {"system", "country", "DE", ""},
@@ -139,6 +147,19 @@ TEST_F(Lint, Values) {
             EXPECT_NE(outcome.out.find(about + fact.finding + '\n'), std::string::npos) << outcome.out;
         }
     }
+}
+
+// Of the SSID, and of one that is clipped in the middle of a character.
+TEST_F(Lint, TextsThatAreNotUtf8) {
+    const std::string harm = "not UTF-8: where it is a label, a scrape of the whole access point fails: served as ";
+    EXPECT_NE(lint(served + std::string("ssid = { hex = \"636166e9\" }\n"))
+                  .out.find("key \"ssid\": \"caf\\xe9\" is " + harm + "63 61 66 e9 (dot11DesiredSSID)\n"),
+              std::string::npos);
+    EXPECT_NE(lint(served + ("ssid = \"" + x(31)) + "\xc3\xa9\"\n")
+                  .out.find(" is clipped from 33 octets to 32, which are " + harm + "78 78 "),
+              std::string::npos);
+    EXPECT_EQ(lint(served + std::string("wep-key-1 = { hex = \"e9e9e9e9e9\" }\n")).out.find("UTF-8"),
+              std::string::npos);
 }
 
 TEST_F(Lint, TheCollectorsMarksAreKnown) {
