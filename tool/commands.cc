@@ -24,8 +24,19 @@ Place place_of(const Request& request) {
     return {request.table, request.object, request.nth};
 }
 
-Failure missing(const Store& store, const Place& place) {
-    return {Exit::no, store.path() + ": there is no " + described(place) + "; see \"cfql list\""};
+size_t count_of_name(Store& store, const Place& place) {
+    const Reading reading = store.read(place.table);
+    return static_cast<size_t>(
+        std::ranges::count(reading.contents, place.name, [](const Object& object) { return object.name; }));
+}
+
+Failure missing(Store& store, const Place& place) {
+    const size_t count = place.nth > 1 ? count_of_name(store, place) : 0;
+    const std::string there =
+        count == 0   ? "there is no " + described(place)
+        : count == 1 ? "there is only one " + described({place.table, place.name, 1})
+                     : "there are only " + std::to_string(count) + " of " + described({place.table, place.name, 1});
+    return {Exit::no, store.path() + ": " + there + "; see \"cfql list\""};
 }
 
 // The object that the request names; throws when there is none.
@@ -40,7 +51,7 @@ int64_t object_id_to_set(Store& store, const Request& request) {
     const auto there = store.find(request.table, request.object, request.nth);
     if (there) return *there;
     const Place before = {request.table, request.object, request.nth - 1};
-    if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, before);
+    if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, place_of(request));
     int64_t id = 0;
     store.require(store.database().insert_object(request.table, request.object, id));
     return id;

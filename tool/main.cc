@@ -1,5 +1,7 @@
 // cfql: the command line. Every command is one entry of the table below.
+#include <stdint.h>
 #include <stdio.h>
+
 #include <CLI/CLI.hpp>
 #include <array>
 #include <exception>
@@ -56,6 +58,17 @@ std::vector<std::string> names_of_commands(const CLI::App& app) {
     return names;
 }
 
+// More words than the command takes: as a rule a value with blanks. That of "set" may be a secret, and is not repeated.
+std::string too_many(const CLI::App& command) {
+    const std::vector<std::string> rest = command.remaining();
+    std::string text = rest.size() == 1 ? "one argument" : std::to_string(rest.size()) + " arguments";
+    text += " too many";
+    if (command.get_name() != "set") text += ": " + tool::quoted(rest.front());
+    const bool takes_words =
+        !command.get_options([](const CLI::Option* option) { return option->get_positional(); }).empty();
+    return text + (takes_words ? "; put what has blanks in quotes" : "");
+}
+
 // What COMMAND, or the program itself, has no place for.
 std::string left_over(const CLI::App& command) {
     const std::string first = command.remaining().front();
@@ -64,15 +77,42 @@ std::string left_over(const CLI::App& command) {
         return "unknown option " + tool::quoted(first) +
                (hint.empty() ? "; -- goes before values that begin with a dash" : hint);
     }
-    if (command.get_parent()) return "one argument too many: " + tool::quoted(first);
+    if (command.get_parent() != nullptr) return too_many(command);
     return "unknown command " + tool::quoted(first) + suggestion(first, names_of_commands(command));
+}
+
+// The parser's own words for an option whose value is not there are "--nth: 1 required N missing".
+std::string without_value(std::string text) {
+    constexpr std::string_view between = ": 1 required ";
+    constexpr std::string_view end = " missing";
+    const size_t at = text.find(between);
+    if (at == std::string::npos || !text.ends_with(end)) return text;
+    text.resize(text.size() - end.size());
+    return text.replace(at, between.size(), " is to be followed by its ");
+}
+
+std::string described(const CLI::App& command, const CLI::ParseError& error) {
+    const bool is_left_over = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !command.remaining().empty();
+    if (is_left_over) return left_over(command);
+    const bool is_value = dynamic_cast<const CLI::ConversionError*>(&error) != nullptr ||
+                          dynamic_cast<const CLI::ValidationError*>(&error) != nullptr;
+    if (is_value) return "--nth takes a number, from 1";  // no other option is a number
+    return without_value(error.what());
 }
 
 [[noreturn]] void misused(const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<CLI::App*> used = app.get_subcommands();
     const CLI::App& command = used.empty() ? app : *used.front();
-    const bool is_left_over = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !command.remaining().empty();
-    misused(command, is_left_over ? left_over(command) : error.what());
+    misused(command, described(command, error));
+}
+
+// "KEY is missing": of the words of a command, in their order, those between GIVEN and LEAST.
+std::string missing(size_t given, size_t least) {
+    constexpr std::string_view names[] = {"TABLE", "OBJECT", "KEY", "VALUE"};
+    std::string text(names[given]);
+    for (size_t i = given + 1; i < least; ++i)
+        text += (i + 1 < least ? ", " : " and ") + std::string(names[i]);
+    return text + (least - given == 1 ? " is missing" : " are missing");
 }
 
 // The object of the table "system" has no name: OBJECT is left out. WANTED counts the words of the command, OBJECT
@@ -81,12 +121,10 @@ void address(const CLI::App& command, const Words& words, size_t least, size_t w
     std::array<std::string*, 4> targets = {&request.table, &request.object, &request.key, &request.value};
     const bool nameless = words.text[0] == singleton_table;
     const size_t given = words.count() + (nameless ? 1 : 0);
-    if (given < least || given > wanted) {
-        misused(command, std::string("wrong number of arguments") +
-                             (nameless ? ": the object of the table \"system\" has no name, leave OBJECT out" : ""));
-    }
+    if (given < least) misused(command, missing(given, least));
+    if (given > wanted)
+        misused(command, "one argument too many: the object of the table \"system\" has no name, leave OBJECT out");
     if (nameless && request.nth > 1) misused(command, "the table \"system\" has one object: leave --nth out");
-    if (request.nth == 0) misused(command, "--nth counts from 1");
     for (size_t i = 0; i < words.count(); ++i) {
         std::string* target = targets[i > 0 && nameless ? i + 1 : i];
         *target = words.text[i];
@@ -103,7 +141,8 @@ void add_words(CLI::App& command, Words& words, const std::vector<std::pair<std:
 
 void add_nth(CLI::App& command, Request& request) {
     command.add_option("--nth", request.nth, "The NTH object of that name, in order of insertion (default 1)")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(CLI::Range(1U, UINT32_MAX).description(""));
 }
 
 void add_reveal(CLI::App& command, Request& request) {

@@ -53,6 +53,28 @@ std::string line(std::string_view key, std::string_view value) {
     return key_text(key) + " = " + value_text(value) + '\n';
 }
 
+// The value of a line such as `ssid = Guests`, on which the parser stumbles in one of many ways.
+struct Unquoted {
+    std::string_view key;
+    size_t column;  // from 1
+};
+
+std::optional<Unquoted> unquoted_value(std::string_view text, size_t line_number) {
+    constexpr std::string_view blanks = " \t";
+    for (size_t i = 1; i < line_number; ++i)
+        text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    const size_t begin = std::min(line.find_first_not_of(blanks), line.size());
+    const std::string_view from_key = line.substr(begin);
+    const auto length = static_cast<size_t>(std::ranges::find_if_not(from_key, is_bare) - from_key.begin());
+    const size_t equals = line.find_first_not_of(blanks, begin + length);
+    if (length == 0 || equals == std::string_view::npos || line[equals] != '=') return std::nullopt;
+    const size_t value = line.find_first_not_of(blanks, equals + 1);
+    if (value == std::string_view::npos || std::string_view("\"'{[#").find(line[value]) != std::string_view::npos)
+        return std::nullopt;
+    return Unquoted{from_key.substr(0, length), value + 1};
+}
+
 class Reader {
   public:
     explicit Reader(std::string_view source) : source_(source) {}
@@ -92,6 +114,8 @@ class Reader {
         try {
             return toml::parse(text, source_);
         } catch (const toml::parse_error& error) {
+            if (const std::optional<Unquoted> found = unquoted_value(text, error.source().begin.line))
+                fail(error.source().begin.line, found->column, no_text(found->key));
             fail(error.source(), std::string(error.description()));
         }
     }
@@ -164,8 +188,11 @@ class Reader {
             const toml::node* digits = table->get("hex");
             if (digits && digits->is_string()) return hex(digits->source(), digits->as_string()->get());
         }
-        fail(node.source(),
-             "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }");
+        fail(node.source(), no_text(key));
+    }
+
+    static std::string no_text(std::string_view key) {
+        return "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }";
     }
 
     std::string hex(const toml::source_region& where, std::string_view digits) const {

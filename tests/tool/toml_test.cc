@@ -56,6 +56,14 @@ TEST(FromToml, RefusesWithLineAndColumn) {
          "t:3:3: the value of \"k\" is no text: put it in quotes, or write { hex = \"c328\" }"},
         {"[[a]]\nname='n'\nk={hex='',x=''}",
          "t:3:3: the value of \"k\" is no text: put it in quotes, or write { hex = \"c328\" }"},
+        {"[[a]]\nname='n'\nssid = Guests\n",
+         "t:3:8: the value of \"ssid\" is no text: put it in quotes, or write { hex = \"c328\" }"},
+        {"[[a]]\nname='n'\nssid = Free WiFi\nmac = 'x'\n",
+         "t:3:8: the value of \"ssid\" is no text: put it in quotes, or write { hex = \"c328\" }"},
+        {"[[a]]\r\nname='n'\r\n  mac=00:00:5e:00:53:10\r\n",
+         "t:3:7: the value of \"mac\" is no text: put it in quotes, or write { hex = \"c328\" }"},
+        {"[[a]]\nname = wlan0",
+         "t:2:8: the value of \"name\" is no text: put it in quotes, or write { hex = \"c328\" }"},
         {"[[a]]\nname=1", "t:2:6: the value of \"name\" is no text: put it in quotes, or write { hex = \"c328\" }"},
         {"[[a]]\nname='n'\nk={hex='0'}", "t:3:8: expected pairs of hexadecimal digits"},
         {"[[a]]\nname='n'\nk={hex='0g'}", "t:3:8: expected pairs of hexadecimal digits"},
@@ -107,6 +115,8 @@ TEST(FromToml, RefusesWhatIsNotToml) {
         std::string place;
     } cases[] = {
         {"[[", "t:1:3: "},
+        {"[[a]]\nname='n'\nssid =\n", "t:3:7: "},
+        {"[[a]]\nname='n'\nssid = 'Guests\n", "t:3:15: "},
         {"[[\n", "t:1:3: "},
         {"[[a\n", "t:1:4: "},
         {"[[a]]\nk=", "t:2:3: "},
