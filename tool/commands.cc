@@ -1,5 +1,8 @@
 #include "commands.h"
 
+#include <limits.h>
+#include <stdlib.h>
+
 #include <algorithm>
 
 #include "facts.h"
@@ -65,6 +68,17 @@ void require_attribute(const Store& store, const Request& request, Status status
     store.require(status);
 }
 
+// /run is empty after each boot. The store's default path may be a link into it.
+void warn_of_short_life(const std::string& store) {
+    char resolved[PATH_MAX];
+    if (!realpath(store.c_str(), resolved)) return;
+    const std::string file = resolved;
+    if (!file.starts_with("/run/")) return;
+    complain("note: " + file +
+             " is gone at the next boot, and this value with it; a value that is to stay belongs into "
+             "/etc/cfql/collector.toml, see \"man cfql-collector\"");
+}
+
 // Prints the faults that an examination finds. The engine tells several in one text, below a heading.
 class Faults {
   public:
@@ -112,6 +126,7 @@ Exit set(const Request& request) {
     // The store may hold what the agent does not read.
     const std::string error = typing_error(request.table, request.key);
     if (!error.empty()) complain("note: " + error);
+    warn_of_short_life(request.store);
     return Exit::done;
 }
 

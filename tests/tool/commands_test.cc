@@ -41,6 +41,26 @@ std::string replaced(std::string text, const std::string& store) {
     return text;
 }
 
+// Also by way of the link that stands at the default path where a collector fills the store.
+TEST_F(Commands, SetUnderRunSaysThatItIsGoneAtTheNextBoot) {
+    char place[] = "/run/cfql-test-XXXXXX";
+    if (mkdtemp(place) == nullptr) GTEST_SKIP() << "/run is root's";
+    const std::string file = std::string(place) + "/store.db", link = directory + "/link.db";
+    std::filesystem::create_symlink(file, link);
+    done({"init"}, {.path = file});
+    const std::string note = "cfql: note: " + file +
+                             " is gone at the next boot, and this value with it; a value that is to stay belongs into "
+                             "/etc/cfql/collector.toml, see \"man cfql-collector\"\n";
+    for (const std::string& path : {file, link}) {
+        const Outcome set = run({"set", "system", "country", "DE"}, {.path = path});
+        EXPECT_EQ(set.status, 0);
+        EXPECT_EQ(set.err, note);
+        EXPECT_EQ(run({"get", "system", "country"}, {.path = path}).err, "");
+    }
+    EXPECT_EQ(run({"set", "system", "country", "DE"}).err, "");
+    std::filesystem::remove_all(place);
+}
+
 TEST_F(Commands, AnswerAndExitStatus) {
     const std::string long_name(256, 'n');
     const std::string long_value(4097, 'v');
