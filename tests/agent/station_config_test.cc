@@ -131,72 +131,76 @@ struct WriteFact {
     int status;
 };
 
-std::vector<WriteFact> write_facts() {
-    const auto integer = Value::integer;
-    const auto octets = [](size_t count) { return Value::string(std::string(count, 'x')); };
-    return {
-        // Accepted values of writable columns are refused where they would be stored.
-        {1, octets(6), not_writable},
-        {1, octets(5), wrong_value},
-        {1, octets(7), wrong_value},
-        {1, integer(1), wrong_type},
-        {2, integer(0), not_writable},
-        {2, integer(1000), not_writable},
-        {2, integer(-1), wrong_value},
-        {2, integer(1001), wrong_value},
-        {2, octets(4), wrong_type},
-        {3, integer(1), not_writable},
-        {4, integer(255), not_writable},
-        {4, integer(256), wrong_value},
-        {5, integer(65535), not_writable},
-        {5, integer(65536), wrong_value},
-        {6, integer(1), not_writable},
-        {6, integer(0), wrong_value},
-        {6, integer(2147483647), not_writable},
-        {6, Value::of_type(ASN_GAUGE, Value::integer(5).octets), wrong_type},
-        {7, integer(1), not_writable},
-        {8, integer(1), not_writable},
-        {8, integer(2), not_writable},
-        {8, integer(0), inconsistent_value},
-        {8, integer(3), inconsistent_value},
-        {8, integer(-1), inconsistent_value},
-        {9, octets(0), not_writable},
-        {9, octets(32), not_writable},
-        {9, octets(33), wrong_value},
-        {9, integer(1), wrong_type},
-        {10, integer(3), not_writable},
-        {10, integer(4), inconsistent_value},
-        // The rate set passes its check and is dropped.
-        {11, octets(1), no_error},
-        {11, octets(126), no_error},
-        {11, octets(0), wrong_value},
-        {11, octets(127), wrong_value},
-        {11, integer(1), wrong_type},
-        {12, integer(1), not_writable},
-        {12, integer(65535), not_writable},
-        {12, integer(0), wrong_value},
-        {12, integer(65536), wrong_value},
-        {13, integer(255), not_writable},
-        {13, integer(256), wrong_value},
-        {14, integer(1), not_writable},
-        {14, integer(0), wrong_value},
-        {15, integer(1), not_writable},
-        {16, octets(6), not_writable},
-        {17, integer(1), not_writable},
-        {18, octets(6), not_writable},
-        {19, integer(1), not_writable},
-        {20, octets(6), not_writable},
-        {21, integer(1), not_writable},
-        {22, integer(1), not_writable},
-        {23, octets(3), not_writable},
-        {24, integer(1), not_writable},
-    };
+Value octets(size_t count) {
+    return Value::string(std::string(count, 'x'));
 }
+
+Value integer(int32_t value) {
+    return Value::integer(value);
+}
+
+const std::vector<WriteFact> write_facts = {
+    // Accepted values of writable columns are refused where they would be stored.
+    {1, octets(6), not_writable},
+    {1, octets(5), wrong_value},
+    {1, octets(7), wrong_value},
+    {1, integer(1), wrong_type},
+    {2, integer(0), not_writable},
+    {2, integer(1000), not_writable},
+    {2, integer(-1), wrong_value},
+    {2, integer(1001), wrong_value},
+    {2, octets(4), wrong_type},
+    {3, integer(1), not_writable},
+    {4, integer(255), not_writable},
+    {4, integer(256), wrong_value},
+    {5, integer(65535), not_writable},
+    {5, integer(65536), wrong_value},
+    {6, integer(1), not_writable},
+    {6, integer(0), wrong_value},
+    {6, integer(2147483647), not_writable},
+    {6, Value::of_type(ASN_GAUGE, Value::integer(5).octets), wrong_type},
+    {7, integer(1), not_writable},
+    {8, integer(1), not_writable},
+    {8, integer(2), not_writable},
+    {8, integer(0), inconsistent_value},
+    {8, integer(3), inconsistent_value},
+    {8, integer(-1), inconsistent_value},
+    {9, octets(0), not_writable},
+    {9, octets(32), not_writable},
+    {9, octets(33), wrong_value},
+    {9, integer(1), wrong_type},
+    {10, integer(3), not_writable},
+    {10, integer(4), inconsistent_value},
+    // The rate set passes its check and is dropped.
+    {11, octets(1), no_error},
+    {11, octets(126), no_error},
+    {11, octets(0), wrong_value},
+    {11, octets(127), wrong_value},
+    {11, integer(1), wrong_type},
+    {12, integer(1), not_writable},
+    {12, integer(65535), not_writable},
+    {12, integer(0), wrong_value},
+    {12, integer(65536), wrong_value},
+    {13, integer(255), not_writable},
+    {13, integer(256), wrong_value},
+    {14, integer(1), not_writable},
+    {14, integer(0), wrong_value},
+    {15, integer(1), not_writable},
+    {16, octets(6), not_writable},
+    {17, integer(1), not_writable},
+    {18, octets(6), not_writable},
+    {19, integer(1), not_writable},
+    {20, octets(6), not_writable},
+    {21, integer(1), not_writable},
+    {22, integer(1), not_writable},
+    {23, octets(3), not_writable},
+    {24, integer(1), not_writable},
+};
 
 TEST_F(StationConfig, ASetChangesNothingAndSaysWhy) {
     Agent agent(configuration);
     const std::string before = agent.exported();
-    for (const WriteFact& fact : write_facts()) {
+    for (const WriteFact& fact : write_facts) {
         const Response response = agent.set({{cell(fact.column, 11), fact.value}});
         EXPECT_EQ(response.status, fact.status)
             << "column " << fact.column << ", type " << int{fact.value.type} << ", " << shown_octets(fact.value.octets);
