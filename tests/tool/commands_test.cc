@@ -19,14 +19,6 @@ constexpr const char* contents =
     "[[supported-rate]]\nname = \"wlan0\"\nrate = \"240\"\n"
     "[[bss]]\nname = \"bare\"\n";
 
-class Commands : public Tool {
-  protected:
-    void SetUp() override {
-        done({"init"});
-        done({"import", "-"}, {.input = contents});
-    }
-};
-
 struct Case {
     Words words;
     int status;
@@ -40,6 +32,33 @@ std::string replaced(std::string text, const std::string& store) {
         text.replace(at, 5, store);
     return text;
 }
+
+class Commands : public Tool {
+  protected:
+    void SetUp() override {
+        done({"init"});
+        refill();
+    }
+
+    void refill() { done({"import", "--replace", "-"}, {.input = contents}); }
+
+    void expect(const Case& expected) {
+        std::string command = "cfql";
+        for (const std::string& word : expected.words)
+            command += ' ' + word.substr(0, 40);
+        SCOPED_TRACE(command);
+        const Outcome outcome = run(expected.words, {.input = expected.input});
+        EXPECT_EQ(outcome.status, expected.status);
+        EXPECT_EQ(outcome.out, replaced(expected.out, store));
+        EXPECT_EQ(outcome.err, replaced(expected.err, store));
+    }
+
+    // Commands that change nothing.
+    void expect_each(const std::vector<Case>& cases) {
+        for (const Case& expected : cases)
+            expect(expected);
+    }
+};
 
 // Also by way of the link that stands at the default path where a collector fills the store.
 TEST_F(Commands, SetUnderRunSaysThatItIsGoneAtTheNextBoot) {
@@ -61,10 +80,16 @@ TEST_F(Commands, SetUnderRunSaysThatItIsGoneAtTheNextBoot) {
     std::filesystem::remove_all(place);
 }
 
-TEST_F(Commands, AnswerAndExitStatus) {
-    const std::string long_name(256, 'n');
-    const std::string long_value(4097, 'v');
-    const Case cases[] = {
+// Each on a store of its own.
+struct Effect {
+    Words words;
+    Words then;
+    std::string out;  // of THEN
+    std::string input = {};
+};
+
+TEST_F(Commands, Get) {
+    expect_each({
         {{"get", "interface", "wlan0", "ssid"}, 0, "Guests\n", ""},
         {{"get", "interface", "wlan1", "ssid"}, 0, "\n", ""},
         {{"get", "interface", "wlan0", "wep-key-1"}, 0, "FAKE1\n", ""},
@@ -101,35 +126,56 @@ TEST_F(Commands, AnswerAndExitStatus) {
          "cfql: one argument too many: the object of the table \"system\" has no name, leave OBJECT out; see \"cfql "
          "get --help\"\n"},
         {{"get", "interface", "", "ssid"}, 2, "", "cfql: an argument is empty; see \"cfql get --help\"\n"},
+        {{"get", "interface", "wlan0", "ssid", "--nth", "two"},
+         2,
+         "",
+         "cfql: --nth takes a number, from 1; see \"cfql get --help\"\n"},
+        {{"get", "interface", "wlan0", "ssid", "--nth"},
+         2,
+         "",
+         "cfql: --nth is to be followed by its N; see \"cfql get --help\"\n"},
+    });
+}
 
-        {{"set", "interface", "wlan0", "ssid", "new"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "new\n", ""},
-        {{"set", "interface", "wlan0", "ssid", ""}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "[a,b]"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "[a,b]\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "list"}, 0, "", ""},  // the name of a command
-        {{"get", "interface", "wlan0", "ssid"}, 0, "list\n", ""},
-        {{"set", "interface", "wlan0", "tx-power", "-3"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "tx-power"}, 0, "-3\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "--", "-x"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "-x\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "--", "--"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "--\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "-"}, 0, "", "", "from input\n\n"},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "from input\n\n", ""},
-        {{"set", "interface", "wlan0", "ssid", "-"}, 0, "", "", "no newline"},
-        {{"get", "interface", "wlan0", "ssid"}, 0, "no newline\n", ""},
-        {{"set", "radio", "new", "channel", "11"}, 0, "", ""},
-        {{"get", "radio", "new", "channel"}, 0, "11\n", ""},
-        {{"set", "system", "country", "FR"}, 0, "", ""},
-        {{"get", "system", "country"}, 0, "FR\n", ""},
-        {{"set", "supported-rate", "wlan0", "rate", "110", "--nth", "3"}, 0, "", ""},
-        {{"get", "supported-rate", "wlan0", "rate", "--nth", "3"}, 0, "110\n", ""},
+TEST_F(Commands, SetStores) {
+    const Effect effects[] = {
+        {{"set", "interface", "wlan0", "ssid", "new"}, {"get", "interface", "wlan0", "ssid"}, "new\n"},
+        {{"set", "interface", "wlan0", "ssid", ""}, {"get", "interface", "wlan0", "ssid"}, "\n"},
+        {{"set", "interface", "wlan0", "ssid", "[a,b]"}, {"get", "interface", "wlan0", "ssid"}, "[a,b]\n"},
+        {{"set", "interface", "wlan0", "ssid", "list"},
+         {"get", "interface", "wlan0", "ssid"},
+         "list\n"},  // the name of a command
+        {{"set", "interface", "wlan0", "tx-power", "-3"}, {"get", "interface", "wlan0", "tx-power"}, "-3\n"},
+        {{"set", "interface", "wlan0", "ssid", "--", "-x"}, {"get", "interface", "wlan0", "ssid"}, "-x\n"},
+        {{"set", "interface", "wlan0", "ssid", "--", "--"}, {"get", "interface", "wlan0", "ssid"}, "--\n"},
+        {{"set", "interface", "wlan0", "ssid", "-"},
+         {"get", "interface", "wlan0", "ssid"},
+         "from input\n\n",
+         "from input\n\n"},
+        {{"set", "interface", "wlan0", "ssid", "-"},
+         {"get", "interface", "wlan0", "ssid"},
+         "no newline\n",
+         "no newline"},
+        {{"set", "radio", "new", "channel", "11"}, {"get", "radio", "new", "channel"}, "11\n"},
+        {{"set", "system", "country", "FR"}, {"get", "system", "country"}, "FR\n"},
+        {{"set", "supported-rate", "wlan0", "rate", "110", "--nth", "3"},
+         {"get", "supported-rate", "wlan0", "rate", "--nth", "3"},
+         "110\n"},
+    };
+    for (const Effect& effect : effects) {
+        SCOPED_TRACE(testing::PrintToString(effect.words));
+        refill();
+        EXPECT_EQ(done(effect.words, {.input = effect.input}), "");
+        EXPECT_EQ(done(effect.then), effect.out);
+    }
+}
+
+TEST_F(Commands, SetRefuses) {
+    expect_each({
         {{"set", "supported-rate", "wlan0", "rate", "55", "--nth", "5"},
          1,
          "",
-         "cfql: STORE: there are only 3 of supported-rate \"wlan0\"; see \"cfql list\"\n"},
+         "cfql: STORE: there are only 2 of supported-rate \"wlan0\"; see \"cfql list\"\n"},
         {{"set", "interface", "wlan0", "ssid"}, 2, "", "cfql: VALUE is missing; see \"cfql set --help\"\n"},
         {{"set", "interface", "wlan0", "wep-key-1", "two", "words"},
          2,
@@ -152,7 +198,6 @@ TEST_F(Commands, AnswerAndExitStatus) {
          "has "
          "changed\n",
          "********\n"},
-        {{"get", "interface", "wlan0", "wep-key-1"}, 0, "FAKE1\n", ""},
         {{"set", "system", "country", "X", "--nth", "2"},
          2,
          "",
@@ -165,18 +210,17 @@ TEST_F(Commands, AnswerAndExitStatus) {
          2,
          "",
          "cfql: --nth takes a number, from 1; see \"cfql set --help\"\n"},
-        {{"get", "interface", "wlan0", "ssid", "--nth", "two"},
-         2,
-         "",
-         "cfql: --nth takes a number, from 1; see \"cfql get --help\"\n"},
-        {{"get", "interface", "wlan0", "ssid", "--nth"},
-         2,
-         "",
-         "cfql: --nth is to be followed by its N; see \"cfql get --help\"\n"},
         {{"set", "interface", "wlan0", "name", "x"},
          4,
          "",
          "cfql: \"name\" is the object's name, not a key; nothing has changed\n"},
+    });
+}
+
+TEST_F(Commands, SetRefusesWhatTheStoreCannotHold) {
+    const std::string long_name(256, 'n');
+    const std::string long_value(4097, 'v');
+    expect_each({
         {{"set", "interface", long_name, "ssid", "x"},
          4,
          "",
@@ -203,37 +247,73 @@ TEST_F(Commands, AnswerAndExitStatus) {
          "",
          "cfql: the value contains a NUL; nothing has changed\n",
          {"a\0b", 3}},
+    });
+}
 
-        {{"unset", "interface", "wlan0", "ssid"}, 0, "", ""},
-        {{"get", "interface", "wlan0", "ssid"},
-         1,
-         "",
-         "cfql: STORE: interface \"wlan0\": key \"ssid\" is not set; see \"cfql list\"\n"},
+TEST_F(Commands, UnsetRemoves) {
+    const Effect effects[] = {
         {{"unset", "interface", "wlan0", "ssid"},
+         {"list", "interface", "wlan0"},
+         "interface\twlan0\twep-key-1\tFAKE1\ninterface\twlan0\twep-key-mapping-length\t10\n"},
+        {{"unset", "interface", "wlan0"}, {"list", "interface"}, "interface\twlan1\tssid\t\n"},
+        {{"unset", "supported-rate", "wlan0"}, {"list", "supported-rate"}, "supported-rate\twlan0\trate\t240\n"},
+        {{"unset", "supported-rate", "wlan0", "--nth", "2"},
+         {"list", "supported-rate"},
+         "supported-rate\twlan0\trate\t540\n"},
+        {{"unset", "system", "country"}, {"list", "system"}, "system\t\n"},
+    };
+    for (const Effect& effect : effects) {
+        SCOPED_TRACE(testing::PrintToString(effect.words));
+        refill();
+        EXPECT_EQ(done(effect.words), "");
+        EXPECT_EQ(done(effect.then), effect.out);
+    }
+}
+
+TEST_F(Commands, UnsetFindsNothing) {
+    expect_each({
+        {{"unset", "interface", "wlan0", ""}, 2, "", "cfql: an argument is empty; see \"cfql unset --help\"\n"},
+        {{"unset", "interface", "wlan1", "mac"},
          1,
          "",
-         "cfql: STORE: interface \"wlan0\": key \"ssid\" is not set; see \"cfql list\"\n"},
-        {{"unset", "interface", "wlan0", ""}, 2, "", "cfql: an argument is empty; see \"cfql unset --help\"\n"},
-        {{"unset", "interface", "wlan0"}, 0, "", ""},
-        {{"unset", "interface", "wlan0"}, 1, "", "cfql: STORE: there is no interface \"wlan0\"; see \"cfql list\"\n"},
-        {{"unset", "supported-rate", "wlan0", "--nth", "2"}, 0, "", ""},
-        {{"unset", "radio", "new"}, 0, "", ""},
+         "cfql: STORE: interface \"wlan1\": key \"mac\" is not set; see \"cfql list\"\n"},
+        {{"unset", "interface", "wlan9"}, 1, "", "cfql: STORE: there is no interface \"wlan9\"; see \"cfql list\"\n"},
+        {{"unset", "radio"}, 2, "", "cfql: OBJECT is missing; see \"cfql unset --help\"\n"},
+    });
+}
+
+TEST_F(Commands, UnsetOfAllIsAnEnd) {
+    done({"unset", "system"});
+    expect({{"unset", "system"}, 1, "", "cfql: STORE: there is no system; see \"cfql list\"\n"});
+    expect({{"get", "system", "country"}, 1, "", "cfql: STORE: there is no system; see \"cfql list\"\n"});
+}
+
+TEST_F(Commands, List) {
+    expect_each({
         {{"list"},
          0,
-         "system\t\tcountry\tFR\n"
+         "system\t\tcountry\tDE\n"
+         "interface\twlan0\tssid\tGuests\n"
+         "interface\twlan0\twep-key-1\tFAKE1\n"
+         "interface\twlan0\twep-key-mapping-length\t10\n"
          "interface\twlan1\tssid\t\n"
          "supported-rate\twlan0\trate\t540\n"
-         "bss\tbare\n"
-         "supported-rate\twlan0\trate\t110\t2\n",
+         "supported-rate\twlan0\trate\t240\t2\n"
+         "bss\tbare\n",
          ""},
-        {{"list", "supported-rate"}, 0, "supported-rate\twlan0\trate\t540\nsupported-rate\twlan0\trate\t110\t2\n", ""},
+        {{"list", "supported-rate"}, 0, "supported-rate\twlan0\trate\t540\nsupported-rate\twlan0\trate\t240\t2\n", ""},
         {{"list", "bss", "bare"}, 0, "bss\tbare\n", ""},
         {{"list", "bss", "none"}, 1, "", "cfql: STORE: there is no bss \"none\"; see \"cfql list\"\n"},
         {{"list", "none"}, 1, "", "cfql: STORE: there is no none; see \"cfql list\"\n"},
-        {{"unset", "system", "country"}, 0, "", ""},
-        {{"unset", "system"}, 0, "", ""},
-        {{"unset", "system"}, 1, "", "cfql: STORE: there is no system; see \"cfql list\"\n"},
+        {{"list", "bss", "first", "floor", "east"},
+         2,
+         "",
+         "cfql: 2 arguments too many: \"floor\"; put what has blanks in quotes; see \"cfql list --help\"\n"},
+    });
+}
 
+TEST_F(Commands, Usage) {
+    expect_each({
         {{"check"}, 0, "STORE: no faults\n", ""},
         {{}, 2, "", "cfql: a command is missing; see \"cfql --help\"\n"},
         {{"drop"}, 2, "", "cfql: unknown command \"drop\"; see \"cfql --help\"\n"},
@@ -247,10 +327,6 @@ TEST_F(Commands, AnswerAndExitStatus) {
          "",
          "cfql: unknown option \"--versoin\"; did you mean \"--version\"?; see \"cfql --help\"\n"},
         {{"check", "it"}, 2, "", "cfql: one argument too many: \"it\"; see \"cfql check --help\"\n"},
-        {{"list", "bss", "first", "floor", "east"},
-         2,
-         "",
-         "cfql: 2 arguments too many: \"floor\"; put what has blanks in quotes; see \"cfql list --help\"\n"},
         {{"a\x1b[2J\xc2\x9b"}, 2, "", "cfql: unknown command \"a\\x1b[2J\\xc2\\x9b\"; see \"cfql --help\"\n"},
         {{"import"}, 2, "", "cfql: FILE is required; see \"cfql import --help\"\n"},
         {{"import", "/nowhere"},
@@ -263,17 +339,7 @@ TEST_F(Commands, AnswerAndExitStatus) {
          "",
          "cfql: STORE: there is a store already; it is left as it is; \"cfql import --replace FILE\" replaces its "
          "contents\n"},
-    };
-    for (const Case& expected : cases) {
-        std::string command = "cfql";
-        for (const std::string& word : expected.words)
-            command += ' ' + word.substr(0, 40);
-        SCOPED_TRACE(command);
-        const Outcome outcome = run(expected.words, {.input = expected.input});
-        EXPECT_EQ(outcome.status, expected.status);
-        EXPECT_EQ(outcome.out, replaced(expected.out, store));
-        EXPECT_EQ(outcome.err, replaced(expected.err, store));
-    }
+    });
 }
 
 TEST_F(Commands, HelpAndVersionEverywhere) {
