@@ -104,7 +104,6 @@ void configure_library(const Options& options) {
     setenv("MIBS", "", 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE, subagent);
-    netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL, ping_interval_s);
     if (options.socket) {
         netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options.socket);
     }
@@ -112,6 +111,11 @@ void configure_library(const Options& options) {
         netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options.configuration);
         netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
     }
+}
+
+// Behind init_agent, which sets its own of 15 s, and before the configuration, which may set another.
+void set_ping_interval() {
+    netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL, ping_interval_s);
 }
 
 // Registers the tables; the configuration that follows may hold the module's own tokens.
@@ -154,6 +158,7 @@ int main(int argc, char** argv) {
     configure_library(options);
     log_to(options.foreground);
     init_agent(program);
+    set_ping_interval();
     load_module(options.module);
     if (!options.foreground && netsnmp_daemonize(1, 0) != 0) return EX_OSERR;
     if (!catch_signals()) return EX_OSERR;
