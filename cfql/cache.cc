@@ -15,11 +15,10 @@ constexpr int64_t load_share = 5;  // loading takes at most one part in so many 
 // In microseconds.
 constexpr int64_t ms = 1000;
 constexpr int64_t check_interval = 50 * ms;
-constexpr int64_t shortest_credit = 20 * ms;
-constexpr int64_t longest_credit = 1000 * ms;
+constexpr int64_t shortest_pause = 1000 * ms;  // a request takes less, however often it asks
 constexpr int64_t longest_pause = 10000 * ms;
-constexpr int64_t retry_interval = 1000 * ms;
-constexpr int64_t busy_limit = 10000 * ms;  // then a reader waits for the lock
+constexpr int64_t credit = shortest_pause + 50 * ms;  // more than the coarse clock is late
+constexpr int64_t busy_limit = 10000 * ms;            // then a reader waits for the lock
 constexpr int64_t log_interval = 60000 * ms;
 
 int64_t microseconds(clockid_t clock) {
@@ -40,19 +39,20 @@ void Cache::refresh(bool at_once) {
     if (found == Watch::Finding::changed && now_ + credit_ >= next_load_) load();
 }
 
-// Pauses add up, so that many short loads are paid for as one long one is. A second load may follow at once, on credit:
-// one change is often followed by another.
+// A second load may follow at once, on credit: one change is often followed by another. Pauses add up, so that a third
+// has to wait.
 void Cache::load() {
     const int64_t begin = microseconds(CLOCK_MONOTONIC);
     const Status status = take_contents();
-    const int64_t retry = status == Status::ok ? 0 : failed(status);
+    const bool good = status == Status::ok;
+    const int64_t retry = good ? 0 : failed(status);
     const int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
     const int64_t left = std::max(next_load_ - now_, int64_t{0});
     now_ += took;
-    const int64_t pause = (load_share - 1) * took;
-    credit_ = status == Status::ok ? std::clamp(pause, shortest_credit, longest_credit) : 0;
-    next_load_ = now_ + std::min(std::max(left + pause, retry), longest_pause);
-    next_check_ = std::max(next_load_, now_ + check_interval);
+    const int64_t pause = std::max((load_share - 1) * took, good ? shortest_pause : 0);
+    credit_ = good ? credit : 0;
+    next_load_ = now_ + std::min(std::max(left + pause, retry), longest_pause + credit_);
+    next_check_ = std::max(next_load_ - credit_, now_ + check_interval);
 }
 
 Status Cache::take_contents() {
@@ -110,13 +110,13 @@ void Cache::drop() {
 int64_t Cache::failed(Status status) {
     if (status == Status::busy && patience() == 0) {
         if (busy_since_ == 0) busy_since_ = now_;
-        return 0;
+        return check_interval;
     }
     busy_since_ = status == Status::busy ? now_ : 0;
     suspect_ = suspect_ || status != Status::busy;
     if (status != Status::busy && watch_.is_other_file()) drop();
     report(status);
-    return retry_interval;
+    return shortest_pause;
 }
 
 void Cache::report(Status status) {

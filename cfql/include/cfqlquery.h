@@ -14,10 +14,11 @@
  *
  * Freshness: answers come from a copy in memory. cfqlquery_get_grid checks first whether the store has changed,
  * cfqlquery_get_pv if the last check is 50 ms old; the rows of a grid and the values read right after it are of one
- * state. The copy is renewed at once, unless renewing takes long: it takes at most a fifth of the caller's time, so an
- * answer may be eight times as old as a renewal takes, at most 10 s. While a writer holds
- * the store, answers come from the copy there is; beside one that never pauses they are a few seconds old, and no call
- * waits for it longer than 200 ms. After a set of its own a process sees what it wrote.
+ * state. The copy is renewed at once, twice in a row, and then once a second, or less often if renewing takes long: it
+ * takes at most a fifth of the caller's time. So an answer may be two seconds old, or eight times as old as a renewal
+ * takes, at most 10 s. While a writer holds the store, answers come from the copy there is; beside one that never
+ * pauses they are a few seconds old, and no call waits for it longer than 200 ms. After a set of its own a process sees
+ * what it wrote.
  *
  * A store that was readable and is damaged or unreadable is answered for from its last good state, and the system's log
  * hears of it once a minute at most.

@@ -53,7 +53,7 @@ int gettimeofday(timeval* now, void* zone) noexcept {
 
 // Asks the kernel itself: a sanitizer's library calls this before it can do with dlsym.
 int clock_gettime(clockid_t clock, timespec* now) noexcept {
-    if (!control || control->monotonic == 0 || clock != CLOCK_MONOTONIC)
+    if (!control || control->monotonic == 0 || (clock != CLOCK_MONOTONIC && clock != CLOCK_MONOTONIC_COARSE))
         return static_cast<int>(syscall(clock_gettime_number, clock, now));
     *now = {static_cast<time_t>(control->monotonic / 1000), static_cast<long>(control->monotonic % 1000 * 1'000'000)};
     return 0;

@@ -171,8 +171,10 @@ TEST_F(OtherUser, AMemberOfTheGroupSeesWhatRootWrites) {
     const SteppedChild child([](auto stop) {
         if (!become(nobody, nobody)) return 99;
         for (const char* expected : {"office", "second", "third"}) {
-            grid("interface");
-            if (get("interface", "wlan0", "ssid") != expected) return 1;
+            const auto sees = [&] {
+                return grid("interface").size() == 1 && get("interface", "wlan0", "ssid") == expected;
+            };
+            if (!eventually(sees)) return 1;
             if (!stop()) return 2;
         }
         return 0;
