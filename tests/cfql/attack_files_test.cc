@@ -124,6 +124,14 @@ TEST_P(NoStoreHere, EndsTheToolSoon) {
     }
 }
 
+// A file without octets becomes a store.
+TEST_P(NoStoreHere, IsMadeNoStoreOf) {
+    GetParam().put(place.path());
+    const int expected = std::string_view(GetParam().what) == "Nothing" ? 0 : 3;
+    const Outcome outcome = tool(place.path(), {"init"});
+    EXPECT_TRUE(outcome.status == expected || outcome.status == 4) << outcome.status << ": " << outcome.text;
+}
+
 TEST_P(NoStoreHere, MakesNothingBesideIt) {
     GetParam().put(place.path());
     alone([] { EXPECT_EQ(ssid(), std::nullopt); });

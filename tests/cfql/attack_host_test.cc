@@ -111,6 +111,7 @@ TEST_F(Host, HasTheFileSystemInterfaceThatItHad) {
     alone([] {
         sqlite3_vfs* const before = sqlite3_vfs_find(nullptr);
         const sqlite3_vfs copy = *before;
+        const auto open_call = before->xGetSystemCall(before, "open");
         EXPECT_STREQ(before->zName, "unix");
         EXPECT_EQ(ssid(), "office");
         EXPECT_EQ(set("interface", "wlan0", "ssid", "home"), 1);
@@ -119,6 +120,7 @@ TEST_F(Host, HasTheFileSystemInterfaceThatItHad) {
         EXPECT_EQ(before->xOpen, copy.xOpen);
         EXPECT_EQ(before->xAccess, copy.xAccess);
         EXPECT_EQ(before->pAppData, copy.pAppData);
+        EXPECT_EQ(before->xGetSystemCall(before, "open"), open_call);
     });
 }
 

@@ -1,5 +1,6 @@
 // What the library does when the store is not as it should be, or not where it was. Every test wants a process of its
 // own, which ctest gives it: the pause after a failure and the pause between log lines are the process's.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -7,6 +8,21 @@
 
 #include "fixture.h"
 #include "log.h"
+
+// What happens after the N-th look at a path, before the file there is opened.
+namespace {
+struct {
+    std::string path;
+    int countdown = 0;
+    void (*act)(const std::string& path) = nullptr;
+} after_look;
+}  // namespace
+
+extern "C" int lstat(const char* path, struct stat* file) noexcept {
+    const int result = fstatat(AT_FDCWD, path, file, AT_SYMLINK_NOFOLLOW);
+    if (after_look.path == path && --after_look.countdown == 0) after_look.act(path);
+    return result;
+}
 
 namespace {
 
@@ -271,6 +287,33 @@ TEST_F(Failure, WhatLiesBesideAStoreIsNotTouched) {
                   }),
                   0);
         EXPECT_FALSE(fs::exists(place.path() + "-shm"));
+    }
+}
+
+// A pipe takes the place of a file that was looked at and not yet opened.
+TEST_F(Failure, AFileExchangedForAPipeBeforeItIsOpenedHoldsNobodyUp) {
+    const auto put_pipe = [](const std::string& path) {
+        mkfifo((path + ".pipe").c_str(), 0600);
+        rename((path + ".pipe").c_str(), path.c_str());
+    };
+    for (const std::string& path : {place.path(), place.path() + "-journal"}) {
+        bool reached = true;
+        for (int look = 1; reached; ++look) {
+            SCOPED_TRACE(testing::Message() << path << ", look number " << look);
+            remove_store(place.path());
+            make(place.path(), {office});
+            const int result = in_child([&] {
+                alarm(100);
+                after_look = {path, look, put_pipe};
+                ssid();
+                set("interface", "wlan0", "ssid", "home");
+                return after_look.countdown <= 0 ? 0 : 77;
+            });
+            ASSERT_TRUE(result == 0 || result == 77) << result;
+            ASSERT_LT(look, 100);
+            reached = result == 0;
+            EXPECT_TRUE(reached || look > 2) << "it is not looked at";
+        }
     }
 }
 
