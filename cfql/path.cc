@@ -9,7 +9,7 @@ namespace cfql {
 
 const char* store_path() {
     const char* path = secure_getenv("CFQL_STORE");
-    return path && *path != '\0' ? path : "/var/lib/cfql/store.db";
+    return path && *path != '\0' ? path : default_store_path;
 }
 
 bool literal_path(const char* path, char (&out)[PATH_MAX]) {

@@ -7,7 +7,9 @@
 
 namespace cfql {
 
-// CFQL_STORE, unless it is empty or the process runs with raised rights; otherwise /var/lib/cfql/store.db.
+inline constexpr const char* default_store_path = "/var/lib/cfql/store.db";
+
+// CFQL_STORE, unless it is empty or the process runs with raised rights; otherwise the default.
 const char* store_path();
 
 // PATH as SQLite takes it literally: names such as ":memory:" and "file:..." have a meaning of their own there, a path

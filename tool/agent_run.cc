@@ -10,6 +10,7 @@
 #include "access/tables.h"
 #include "cfqlquery.h"
 #include "database.h"
+#include "store/interfaces.h"
 #include "text.h"
 
 // ---- what the tables call: the store, the system, and Net-SNMP for a SET, which never comes here
@@ -208,6 +209,14 @@ const Question* AgentRun::question_for(const std::string& interface, const dot11
             return &question;
     }
     return nullptr;
+}
+
+std::string AgentRun::obstacle(const std::string& interface) const {
+    if (interface.size() > dot11::longest_interface_name)
+        return "the name has more than " + std::to_string(dot11::longest_interface_name) + " characters";
+    const auto number = numbers_.find(interface);
+    if (number != numbers_.end() && number->second == 0) return "the system has no such interface";
+    return {};
 }
 
 const Object* AgentRun::find(const std::string& table, const std::string& name) const {

@@ -73,6 +73,9 @@ class AgentRun {
     const std::string& chosen_by() const { return chosen_by_; }
     const std::string& chosen_value() const { return chosen_value_; }
 
+    // Why the agent passes over an interface of that name; empty when it does not.
+    std::string obstacle(const std::string& interface) const;
+
     // The first object of a name in the contents: the one that the tables see. Null when there is none.
     const Object* find(const std::string& table, const std::string& name) const;
 

@@ -71,6 +71,7 @@ _cfql_options() {
         export) candidates+=(--output --salvage --reveal) ;;
         preview) candidates+=(--json --complete --offline --reveal) ;;
         lint) candidates+=(--offline --defaults) ;;
+        doctor) candidates+=(--as --host --community --user --module) ;;
     esac
 }
 
@@ -106,9 +107,13 @@ _cfql() {
     _cfql_split "${COMP_LINE:0:COMP_POINT}"
     for ((i = 1; i < ${#words[@]}; i++)); do
         case $ended${words[i]} in
-            --store | --nth | --output)
+            --store | --nth | --output | --as | --host | --community | --user | --module)
                 if ((i + 1 == ${#words[@]})); then
-                    [[ ${words[i]} == --nth ]] || compopt -o default
+                    if [[ ${words[i]} == --as ]]; then
+                        mapfile -t candidates < <(compgen -u)
+                        _cfql_offer
+                    fi
+                    [[ ${words[i]} != --@(store|output|module) ]] || compopt -o default
                     return
                 fi
                 i=$((i + 1))
@@ -124,7 +129,7 @@ _cfql() {
     if [[ $current == -* && -z $ended ]]; then
         _cfql_options "${plain[0]}"
     elif ((${#plain[@]} == 0)); then
-        candidates=(init get set unset list import export check preview lint watch)
+        candidates=(init get set unset list import export check preview lint watch doctor)
     elif [[ ${plain[0]} == import ]]; then
         compopt -o default
     else

@@ -21,6 +21,9 @@ struct Request {
     bool defaults = false;
     bool json = false;
     bool complete = false;
+    std::string agent_user;  // empty: whoever runs the agent
+    std::string module;      // the module's file
+    std::string host, community, snmp_user;
 };
 
 Exit init(const Request& request);
@@ -34,5 +37,6 @@ Exit check(const Request& request);
 Exit preview(const Request& request);
 Exit lint(const Request& request);
 Exit watch(const Request& request);
+Exit doctor(const Request& request);
 
 }  // namespace cfql::tool

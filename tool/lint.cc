@@ -161,19 +161,9 @@ class Lint {
                                       quoted(run_.chosen_value()));
             return false;
         }
-        const std::string reason = obstacle(object.name);
-        if (!reason.empty()) findings_.warn(where, reason);
+        const std::string reason = run_.obstacle(object.name);
+        if (!reason.empty()) findings_.warn(where, "skipped: " + reason);
         return reason.empty();
-    }
-
-    // Why the agent passes over an interface of that name; empty when it does not.
-    std::string obstacle(const std::string& name) const {
-        if (name.size() > dot11::longest_interface_name) {
-            return "skipped: the name has more than " + std::to_string(dot11::longest_interface_name) + " characters";
-        }
-        const auto number = run_.numbers().find(name);
-        if (number != run_.numbers().end() && number->second == 0) return "skipped: the system has no such interface";
-        return {};
     }
 
     // ---- what is served

@@ -20,8 +20,8 @@ namespace {
 constexpr const char* version = "cfql " CFQL_VERSION;
 
 constexpr const char* footer =
-    "Exit status: 0 done; 1 the answer is no (not found, faults, warnings); 2 wrong command line;\n"
-    "3 the store is absent, damaged, busy or not yours; 4 wrong input; 5 output not written.\n"
+    "Exit status: 0 done; 1 the answer is no (not found, faults, warnings, things to fix);\n"
+    "2 wrong command line; 3 the store is absent, damaged, busy or not yours; 4 wrong input; 5 output not written.\n"
     "More: man cfql";
 
 // The words after the command, before it is known which of them names the object.
@@ -247,6 +247,21 @@ const Command commands[] = {
      complete_nothing, lint},
     {"watch", "Print changes as they come: set or unset, then as list does",
      [](CLI::App& command, Words&, Request& request) { add_reveal(command, request); }, complete_nothing, watch},
+    {"doctor", "Find out why a table is empty: ask store, system and agent, and say what to do",
+     [](CLI::App& command, Words&, Request& request) {
+         command.add_option("--as", request.agent_user, "The agent's user (default: as whom it runs)")
+             ->type_name("USER");
+         command.add_option("--host", request.host, "The agent's address (default: 127.0.0.1)")->type_name("HOST");
+         command.add_option("--community", request.community, "Ask as this community (default: public)")
+             ->type_name("NAME");
+         command
+             .add_option("--user", request.snmp_user,
+                         "Ask as this SNMPv3 user; passphrases and levels are in snmp.conf(5)")
+             ->type_name("NAME");
+         command.add_option("--module", request.module, "The module's file (default: " DOT11_MODULE ")")
+             ->type_name("FILE");
+     },
+     complete_nothing, doctor},
 };
 
 // What every command has.
@@ -262,6 +277,9 @@ void add_common(CLI::App& app, Request& request) {
 int run(int argc, char** argv) {
     Request request;
     request.store = store_path();
+    request.module = DOT11_MODULE;
+    request.host = "127.0.0.1";
+    request.community = "public";
     CLI::App app("The access point's configuration store", "cfql");
     add_common(app, request);
     app.require_subcommand(0, 1);

@@ -343,7 +343,8 @@ TEST_F(Commands, Usage) {
 }
 
 TEST_F(Commands, HelpAndVersionEverywhere) {
-    const Words names = {"", "init", "get", "set", "unset", "list", "import", "export", "check", "lint", "watch"};
+    const Words names = {"",       "init",  "get",     "set",  "unset", "list",  "import",
+                         "export", "check", "preview", "lint", "watch", "doctor"};
     for (const std::string& name : names) {
         SCOPED_TRACE(name);
         Words words;

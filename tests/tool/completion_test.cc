@@ -66,6 +66,10 @@ TEST_F(Completion, Offers) {
         {"'cfql --store other.db get interface '", "wifi7\n"},
         {"'cfql lint --'", "--defaults --help --offline --store --version\n"},
         {"'cfql import --r'", "--replace\n"},
+        {"'cfql do'", "doctor\n"},
+        {"'cfql doctor --'", "--as --community --help --host --module --store --user --version\n"},
+        {"'cfql doctor --as nobod'", "nobody\n"},
+        {"'cfql doctor --user x --m'", "--module\n"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.line);

@@ -1,0 +1,8 @@
+// In front of the C library: a clock that has not been set since the machine was made.
+#include <time.h>
+
+extern "C" time_t time(time_t* result) {
+    constexpr time_t now = 7;
+    if (result) *result = now;
+    return now;
+}
