@@ -15,7 +15,7 @@ class Attributes {
     Attributes(const void* data, size_t size)
         : data_(static_cast<const char*>(data)), end_(static_cast<const char*>(data) + size) {}
 
-    // Those behind the message's fixed header of HEADER octets.
+    // Those behind the message's fixed header of `header` octets.
     static Attributes of(const nlmsghdr* message, size_t header) {
         const size_t size = mnl_nlmsg_get_payload_len(message);
         const size_t skip = MNL_ALIGN(header);
@@ -25,7 +25,7 @@ class Attributes {
 
     static Attributes in(const nlattr* nest) { return {mnl_attr_get_payload(nest), mnl_attr_get_payload_len(nest)}; }
 
-    // VISIT(type, attribute) for each.
+    // `visit(type, attribute)` for each.
     template <class Visit>
     void each(Visit visit) const {
         const auto* attribute = reinterpret_cast<const nlattr*>(data_);

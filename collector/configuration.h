@@ -20,19 +20,19 @@ struct Configuration {
     std::map<std::string, Values, std::less<>> tables;        // interface or "*": key, value
     std::map<std::string, std::string, std::less<>> aliases;  // interface: name
 
-    // The value of KEY for INTERFACE, or null.
+    // The value of `key` for `interface`, or null.
     const std::string* find(std::string_view interface, std::string_view key) const;
 
     bool operator==(const Configuration&) const = default;
 };
 
-// NAME can be the name of a network interface, and of one that is served.
+// `name` can be the name of a network interface, and of one that is served.
 bool is_served_name(std::string_view name);
 
-// SOURCE names the text in messages. Throws Failure (Exit::configuration) with line and column.
+// `source` names the text in messages. Throws Failure (Exit::configuration) with line and column.
 Configuration read_configuration(std::string_view text, std::string_view source);
 
-// The file at PATH; an absent file is an empty one. Throws Failure (Exit::configuration).
+// The file at `path`; an absent file is an empty one. Throws Failure (Exit::configuration).
 Configuration load_configuration(const std::string& path);
 
 }  // namespace collector

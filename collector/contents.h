@@ -33,7 +33,7 @@ std::optional<uint32_t> regulatory_domain(const Regulatory& rules);
 std::string mac_text(const Mac& mac);
 std::optional<Mac> mac_of(std::string_view text);
 
-// TEXT without control characters and blanks at its ends, at most 127 octets.
+// `text` without control characters and blanks at its ends, at most 127 octets.
 std::string plain(std::string_view text);
 
 Contents contents(const Observed& observed, const Configuration& configuration);
@@ -47,7 +47,8 @@ struct Left {
     bool operator==(const Left&) const = default;
 };
 
-// By the interfaces' indexes. `held` are the collector's objects; texts that it would not have written count for nothing.
+// By the interfaces' indexes. `held` are the collector's objects; texts that it would not have written count for
+// nothing.
 std::map<uint32_t, Left> left_in(const Contents& held);
 
 }  // namespace collector

@@ -26,7 +26,7 @@ bool is_after(uint32_t generation, uint32_t other) {
     return generation != other && !fell(other, generation);
 }
 
-// The list of those PRESENT was made before this departure.
+// The list of those `present` was made before this departure.
 bool is_behind(const Departed& departed, const Stations& present) {
     return departed.generation != 0 && present.generation != 0 && is_after(departed.generation, present.generation);
 }
@@ -79,8 +79,9 @@ void Accumulator::take_present(const Stations& present) {
     known_ = std::move(now);
 }
 
-// DEPARTED belongs in front of the list of those PRESENT. A driver that counts no generations leaves it open whether a
-// station that is in the list left before or afterwards; then the list is right, and what it does not show is let go.
+// `departed` belongs in front of the list of those `present`. A driver that counts no generations leaves it open
+// whether a station that is in the list left before or afterwards; then the list is right, and what it does not show is
+// let go.
 bool Accumulator::is_before(const Departed& departed, const Stations& present) const {
     if (departed.generation == 0 || (present.generation == 0 && !present.stations.empty())) {
         const auto same = [&](const Station& station) { return station.mac == departed.mac; };

@@ -17,12 +17,12 @@ class Accumulator {
     Accumulator() = default;
 
     // Goes on from what is known. What the stations present have counted before the first look is left out: it is in
-    // TOTALS already, or nobody watched.
+    // `totals` already, or nobody watched.
     explicit Accumulator(const Totals& totals);
 
-    // Takes PRESENT in, and those that DEPARTED since the last look. Departures that the list of those present does not
-    // know of yet are ordered by the kernel's generation. COUNT_ACKS: missing acknowledgements are told from missing
-    // CTS, as no RTS is sent.
+    // Takes `present` in, and those that `departed` since the last look. Departures that the list of those present does
+    // not know of yet are ordered by the kernel's generation. `count_acks`: missing acknowledgements are told from
+    // missing CTS, as no RTS is sent.
     void look(const Stations& present, std::span<const Departed> departed, bool count_acks);
 
     const Totals& totals() const { return totals_; }

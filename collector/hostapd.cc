@@ -45,7 +45,7 @@ char plain_escape(char letter) {
     }
 }
 
-// The lines "KEY=VALUE" of TEXT, one after the other.
+// The lines "KEY=VALUE" of `text`, one after the other.
 template <class Visit>
 void each_line(std::string_view text, Visit visit) {
     while (!text.empty()) {

@@ -15,7 +15,7 @@ namespace collector {
 // The octets of a text in hostapd's escapes: \\ \" \e \n \r \t \xNN.
 std::string unescaped(std::string_view text);
 
-// Adds to BSS what an answer to STATUS says of INTERFACE. False: it is no answer to STATUS.
+// Adds to `bss` what an answer to STATUS says of `interface`. False: it is no answer to STATUS.
 bool read_status(std::string_view answer, std::string_view interface, HostapdBss& bss);
 
 // Adds what an answer to GET_CONFIG says. False: it is no answer to GET_CONFIG.
@@ -39,7 +39,7 @@ class Hostapd {
     static constexpr unsigned patience = 3;       // passes with a late answer, then it is asked only after
     static constexpr int64_t long_pause = 60000;  // ms
 
-    // DIRECTORY holds a socket for each BSS, named after its interface.
+    // `directory` holds a socket for each BSS, named after its interface.
     explicit Hostapd(std::string directory) : directory_(std::move(directory)) {}
     Hostapd(const Hostapd&) = delete;
     Hostapd& operator=(const Hostapd&) = delete;
@@ -47,10 +47,10 @@ class Hostapd {
 
     const std::string& directory() const { return directory_; }
 
-    // A pass begins at NOW, ms. A hostapd that is late is asked no more in the same pass.
+    // A pass begins at `now`, ms. A hostapd that is late is asked no more in the same pass.
     void begin_pass(int64_t now);
 
-    // Asks for the BSS of INTERFACE on RADIO. With any answer but `told`, BSS stays as it is. Virtual: tests have
+    // Asks for the BSS of `interface` on `radio`. With any answer but `told`, `bss` stays as it is. Virtual: tests have
     // theirs.
     virtual Answer ask(const std::string& interface, uint32_t radio, HostapdBss& bss);
 

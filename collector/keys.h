@@ -50,7 +50,7 @@ inline constexpr SentKeys sent_keys[] = {
     {"dot11-authenticate-fail-status", "dot11-authenticate-fail-station"},
 };
 
-// The table of the object that holds KEY, for keys that an operator may give: those that the agent reads, without the
+// The table of the object that holds `key`, for keys that an operator may give: those that the agent reads, without the
 // collector's links and marks.
 std::optional<std::string_view> table_of(std::string_view key);
 

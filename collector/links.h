@@ -8,11 +8,11 @@
 
 namespace collector {
 
-// The names of INTERFACE that MESSAGE tells besides the real one. Pure; takes any octets for a message of the announced
-// length.
+// The names of `interface` that `message` tells besides the real one. Pure; takes any octets for a message of the
+// announced length.
 std::vector<std::string> read_alternative_names(const nlmsghdr* message);
 
-// The interface that MESSAGE tells of; 0: none.
+// The interface that `message` tells of; 0: none.
 uint32_t read_link_event(const nlmsghdr* message);
 
 // Calls answer 0 or an errno value.
@@ -23,7 +23,7 @@ class Links {
     Links& operator=(const Links&) = delete;
     virtual ~Links() = default;
 
-    // The index of the interface that has NAME, as any of its names; 0: none.
+    // The index of the interface that has `name`, as any of its names; 0: none.
     virtual uint32_t index_of(const std::string& name) = 0;
     virtual int alternative_names(uint32_t interface, std::vector<std::string>& names) = 0;
     // EEXIST: some interface has it; EPERM: without CAP_NET_ADMIN; EOPNOTSUPP: kernels before 5.5.

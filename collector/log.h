@@ -23,13 +23,14 @@ class Log {
     // Once, without a cause that goes on.
     void say(Level level, const std::string& message);
 
-    // CAUSE holds at the time NOW, ms: said when it is new or its message another. MESSAGE may hold what others chose.
+    // `cause` holds at the time `now`, ms: said when it is new or its message another. `message` may hold what others
+    // chose.
     void holds(const std::string& cause, Level level, const std::string& message, int64_t now);
 
-    // It holds no more; MESSAGE is said if its beginning was. Without a message it is just forgotten.
+    // It holds no more; `message` is said if its beginning was. Without a message it is just forgotten.
     void ended(const std::string& cause, const std::string& message, int64_t now);
 
-    // Ends those that begin with PREFIX and were not said to hold since the time SINCE.
+    // Ends those that begin with `prefix` and were not said to hold since the time `since`.
     void end_others(const std::string& prefix, const std::string& message, int64_t since, int64_t now);
 
     size_t size() const { return causes_.size(); }

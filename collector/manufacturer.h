@@ -7,7 +7,7 @@
 
 namespace collector {
 
-// ROOT stands for "/sys". What is not told is empty.
+// `root` stands for "/sys". What is not told is empty.
 Manufacturer read_manufacturer(const std::string& root);
 
 }  // namespace collector

@@ -13,10 +13,10 @@
 
 namespace collector {
 
-// NAME looks like one that the collector makes: digits, "ap", digits, as 0ap1. No other tool makes such names.
+// `name` looks like one that the collector makes: digits, "ap", digits, as 0ap1. No other tool makes such names.
 bool is_made_name(std::string_view name);
 
-// The NTH name to try for an interface of RADIO, NTH from 0; nothing when there are no more.
+// The `nth` name to try for an interface of `radio`, `nth` from 0; nothing when there are no more.
 std::optional<std::string> made_name(uint32_t radio, unsigned nth);
 
 class Names {
@@ -34,13 +34,13 @@ class Names {
         std::string cause;  // then why, and what to do
     };
 
-    // CONFIGURED: the name that the operator wants, or null. Kept until the interface loses it.
+    // `configured`: the name that the operator wants, or null. Kept until the interface loses it.
     Served served(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured);
 
-    // Forgets interfaces for which GONE holds.
+    // Forgets interfaces for which `gone` holds.
     void forget(const std::function<bool(uint32_t)>& gone);
 
-    // Removes the names that INTERFACE has from the collector; those removed.
+    // Removes the names that `interface` has from the collector; those removed.
     std::vector<std::string> remove(uint32_t interface, const std::string* configured);
 
   private:

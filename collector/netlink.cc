@@ -18,7 +18,7 @@ constexpr unsigned most_events_at_once = 100000;  // more than any buffer holds
 
 enum class Part : uint8_t { data, end, foreign };
 
-// What MESSAGE is in the answer to the request of that SEQUENCE; ERROR is set at the end.
+// What `message` is in the answer to the request of that `sequence`; `error` is set at the end.
 Part part(const nlmsghdr* message, uint32_t sequence, int& error) {
     if (message->nlmsg_seq != sequence) return Part::foreign;
     if (message->nlmsg_type == NLMSG_DONE) return Part::end;

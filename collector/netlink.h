@@ -34,11 +34,11 @@ class Netlink {
     // Asks for room for SIZE octets of events that were not read yet; gets less without CAP_NET_ADMIN.
     void enlarge(int size);
 
-    // Sends REQUEST and gives every part of the answer to VISIT. ETIMEDOUT when the kernel does not end it within two
-    // seconds, EINTR when what was listed changed meanwhile: ask again.
+    // Sends `request` and gives every part of the answer to `visit`. ETIMEDOUT when the kernel does not end it within
+    // two seconds, EINTR when what was listed changed meanwhile: ask again.
     int ask(Request& request, const Visit& visit);
 
-    // Gives every event that is there to VISIT, without waiting. ENOBUFS: some were lost.
+    // Gives every event that is there to `visit`, without waiting. ENOBUFS: some were lost.
     int drain(const Visit& visit);
 
   private:

@@ -11,7 +11,7 @@ namespace collector::nl80211 {
 
 namespace {
 
-// The command of MESSAGE; 0 when it is too short to have one.
+// The command of `message`; 0 when it is too short to have one.
 uint8_t command(const nlmsghdr* message) {
     if (mnl_nlmsg_get_payload_len(message) < sizeof(genlmsghdr)) return 0;
     return static_cast<const genlmsghdr*>(mnl_nlmsg_get_payload(message))->cmd;

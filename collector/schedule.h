@@ -20,7 +20,7 @@ class Schedule {
         last_event_ = now;
     }
 
-    // A pass began at NOW. UNDER_WAY: something had begun of which no event will tell the end.
+    // A pass began at `now`. `under_way`: something had begun of which no event will tell the end.
     void pass(int64_t now, bool under_way) {
         const bool by_event = first_event_.has_value();
         first_event_.reset();

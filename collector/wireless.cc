@@ -68,7 +68,7 @@ int Wireless::ask(uint8_t command, uint16_t flags, const std::function<void(nlms
     return error;
 }
 
-// A list that changed while it was read is read again from its BEGIN.
+// A list that changed while it was read is read again from its `begin`.
 int Wireless::list(uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
                    const Visit& visit) {
     int error = EINTR;

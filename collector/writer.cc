@@ -85,7 +85,7 @@ Status Writer::read() {
     return Status::ok;
 }
 
-// WANTED without what belongs to others.
+// `wanted` without what belongs to others.
 Contents Writer::allowed(const Contents& wanted) const {
     Contents made = wanted;
     std::erase_if(made, [&](const auto& object) { return foreign_.contains(object.first); });

@@ -29,8 +29,8 @@ class Writer {
     // Reads what the collector has in the store. A store that is absent holds nothing.
     Result load();
 
-    // Lets the store hold WANTED; makes a store when there is none. Objects of others stay as they are, also where
-    // WANTED has one of their name: see others().
+    // Lets the store hold `wanted`; makes a store when there is none. Objects of others stay as they are, also where
+    // `wanted` has one of their name: see others().
     Result write(const Contents& wanted);
 
     // What write() would change, a line each; values are printable. To be called after load().

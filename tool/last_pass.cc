@@ -43,7 +43,7 @@ int64_t seconds_since_boot() {
     return now.tv_sec;
 }
 
-// False: LINE is no line of a collector's.
+// False: `line` is no line of a collector's.
 bool read_line(std::string_view line, LastPass& pass) {
     int64_t last = 0;
     int64_t interval = 0;

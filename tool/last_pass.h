@@ -15,8 +15,8 @@
 
 namespace cfql::tool {
 
-// The file of a STORE's collector. Where STORE is a symbolic link, the file is beside what it leads to, which need not
-// exist.
+// The file of the collector of `store`. Where that is a symbolic link, the file is beside what it leads to, which need
+// not exist.
 std::string collector_file(const std::string& store);
 
 inline constexpr mode_t collector_file_mode = 0640;
