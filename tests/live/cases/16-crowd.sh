@@ -23,7 +23,7 @@ all_failed() { [ "$(failures_by_iw)" -ge "$1" ]; }
 
 crowd_leaves() {
     must 'stations' "$radio" add $bss $crowd
-    begin_counting
+    begin_counting $bss
     send_all
     must 'frames to all of them' eventually all_failed $crowd
     counters_agree "with $crowd stations" $bss
