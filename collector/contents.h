@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "configuration.h"
 #include "observed.h"
@@ -15,7 +16,8 @@ struct ObjectName {
     std::string table;
     std::string name;
 
-    auto operator<=>(const ObjectName&) const = default;
+    bool operator==(const ObjectName&) const = default;
+    bool operator<(const ObjectName& other) const { return std::tie(table, name) < std::tie(other.table, other.name); }
 };
 
 using Contents = std::map<ObjectName, Values>;

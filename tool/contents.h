@@ -4,6 +4,7 @@
 #include <compare>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -27,7 +28,10 @@ struct Place {
     std::string name;
     size_t nth;
 
-    auto operator<=>(const Place&) const = default;
+    bool operator==(const Place&) const = default;
+    bool operator<(const Place& other) const {
+        return std::tie(table, name, nth) < std::tie(other.table, other.name, other.nth);
+    }
 };
 
 // The place of every object, in the order of CONTENTS.
