@@ -377,4 +377,21 @@ TEST_F(Users, AnAgentFromBeforeItsUserCameIntoTheGroup) {
                           ") runs, may not read the store: it began before it was in the group: restart it\n"));
 }
 
+// As a unit with DynamicUser has it. The agent and the command are alone in a namespace of processes.
+TEST_F(Users, AnAgentWhoseUserHasNoName) {
+    write("bare.conf", "agentAddress udp:127.0.0.1:1161\nrocommunity safe default\n");
+    run("chown -R 54321:54321 " + folder + "; chown 0:4321 " + store());
+    const std::string agent = "setpriv --reuid=54321 --regid=54321 --clear-groups " SNMPD " -Lf " + folder +
+                              "/log -C -c " + folder + "/bare.conf";
+    const std::string script = write("script", "mount --bind " + write("group", "root:x:0:\ncfql:x:4321:\n") +
+                                                   " /etc/group && export MIBS= SNMP_PERSISTENT_DIR=" + folder +
+                                                   " && " + agent + " && until grep -q NET-SNMP " + folder +
+                                                   "/log; do sleep 0.05; done; " CFQL
+                                                   " doctor --host 127.0.0.1:1161 --community safe --store " +
+                                                   store() + "\n");
+    EXPECT_THAT(said_by("unshare --kill-child -m -pf --mount-proc timeout -s KILL 300 sh " + script).text,
+                AllOf(HasSubstr("fix: user: 54321, as whom snmpd (process "),
+                      HasSubstr(" runs, may not read the store: add SupplementaryGroups=cfql to its unit\n")));
+}
+
 }  // namespace
