@@ -21,6 +21,7 @@ lab_open() {
 lab_close() {
     local status=$?
     trap - EXIT
+    exec 2>/dev/null # the shell tells of each process that it kills
     [ ${#pids[@]} -eq 0 ] || kill -KILL "${pids[@]}" 2>/dev/null || true
     wait 2>/dev/null
     rm -rf "$lab"
