@@ -43,7 +43,12 @@ class Handle {
   public:
     Handle(const std::string& path, int flags, mode_t kind) : path_(path) {
         descriptor_ = open(path.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-        if (descriptor_ < 0) fail_at(path_, "name a place for the store that is no link, in a directory that is there");
+        if (descriptor_ < 0 && errno == ELOOP)
+            throw Failure(Exit::store,
+                          path_ +
+                              ": is a link, as to the store that cfql-collector makes and fills; remove the "
+                              "link to make a store here");
+        if (descriptor_ < 0) fail_at(path_, "name a place for the store in a directory that is there");
         struct stat entry = {};
         const bool is_ours = fstat(descriptor_, &entry) == 0 && (entry.st_mode & S_IFMT) == kind &&
                              entry.st_uid == geteuid() && (kind == S_IFDIR || entry.st_nlink == 1);

@@ -633,12 +633,17 @@ TEST_F(Tool, InitFollowsNoLink) {
     std::filesystem::create_symlink(empty, directory + "/link");
     std::filesystem::create_symlink(directory + "/new", directory + "/dangling");
     std::filesystem::create_hard_link(empty, directory + "/hard");
-    for (const char* name : {"link", "dangling", "hard", "theirs", "pipe"}) {
+    const std::string link =
+        "is a link, as to the store that cfql-collector makes and fills; remove the link to make a store here";
+    const std::string foreign = "belongs to somebody else, or is no plain file; name another with --store";
+    const std::pair<std::string, std::string> refused[] = {
+        {"link", link}, {"dangling", link}, {"hard", foreign}, {"theirs", foreign}, {"pipe", foreign}};
+    for (const auto& [name, reason] : refused) {
         SCOPED_TRACE(name);
         const std::string path = directory + '/' + name;
         const Outcome outcome = run({"init", "--store", path});
         EXPECT_EQ(outcome.status, 3);
-        EXPECT_TRUE(outcome.err.starts_with("cfql: " + path + ": ")) << outcome.err;
+        EXPECT_EQ(outcome.err, "cfql: " + path + ": " + reason + '\n');
     }
     EXPECT_EQ(std::filesystem::file_size(empty), 0U);
     EXPECT_EQ(mode_of(empty), 0600U);
