@@ -275,12 +275,20 @@ TEST_F(Ward, NobodyToAsk) {
     EXPECT_THAT(said_by(command + "-X").text, AllOf(HasSubstr("fix: agent: "), Not(HasSubstr("USAGE"))));
 }
 
-// Whatever its client prints, and however long it runs.
+// Whatever its client prints, and however much.
 TEST_F(Ward, AClientThatIsNoClient) {
-    const std::string client = write("snmpget", "#!/bin/sh\nprintf '.1\\033[2J\\n'\nexit 1\n");
-    run("chmod 755 " + client);
-    EXPECT_THAT(said_by("PATH=" + folder + ":$PATH " + alone + CFQL " doctor --store " + store()).text,
-                HasSubstr("fix: agent: .1\\x1b[2J; no snmpd runs here"));
+    const struct {
+        const char *script, *finding;
+    } cases[] = {
+        {"printf '.1\\033[2J\\n'\nexit 1\n", "fix: agent: .1\\x1b[2J; no snmpd runs here"},
+        {"exec yes .1\n", "; no snmpd runs here: systemctl start snmpd\n"},
+    };
+    for (const auto& expected : cases) {
+        const std::string client = write("snmpget", std::string("#!/bin/sh\n") + expected.script);
+        run("chmod 755 " + client);
+        EXPECT_THAT(said_by("PATH=" + folder + ":$PATH " + alone + CFQL " doctor --store " + store()).text,
+                    HasSubstr(expected.finding));
+    }
 }
 
 TEST_F(Ward, Clocks) {
