@@ -135,8 +135,7 @@ bool is_known_table(std::string_view of) {
 
 std::string typing_error(std::string_view of, std::string_view key) {
     static constexpr std::string_view marks[] = {origin_key, origin_index_key, origin_hostapd_key};
-    if (find_fact(of, key) || of == collector_table || std::ranges::find(marks, key) != std::end(marks))
-        return {};
+    if (find_fact(of, key) || of == collector_table || std::ranges::find(marks, key) != std::end(marks)) return {};
     if (!is_known_table(of)) return "the agent reads no table " + quoted(of) + suggestion(of, known_tables());
     const std::string elsewhere = tables_of(key);
     if (!elsewhere.empty())
