@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "database.h"
+#include "descriptor.h"
 #include "failure.h"
 #include "keys.h"
 #include "store/interfaces.h"
@@ -106,20 +107,6 @@ class Reader {
     throw Failure(Exit::configuration, path + ": " + what);
 }
 
-class File {
-  public:
-    explicit File(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    int descriptor() const { return descriptor_; }
-
-  private:
-    int descriptor_;
-};
-
 }  // namespace
 
 const std::string* Configuration::find(std::string_view interface, std::string_view key) const {
@@ -143,20 +130,20 @@ Configuration read_configuration(std::string_view text, std::string_view source)
 }
 
 Configuration load_configuration(const std::string& path) {
-    const File file(path);
-    if (file.descriptor() < 0) {
+    const cfql::tool::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (file.get() < 0) {
         if (errno == ENOENT) return {};
         fail_at(path,
                 std::string(strerror(errno)) + "; let the collector's user read it, or name another with --config");
     }
     struct stat status = {};
-    if (fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
         fail_at(path, "not a file; name another with --config");
     }
     std::string text(longest_file + 1, '\0');
     size_t size = 0;
     for (ssize_t got = 1; got != 0 && size < text.size(); size += static_cast<size_t>(got)) {
-        got = read(file.descriptor(), text.data() + size, text.size() - size);
+        got = read(file.get(), text.data() + size, text.size() - size);
         if (got < 0) fail_at(path, std::string(strerror(errno)) + "; see the kernel's log (dmesg)");
     }
     if (size > longest_file) fail_at(path, "longer than 64 kB; name another with --config");

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "clock.h"
+#include "descriptor.h"
 #include "schedule.h"
 
 namespace collector {
@@ -25,21 +26,13 @@ sigset_t handled() {
     return signals;
 }
 
-class Descriptor {
-  public:
-    explicit Descriptor(int descriptor) : descriptor_(descriptor) {
-        if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "epoll or signalfd");
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() { close(descriptor_); }
-    int get() const { return descriptor_; }
+// Of a call that made a descriptor, or failed.
+int made(int descriptor) {
+    if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "epoll or signalfd");
+    return descriptor;
+}
 
-  private:
-    int descriptor_;
-};
-
-void watch(const Descriptor& poll, int descriptor) {
+void watch(const cfql::tool::Descriptor& poll, int descriptor) {
     epoll_event event = {};
     event.events = EPOLLIN;
     event.data.fd = descriptor;
@@ -52,8 +45,8 @@ class Loop {
   public:
     explicit Loop(const Work& work)
         : work_(work),
-          poll_(epoll_create1(EPOLL_CLOEXEC)),
-          signals_(make_signals()),
+          poll_(made(epoll_create1(EPOLL_CLOEXEC))),
+          signals_(made(make_signals())),
           schedule_(work.interval, now_ms()),
           alive_at_(now_ms()) {
         watch(poll_, signals_.get());
@@ -112,8 +105,8 @@ class Loop {
     }
 
     const Work& work_;
-    Descriptor poll_;
-    Descriptor signals_;
+    cfql::tool::Descriptor poll_;
+    cfql::tool::Descriptor signals_;
     Schedule schedule_;
     int64_t alive_at_;
     bool ended_ = false;

@@ -10,27 +10,14 @@
 #include <charconv>
 #include <string_view>
 
+#include "descriptor.h"
+
 namespace cfql::tool {
 
 namespace {
 
 constexpr int most_links = 8;
 constexpr size_t last_digits = 20, interval_digits = 5, line_size = last_digits + 1 + interval_digits + 1;
-
-class File {
-  public:
-    explicit File(const std::string& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {}
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() {
-        if (descriptor_ >= 0) close(descriptor_);
-    }
-    int descriptor() const { return descriptor_; }
-
-  private:
-    int descriptor_;
-};
 
 bool read_number(std::string_view text, int64_t& number) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -89,12 +76,12 @@ std::string collector_file(const std::string& store) {
 
 LastPass last_pass(const std::string& store) {
     LastPass pass;
-    const File file(collector_file(store));
-    if (file.descriptor() < 0) {
+    const Descriptor file(open(collector_file(store).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (file.get() < 0) {
         if (errno == ENOENT || errno == ENOTDIR) return pass;
         pass.error = errno;
     } else {
-        pass.error = read_file(file.descriptor(), pass);
+        pass.error = read_file(file.get(), pass);
     }
     if (pass.error != 0) pass.state = LastPass::State::unknown;
     return pass;
