@@ -16,36 +16,26 @@ constexpr auto crc_table = [] {
     return table;
 }();
 
-class Crc32 {
-  public:
-    Crc32& octet(unsigned char value) {
-        state_ = (state_ >> 8) ^ crc_table[(state_ ^ value) & 0xffU];
-        return *this;
-    }
-    Crc32& number(int64_t value) {
-        for (int shift = 56; shift >= 0; shift -= 8)
-            octet(static_cast<unsigned char>(value >> shift));
-        return *this;
-    }
-    Crc32& text(Text value) {
-        for (char c : value)
-            octet(static_cast<unsigned char>(c));
-        return octet(0);
-    }
-    uint32_t result() const { return ~state_; }
+uint32_t add(uint32_t state, unsigned char octet) {
+    return (state >> 8) ^ crc_table[(state ^ octet) & 0xffU];
+}
 
-  private:
-    uint32_t state_ = 0xffffffffU;
-};
+uint32_t add(uint32_t state, Text text) {
+    for (char c : text)
+        state = add(state, static_cast<unsigned char>(c));
+    return add(state, static_cast<unsigned char>(0));
+}
 
 }  // namespace
 
-uint32_t checksum_of_object(int64_t id, Text table, Text object) {
-    return Crc32().number(id).text(table).text(object).result();
+Checksum::Checksum(int64_t id, Text table, Text object) : state_(0xffffffffU) {
+    for (int shift = 56; shift >= 0; shift -= 8)
+        state_ = add(state_, static_cast<unsigned char>(id >> shift));
+    state_ = add(add(state_, table), object);
 }
 
-uint32_t checksum_of_attribute(int64_t id, Text table, Text object, Text key, Text value) {
-    return Crc32().number(id).text(table).text(object).text(key).text(value).result();
+uint32_t Checksum::of_attribute(Text key, Text value) const {
+    return ~add(add(state_, key), value);
 }
 
 }  // namespace cfql

@@ -5,7 +5,6 @@
 #include <string.h>
 #include <time.h>
 
-#include "checksum.h"
 #include "format.h"
 #include "vfs.h"
 
@@ -102,6 +101,20 @@ bool Cursor::ascends(int64_t id, bool has_key, Text key) {
     return true;
 }
 
+// What holds for an object holds for all of its rows.
+void Cursor::read_object(Row& row) {
+    row.table = column(statement_, 1);
+    row.object = column(statement_, 2);
+    if (!begun_ || row.id != last_id_) {
+        checksum_ = Checksum(row.id, row.table, row.object);
+        object_sound_ = is_blob(statement_, 1) && is_blob(statement_, 2) && !refusal_of_table(row.table) &&
+                        !refusal_of_object(row.table, row.object) &&
+                        sqlite3_column_int64(statement_, 3) == checksum_.of_object();
+    }
+    row.object_sound = object_sound_;
+    begun_ = true;
+}
+
 Status Cursor::next(Row& row) {
     const int code = sqlite3_step(statement_);
     if (code == SQLITE_DONE) return close(), Status::end;
@@ -111,29 +124,27 @@ Status Cursor::next(Row& row) {
     }
     sqlite3_stmt* const columns = statement_;
     row.id = sqlite3_column_int64(columns, 0);
-    row.table = column(columns, 1);
-    row.object = column(columns, 2);
-    row.object_sound = is_blob(columns, 1) && is_blob(columns, 2) && !refusal_of_table(row.table) &&
-                       !refusal_of_object(row.table, row.object) &&
-                       sqlite3_column_int64(columns, 3) == checksum_of_object(row.id, row.table, row.object);
+    read_object(row);
     row.has_attribute = sqlite3_column_type(columns, 4) != SQLITE_NULL;
     row.key = column(columns, 4);
     row.value = column(columns, 5);
-    row.attribute_sound =
-        row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && !refusal_of_key(row.key) &&
-        !refusal_of_value(row.value) &&
-        sqlite3_column_int64(columns, 6) == checksum_of_attribute(row.id, row.table, row.object, row.key, row.value);
+    row.attribute_sound = row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && !refusal_of_key(row.key) &&
+                          !refusal_of_value(row.value) &&
+                          sqlite3_column_int64(columns, 6) == checksum_.of_attribute(row.key, row.value);
     if (!ascends(row.id, row.has_attribute, row.key)) return close(), Status::damaged;
     return Status::ok;
 }
 
 Status Database::open(const char* path, Access access, int wait_ms) {
+    code_ = SQLITE_OK;
+    detail_[0] = '\0';
     Status status = open_once(path, access, wait_ms);
     // Where the recovery fails, the journal stays, and what it protects cannot be read either.
     const bool reads = access == Access::recover || access == Access::salvage;
     const bool failed = status == Status::io_error || status == Status::denied || status == Status::read_only;
     if (reads && failed) status = open_for_load(path, reader_wait_ms);
-    if (status == Status::ok && access != Access::salvage) status = examine_structure();
+    const bool examines = access != Access::salvage && !is_known_sound();
+    if (status == Status::ok && examines) status = examine_structure();
     if (status == Status::ok) rollback();
     if (status == Status::ok && access == Access::write) status = prepare_to_write();
     if (status != Status::ok) close();
@@ -168,7 +179,7 @@ Status Database::open_file(const char* file, int flags, int wait_ms) {
     detail_[0] = '\0';
     wait_ms_ = wait_ms;
     pages_ = 0;
-    const Status status = examine_path(file);
+    const Status status = examine_path(file, file_);
     if (status != Status::ok) return status;
     const int code =
         sqlite3_open_v2(file, &connection_, flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, vfs_name());
@@ -234,8 +245,15 @@ Status Database::begin_read() {
 Status Database::begin_write() {
     return begin("BEGIN IMMEDIATE");
 }
+// What was sound before is sound after it.
 Status Database::commit() {
-    return run("COMMIT");
+    const bool was_sound = sound_->known && sound_->counter == counter_;
+    const Status status = run("COMMIT");
+    FileState file;
+    sound_->known =
+        status == Status::ok && was_sound && examine_path(sqlite3_db_filename(connection_, "main"), file) == Status::ok;
+    if (sound_->known) sound_->file = file, sound_->counter = counter_ + 1;
+    return status;
 }
 
 // The query takes the lock and does not read the schema, which is examined first.
@@ -298,7 +316,7 @@ Status Database::insert_object(Text table, Text object, int64_t& id) {
     sqlite3_bind_int64(statement, 1, id);
     bind(statement, 2, table);
     bind(statement, 3, object);
-    sqlite3_bind_int64(statement, 4, checksum_of_object(id, table, object));
+    sqlite3_bind_int64(statement, 4, Checksum(id, table, object).of_object());
     return perform(statement);
 }
 
@@ -326,7 +344,7 @@ Status Database::set_attribute(int64_t id, Text table, Text object, Text key, Te
     sqlite3_bind_int64(statement, 1, id);
     bind(statement, 2, key);
     bind(statement, 3, value);
-    sqlite3_bind_int64(statement, 4, checksum_of_attribute(id, table, object, key, value));
+    sqlite3_bind_int64(statement, 4, Checksum(id, table, object).of_attribute(key, value));
     return perform(statement);
 }
 
@@ -340,7 +358,7 @@ Status Database::get_attribute(int64_t id, Text table, Text object, Text key, Te
     if (code == SQLITE_ROW) {
         const Text found = column(statement, 0);
         const bool sound = is_blob(statement, 0) && !refusal_of_value(found) &&
-                           sqlite3_column_int64(statement, 1) == checksum_of_attribute(id, table, object, key, found);
+                           sqlite3_column_int64(statement, 1) == Checksum(id, table, object).of_attribute(key, found);
         if (sound) value = {static_cast<char*>(memcpy(value_, found.data(), found.size())), found.size()};
         status = sound ? Status::ok : Status::damaged;
     } else {
@@ -384,6 +402,7 @@ Status Database::unset(Text table, Text object, Text key) {
 Status Database::list(Cursor& cursor, Text table, int64_t after) {
     cursor.close();
     cursor.store_ = this;
+    cursor.begun_ = false;
     cursor.last_id_ = after;
     cursor.last_key_size_ = 0;
     const Status status = prepare(
@@ -463,6 +482,7 @@ Status Database::perform(sqlite3_stmt* statement) {
 Status Database::failure(int code) {
     if (code == SQLITE_INTERRUPT) return damage("it takes longer to read than any sound store");
     code_ = code == SQLITE_DONE ? SQLITE_CORRUPT : code;
+    if ((code_ & 0xff) == SQLITE_CORRUPT) sound_->known = false;
     const bool known = connection_ && sqlite3_extended_errcode(connection_) == code_;
     snprintf(detail_, sizeof detail_, "%s", known ? sqlite3_errmsg(connection_) : sqlite3_errstr(code_));
     return status_of(code_);
@@ -470,6 +490,7 @@ Status Database::failure(int code) {
 
 Status Database::damage(const char* what) {
     code_ = SQLITE_CORRUPT;
+    sound_->known = false;
     snprintf(detail_, sizeof detail_, "%s", what);
     return Status::damaged;
 }

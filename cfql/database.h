@@ -31,6 +31,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#include "checksum.h"
 #include "path.h"
 #include "status.h"
 #include "store_limits.h"
@@ -84,17 +85,30 @@ class Cursor {
   private:
     friend class Database;
     bool ascends(int64_t id, bool has_key, Text key);
+    void read_object(Row& row);
 
     Database* store_ = nullptr;
     sqlite3_stmt* statement_ = nullptr;
+    Checksum checksum_;          // of the object
+    bool object_sound_ = false;  // likewise
+    bool begun_ = false;
     int64_t last_id_ = 0;
     size_t last_key_size_ = 0;
     char last_key_[text_limit];
 };
 
+// A file as a Database left it: examined, or written after that.
+struct Sound {
+    bool known = false;
+    FileState file = {};
+    uint32_t counter = 0;  // of changes
+};
+
 class Database {
   public:
     Database() = default;
+    // SOUND, the caller's, is what one leaves to the next.
+    explicit Database(Sound& sound) : sound_(&sound) {}
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
     ~Database() { close(); }
@@ -105,7 +119,8 @@ class Database {
     Status create(const char* path);
 
     // Opens an existing store and examines it (kind, version, schema, structure). Never makes a file. Waits for each
-    // lock reader_wait_ms for Access::read, otherwise WAIT_MS. A relative PATH counts from the working directory.
+    // lock reader_wait_ms for Access::read, otherwise WAIT_MS. A relative PATH counts from the working directory. The
+    // structure is not examined again where it was left sound and the file has not changed since.
     Status open(const char* path, Access access, int wait_ms = writer_wait_ms);
 
     // As open() for Access::read, waiting WAIT_MS for the lock, but the trees are not examined, and a read transaction
@@ -180,6 +195,7 @@ class Database {
     Status examine_pages(const char* pragma, Report report, void* context);
     Status examine_checksums(Report report, void* context);
     Status examine_orphans(Report report, void* context);
+    bool is_known_sound() const;
     Status empty_file();
     Status build();
     Status run(const char* sql);
@@ -200,6 +216,9 @@ class Database {
     int64_t deadline_ = 0;    // of the present wait for a lock
     int64_t pages_ = 0;       // of the file, as a bound for the statements' steps
     int64_t steps_left_ = 0;  // thousands that the present statement may take
+    FileState file_ = {};     // before it was opened
+    Sound own_;
+    Sound* const sound_ = &own_;
     uint32_t counter_ = 0;
     int code_ = 0;  // the extended result code of the last failure
     char detail_[200] = {};

@@ -24,8 +24,16 @@ void label(char (&out)[1024], const Row& row, Text key, const char* fault) {
 // A page that could not be read is reported as a fault too. What is really wrong is found again.
 Status Database::examine_structure() {
     constexpr const char* pragma = "PRAGMA quick_check(1)";
-    const Status status = examine_pages(pragma, nullptr, nullptr);
-    return status == Status::damaged ? examine_pages(pragma, nullptr, nullptr) : status;
+    Status status = examine_pages(pragma, nullptr, nullptr);
+    if (status == Status::damaged) status = examine_pages(pragma, nullptr, nullptr);
+    sound_->known = status == Status::ok;
+    sound_->file = file_;
+    sound_->counter = counter_;
+    return status;
+}
+
+bool Database::is_known_sound() const {
+    return sound_->known && sound_->file == file_ && sound_->counter == counter_;
 }
 
 // PRAGMA answers one row "ok" or a row for each fault. Without REPORT a fault is the result.

@@ -25,6 +25,7 @@ union Process {
     struct State {
         pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
         Cache cache;
+        Sound left;  // by the last write
     } state;
     constexpr Process() : state() {}
     ~Process() {}
@@ -163,7 +164,7 @@ cfqlquery_node* cfqlquery_get_pv(const char* table, const char* object, const ch
 int32_t cfqlquery_set_pv(const char* table, const char* object, const cfqlquery_node* pair, int) {
     if (!pair || !pair->name || !pair->value) return 0;
     const cfql::Lock lock;
-    cfql::Database store;
+    cfql::Database store(process.state.left);
     const Text name = cfql::text_of(object);
     cfql::Status status = cfql::write(store, cfql::text_of(table), name, pair->name, pair->value);
     if (status != cfql::Status::ok && store.worth_another_try())

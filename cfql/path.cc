@@ -17,12 +17,25 @@ bool literal_path(const char* path, char (&out)[PATH_MAX]) {
     return size > 0 && static_cast<size_t>(size) < sizeof out;
 }
 
-Status examine_path(const char* path) {
+namespace {
+
+int64_t nanoseconds(const struct timespec& time) {
+    return int64_t{time.tv_sec} * 1000000000 + time.tv_nsec;
+}
+
+}  // namespace
+
+FileState state_of(const struct stat& file) {
+    return {file.st_dev, file.st_ino, file.st_size, nanoseconds(file.st_mtim), nanoseconds(file.st_ctim)};
+}
+
+Status examine_path(const char* path, FileState& state) {
     struct stat file;
     if (stat(path, &file) != 0) {
         if (errno == ENOENT || errno == ENOTDIR) return Status::absent;
         return errno == EACCES ? Status::denied : Status::io_error;
     }
+    state = state_of(file);
     return S_ISREG(file.st_mode) ? Status::ok : Status::not_a_store;
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <limits.h>
+#include <stdint.h>
+#include <sys/stat.h>
 
 #include "status.h"
 
@@ -16,8 +18,18 @@ const char* store_path();
 // with a slash has none. False when it is too long.
 bool literal_path(const char* path, char (&out)[PATH_MAX]);
 
-// ok for a regular file, otherwise absent, denied, io_error or not_a_store.
-Status examine_path(const char* path);
+// What tells a file, and one state of it from the next.
+struct FileState {
+    dev_t device;
+    ino_t inode;
+    off_t size;
+    int64_t modified, changed;  // in ns
+    bool operator==(const FileState&) const = default;
+};
+FileState state_of(const struct stat& file);
+
+// ok for a regular file, with its STATE, otherwise absent, denied, io_error or not_a_store.
+Status examine_path(const char* path, FileState& state);
 
 // Whether a file is at PATH and has no octets, as those of /proc say of themselves: one of them is never read to its
 // end.

@@ -1,6 +1,9 @@
 #include "snapshot.h"
 
+#include <stdlib.h>
+
 #include <algorithm>
+#include <iterator>
 
 namespace cfql {
 
@@ -55,13 +58,18 @@ bool Snapshot::add_text(Text text) {
 
 // An object without attributes ends the list: where the attributes of the last one end.
 bool Snapshot::sort() {
-    std::sort(sorted_.begin(), sorted_.end(), [this](uint32_t left, uint32_t right) {
-        const int tables = table(objects_[left]).compare(table(objects_[right]));
-        const int names = tables != 0 ? tables : name(objects_[left]).compare(name(objects_[right]));
-        return names != 0 ? names < 0 : left < right;
-    });
+    if (sorted_.size() != 0) qsort_r(sorted_.begin(), sorted_.size(), sizeof(uint32_t), compare, this);
     const Object end = {0, 0, static_cast<uint32_t>(attributes_.size()), 0, 0};
     return objects_.append(&end, 1);
+}
+
+int Snapshot::compare(const void* left, const void* right, void* snapshot) {
+    const auto& self = *static_cast<const Snapshot*>(snapshot);
+    const uint32_t indexes[] = {*static_cast<const uint32_t*>(left), *static_cast<const uint32_t*>(right)};
+    const Object *const first = &self.objects_[indexes[0]], *const second = &self.objects_[indexes[1]];
+    const int tables = self.table(*first).compare(self.table(*second));
+    const int names = tables != 0 ? tables : self.name(*first).compare(self.name(*second));
+    return names != 0 ? names : indexes[0] < indexes[1] ? -1 : 1;
 }
 
 void Snapshot::clear() {
@@ -69,6 +77,7 @@ void Snapshot::clear() {
     objects_.clear();
     attributes_.clear();
     sorted_.clear();
+    std::fill(std::begin(recent_), std::end(recent_), 0);
 }
 
 void Snapshot::swap(Snapshot& other) {
@@ -76,41 +85,69 @@ void Snapshot::swap(Snapshot& other) {
     objects_.swap(other.objects_);
     attributes_.swap(other.attributes_);
     sorted_.swap(other.sorted_);
+    std::swap(recent_, other.recent_);
 }
 
+// One object after the other is read, key by key, and the objects that it leads to: the last ones are found at once.
 bool Snapshot::get(Text wanted_table, Text wanted_name, Text wanted_key, Text& value) const {
+    const size_t last_octet = wanted_name.empty() ? 0 : static_cast<unsigned char>(wanted_name.back());
+    uint32_t& recent = recent_[(wanted_table.size() + last_octet) % std::size(recent_)];
+    if (!is(recent, wanted_table, wanted_name)) recent = first_of(wanted_table, wanted_name);
+    return is(recent, wanted_table, wanted_name) && find(recent, wanted_key, value);
+}
+
+bool Snapshot::is(uint32_t index, Text wanted_table, Text wanted_name) const {
+    if (index >= sorted_.size()) return false;
+    const Object& object = objects_[index];
+    return name(object) == wanted_name && table(object) == wanted_table;
+}
+
+// The first object of that name, or any other when there is none.
+uint32_t Snapshot::first_of(Text wanted_table, Text wanted_name) const {
     const uint32_t* const found = std::partition_point(sorted_.begin(), sorted_.end(), [&](uint32_t index) {
         const int tables = table(objects_[index]).compare(wanted_table);
         return tables != 0 ? tables < 0 : name(objects_[index]) < wanted_name;
     });
-    if (found == sorted_.end()) return false;
-    const Object& object = objects_[*found];
-    return name(object) == wanted_name && table(object) == wanted_table && find(*found, wanted_key, value);
+    return found == sorted_.end() ? 0 : *found;
 }
 
 bool Snapshot::find(size_t object, Text wanted, Text& value) const {
+    const Attribute* const begin = attributes_.begin() + objects_[object].attributes;
     const Attribute* const end = attributes_.begin() + objects_[object + 1].attributes;
     const Attribute* const found =
-        std::partition_point(attributes_.begin() + objects_[object].attributes, end,
-                             [&](const Attribute& attribute) { return key(attribute) < wanted; });
+        std::partition_point(begin, end, [&](const Attribute& attribute) { return key(attribute) < wanted; });
     if (found == end || key(*found) != wanted) return false;
-    value = text(found->key + found->key_size + 1, found->value_size);
+    place_ = static_cast<size_t>(found - begin);
+    value = value_of(*found);
     return true;
 }
 
+// Objects of a table have mostly the same keys: what one has at a place, the next has there too.
 bool Snapshot::carries(size_t object, const cfqlquery_node* filter) const {
     for (const cfqlquery_node* pair = filter; pair; pair = pair->next) {
-        Text value;
         if (!pair->name || !pair->value) return false;
-        if (!find(object, pair->name, value) || value != pair->value) return false;
+        const Text wanted = pair->name;
+        const size_t likely = objects_[object].attributes + place_;
+        Text value;
+        if (likely < objects_[object + 1].attributes && key(attributes_[likely]) == wanted)
+            value = value_of(attributes_[likely]);
+        else if (!find(object, wanted, value))
+            return false;
+        if (value != pair->value) return false;
     }
     return true;
 }
 
+// Neighbours of one table share its text.
 bool Snapshot::next(Text wanted, const cfqlquery_node* filter, size_t& position, Text& found) const {
+    uint32_t last = UINT32_MAX;
+    bool belongs = false;
     for (; position < sorted_.size(); ++position) {
-        if (table(objects_[position]) != wanted || !carries(position, filter)) continue;
-        found = name(objects_[position]);
+        const Object& object = objects_[position];
+        if (object.table != last) belongs = table(object) == wanted;
+        last = object.table;
+        if (!belongs || !carries(position, filter)) continue;
+        found = name(object);
         ++position;
         return true;
     }

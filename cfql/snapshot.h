@@ -50,11 +50,17 @@ class Snapshot {
     bool take_object(const Row& row);
     bool add_text(Text text);
     bool sort();
+    static int compare(const void* left, const void* right, void* snapshot);
     size_t bytes() const { return texts_.bytes() + objects_.bytes() + attributes_.bytes() + sorted_.bytes(); }
     Text text(uint32_t offset, size_t size) const { return {texts_.begin() + offset, size}; }
     Text table(const Object& object) const { return text(object.table, object.table_size); }
     Text name(const Object& object) const { return text(object.name, object.name_size); }
     Text key(const Attribute& attribute) const { return text(attribute.key, attribute.key_size); }
+    Text value_of(const Attribute& attribute) const {
+        return text(attribute.key + attribute.key_size + 1, attribute.value_size);
+    }
+    bool is(uint32_t index, Text table, Text name) const;
+    uint32_t first_of(Text table, Text name) const;
     bool find(size_t object, Text key, Text& value) const;
     bool carries(size_t object, const cfqlquery_node* filter) const;
 
@@ -63,6 +69,9 @@ class Snapshot {
     Array<Attribute> attributes_;  // of one object together, in octet order of their keys
     Array<uint32_t> sorted_;       // the objects in order of table, name, insertion
     int64_t last_id_ = 0;
+    // What get() found last: each the first object of its name. 0 always is.
+    mutable uint32_t recent_[8] = {};
+    mutable size_t place_ = 0;  // of the attribute that find() found last, among those of its object
 };
 
 }  // namespace cfql

@@ -15,14 +15,10 @@ namespace {
 constexpr int64_t second = 1000000000;
 constexpr int64_t settling = 3 * second;  // file systems stamp in steps of up to 2 s, and a tick late
 
-int64_t nanoseconds(const struct timespec& time) {
-    return int64_t{time.tv_sec} * second + time.tv_nsec;
-}
-
 int64_t time_of(clockid_t clock) {
     struct timespec now;
     clock_gettime(clock, &now);
-    return nanoseconds(now);
+    return int64_t{now.tv_sec} * second + now.tv_nsec;
 }
 
 // False when it cannot be read.
@@ -42,7 +38,7 @@ Watch::Finding Watch::check(const char* path) {
     const int64_t wall = time_of(CLOCK_REALTIME_COARSE);
     struct stat file = {};
     if (stat(path, &file) != 0) return errno == ENOENT || errno == ENOTDIR ? Finding::absent : Finding::changed;
-    now_ = {file.st_dev, file.st_ino, file.st_size, nanoseconds(file.st_mtim), nanoseconds(file.st_ctim)};
+    now_ = state_of(file);
     may_settle_ = wall - std::max(now_.modified, now_.changed) >= settling;
     const bool settled = !clock_stepped_back(wall) && settled_;
     settled_ = settled;

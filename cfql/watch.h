@@ -2,9 +2,9 @@
 // stays open.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <stdint.h>
+
+#include "path.h"
 
 namespace cfql {
 
@@ -34,18 +34,10 @@ class Watch {
     uint32_t counter() const { return counter_; }  // of the last good load
 
   private:
-    struct State {
-        dev_t device;
-        ino_t inode;
-        off_t size;
-        int64_t modified, changed;  // in ns
-        bool operator==(const State&) const = default;
-    };
-
     bool clock_stepped_back(int64_t wall);
 
-    State seen_ = {};  // before the last good load
-    State now_ = {};   // at the last check
+    FileState seen_ = {};  // before the last good load
+    FileState now_ = {};   // at the last check
     uint32_t counter_ = 0;
     bool known_ = false;
     bool settled_ = false;     // the last good load was

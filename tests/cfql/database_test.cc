@@ -43,9 +43,9 @@ std::vector<std::string> faults(const std::string& path) {
 
 TEST(Checksum, IsTheCrc32OfIdAndTexts) {
     // Computed by zlib over "\0\0\0\0\0\0\0\1interface\0wlan0\0" and the same with "ssid\0office\0" after it.
-    EXPECT_EQ(cfql::checksum_of_object(1, "interface", "wlan0"), 1756320469U);
-    EXPECT_EQ(cfql::checksum_of_attribute(1, "interface", "wlan0", "ssid", "office"), 2576157382U);
-    EXPECT_EQ(cfql::checksum_of_object(-2, "", ""), 2952842132U);
+    EXPECT_EQ(cfql::Checksum(1, "interface", "wlan0").of_object(), 1756320469U);
+    EXPECT_EQ(cfql::Checksum(1, "interface", "wlan0").of_attribute("ssid", "office"), 2576157382U);
+    EXPECT_EQ(cfql::Checksum(-2, "", "").of_object(), 2952842132U);
 }
 
 TEST(File, HasTheFormatThatIsDocumented) {

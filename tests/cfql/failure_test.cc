@@ -149,6 +149,23 @@ TEST_F(Failure, DamageOutsideWhatIsReadIsFoundAllTheSame) {
     EXPECT_EQ(cfql::Database().open(place.path().c_str(), cfql::Access::read), cfql::Status::damaged);
 }
 
+// A writer does not examine again what it left behind, unless somebody else was there.
+TEST_F(Failure, DamageBetweenTwoWritesIsFoundByTheSecond) {
+    std::vector<Value> values;
+    for (int i = 0; i < 40; ++i)
+        values.push_back({"interface", "zulu", "k" + std::to_string(i), std::string(500, 'a')});
+    put(place.path(), values);
+    EXPECT_EQ(set("interface", "wlan0", "ssid", "first"), 1);
+    const auto last_page = static_cast<std::streamoff>(fs::file_size(place.path())) - 1024;
+    std::string page(1024, '\0');
+    std::fstream file(place.path(), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekg(last_page).read(page.data(), 1024);
+    file.seekp(last_page) << std::string(1024, '\xff') << std::flush;
+    EXPECT_EQ(set("interface", "wlan0", "ssid", "second"), 0);
+    file.seekp(last_page) << page << std::flush;
+    EXPECT_EQ(set("interface", "wlan0", "ssid", "third"), 1);
+}
+
 TEST_F(Failure, AFileOfAnotherKindIsNoStore) {
     const struct {
         const char* what;

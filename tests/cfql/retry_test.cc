@@ -117,6 +117,23 @@ TEST_F(Retry, WithoutAFailureTheStoreIsOpenedOnce) {
     }));
 }
 
+TEST_F(Retry, AWriterExaminesTheTreesOnceAndAgainWhenAnotherHasWritten) {
+    for (int i = 0; i < 40; ++i)
+        put(place.path(), {{"interface", "zulu", "k" + std::to_string(i), std::string(500, 'a')}});
+    EXPECT_TRUE(alone([&] {
+        const auto readings = [] {
+            disk.become(nullptr);
+            EXPECT_EQ(write_home(), "home");
+            return disk.calls[Call::read];
+        };
+        const int first = readings();
+        EXPECT_LT(readings(), first / 2);
+        EXPECT_LT(readings(), first / 2);
+        put(place.path(), {{"interface", "zulu", "k0", "of another"}});
+        EXPECT_GE(readings(), first);
+    }));
+}
+
 const struct {
     const Operation& operation;
     Call call;
