@@ -168,7 +168,7 @@ TEST_P(Store, ReplacedByGarbage) {
     scribble(agent->folder() + "/text");
     remove_store();
     std::filesystem::rename(agent->folder() + "/text", path());
-    EXPECT_EQ(get_read_again(beacon), "noSuchInstance");
+    expect_soon(beacon, "noSuchInstance");
     replace_store("200");
     expect_soon(beacon, "INTEGER 200");
 }
