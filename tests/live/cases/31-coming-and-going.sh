@@ -39,6 +39,7 @@ while [ $SECONDS -lt $end ]; do
     now=$(answered wlan0)
     ! fell "$now" "$before" || wrong "round $rounds: a counter fell, from $before to $now"
     before=$now
+    [ $((rounds % 20)) -ne 0 ] || note "      $rounds rounds, counters $now"
 done
 for client in "${clients[@]}"; do must "an end of client $client" end_process $lab/client$client.pid; done
 counters_agree "after $rounds rounds and $(grep -c departed $departures) departures"
