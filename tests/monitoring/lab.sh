@@ -8,7 +8,7 @@ readonly exporter_at=127.0.0.1:9116 prometheus_at=127.0.0.1:9090
 lab='' pids=()
 
 # enter_namespace "$0" "$@": runs the script again, in a namespace of its own.
-enter_namespace() { [ -n "${LAB_NAMESPACE-}" ] || LAB_NAMESPACE=yes exec unshare -rn "$@"; }
+enter_namespace() { [ -n "${LAB_NAMESPACE-}" ] || LAB_NAMESPACE=yes exec "$top/tests/alone" "$@"; }
 
 lab_open() {
     lab=$(mktemp -d)
