@@ -377,6 +377,8 @@ TEST_F(Users, MayOrMayNotReadTheStore) {
                 HasSubstr("note: user: run this as root to find out whether root may read the store\n"));
 }
 
+// With a sanitizer, an agent that has changed its user cannot look for leaks, and fails.
+#ifndef ADDRESS_SANITIZER
 // It has the groups that it began with.
 TEST_F(Users, AnAgentFromBeforeItsUserCameIntoTheGroup) {
     run("chgrp 4321 " + store());
@@ -390,6 +392,7 @@ TEST_F(Users, AnAgentFromBeforeItsUserCameIntoTheGroup) {
                 HasSubstr("fix: user: daemon, as whom snmpd (process " + std::to_string(agent.pid()) +
                           ") runs, may not read the store: it began before it was in the group: restart it\n"));
 }
+#endif
 
 // As a unit with DynamicUser has it. The agent and the command are alone in a namespace of processes.
 TEST_F(Users, AnAgentWhoseUserHasNoName) {
