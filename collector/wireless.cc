@@ -102,8 +102,10 @@ int Wireless::radio(uint32_t index, Radio& radio) {
         NL80211_CMD_GET_WIPHY, NLM_F_ACK,
         [&](nlmsghdr* request) { mnl_attr_put_u32(request, NL80211_ATTR_WIPHY, index); },
         [&](const nlmsghdr* message) { found = nl80211::read_radio(message); });
-    if (error == 0 && found) radio = *std::move(found);
-    return error == 0 && !found ? EBADMSG : error;
+    if (error != 0) return error;
+    if (!found) return EBADMSG;
+    radio = *std::move(found);
+    return 0;
 }
 
 int Wireless::regulatory(std::vector<Regulatory>& found) {
