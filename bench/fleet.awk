@@ -21,22 +21,22 @@ BEGIN {
     samples = (a[4] - b[4]) / agents / seconds
     exporter_seconds = (a[5] - b[5]) / ticks_per_second / agents / seconds
     octets_per_sample = d[1] / d[2]
-    print "Measured: " agents " agents of three radios, " whole(seconds) " seconds, load of the machine " load ".\n"
+    print "Measured: " agents " agents with three radios each, " whole(seconds) " seconds, load " load ".\n"
     print "| | |"
     print "|---|---|"
-    row("packets, an agent and minute, both ways", short(60 * packets))
-    row("octets, an agent and minute, both ways, with Ethernet's headers", whole(60 * octets))
-    row("samples, an agent and minute, with those of the rules", whole(60 * samples))
-    row("series, an agent", whole(series / agents))
-    row("time of a poll, on average", sprintf("%.1f ms", 1000 * scrape))
+    row("packets per agent and minute, both ways", short(60 * packets))
+    row("octets per agent and minute, both ways, with Ethernet's headers", whole(60 * octets))
+    row("samples per agent and minute, with those of the rules", whole(60 * samples))
+    row("series per agent", whole(series / agents))
+    row("average time of a poll", sprintf("%.1f ms", 1000 * scrape))
     row("time of the slowest poll", sprintf("%.1f ms", 1000 * slowest))
-    row("processor time of the exporter, an agent and minute", sprintf("%.1f ms", 60000 * exporter_seconds))
-    row("processor time of Prometheus with its rules, an agent and minute", sprintf("%.1f ms", 60000 * (a[6] - b[6]) / ticks_per_second / agents / seconds))
-    row("processor time of an agent, a minute", sprintf("%.1f ms", 60000 * (a[7] - b[7]) / ticks_per_second / agents / seconds))
-    row("memory of an agent, resident", sprintf("%.1f MB, of which %.1f MB are its own share", agent_rss / 1024, agent_pss / 1024 / agents))
-    row("memory of the exporter, resident", whole(exporter / 1024) " MB")
-    row("memory of Prometheus, resident", whole(prometheus / 1024) " MB")
-    row("disk, a sample", sprintf("%.1f octets", octets_per_sample))
+    row("processor time of the exporter per agent and minute", sprintf("%.1f ms", 60000 * exporter_seconds))
+    row("processor time of Prometheus with its rules per agent and minute", sprintf("%.1f ms", 60000 * (a[6] - b[6]) / ticks_per_second / agents / seconds))
+    row("processor time of an agent per minute", sprintf("%.1f ms", 60000 * (a[7] - b[7]) / ticks_per_second / agents / seconds))
+    row("resident memory of an agent", sprintf("%.1f MB, of which %.1f MB are its own share", agent_rss / 1024, agent_pss / 1024 / agents))
+    row("resident memory of the exporter", whole(exporter / 1024) " MB")
+    row("resident memory of Prometheus", whole(prometheus / 1024) " MB")
+    row("disk per sample", sprintf("%.1f octets", octets_per_sample))
     print "\nComputed from it:\n"
     print "| access points | interval | requests/s | traffic | samples/s | series | processors for exporting | exporters | disk, 15 days |"
     print "|---|---|---|---|---|---|---|---|---|"
