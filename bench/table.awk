@@ -3,7 +3,7 @@
 # usage: awk -v complete=0|1 -f bench/table.awk bench/rows.tsv RESULTS
 BEGIN {
     FS = "\t"
-    print "| measure | interfaces | ours | beside | ratio | at most |"
+    print "| measure | interfaces | ours | yardstick | ratio | limit |"
     print "|---|---|---|---|---|---|"
 }
 /^#/ { next }
