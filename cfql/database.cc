@@ -107,8 +107,8 @@ void Cursor::read_object(Row& row) {
     row.object = column(statement_, 2);
     if (!begun_ || row.id != last_id_) {
         checksum_ = Checksum(row.id, row.table, row.object);
-        object_sound_ = is_blob(statement_, 1) && is_blob(statement_, 2) && !refusal_of_table(row.table) &&
-                        !refusal_of_object(row.table, row.object) &&
+        object_sound_ = is_blob(statement_, 1) && is_blob(statement_, 2) && !table_error(row.table) &&
+                        !object_error(row.table, row.object) &&
                         sqlite3_column_int64(statement_, 3) == checksum_.of_object();
     }
     row.object_sound = object_sound_;
@@ -128,8 +128,8 @@ Status Cursor::next(Row& row) {
     row.has_attribute = sqlite3_column_type(columns, 4) != SQLITE_NULL;
     row.key = column(columns, 4);
     row.value = column(columns, 5);
-    row.attribute_sound = row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && !refusal_of_key(row.key) &&
-                          !refusal_of_value(row.value) &&
+    row.attribute_sound = row.has_attribute && is_blob(columns, 4) && is_blob(columns, 5) && !key_error(row.key) &&
+                          !value_error(row.value) &&
                           sqlite3_column_int64(columns, 6) == checksum_.of_attribute(row.key, row.value);
     if (!ascends(row.id, row.has_attribute, row.key)) return close(), Status::damaged;
     return Status::ok;
@@ -306,7 +306,7 @@ Status Database::find_object(Text table, Text object, int64_t& id) {
 }
 
 Status Database::insert_object(Text table, Text object, int64_t& id) {
-    if (refusal_of_table(table) || refusal_of_object(table, object)) return Status::refused;
+    if (table_error(table) || object_error(table, object)) return Status::refused;
     // The id goes into the checksum, so it is chosen here. No other writer can come between: a write transaction is
     // open.
     Status status = fetch(next_id_, id);
@@ -337,7 +337,7 @@ Status Database::delete_all() {
 }
 
 Status Database::set_attribute(int64_t id, Text table, Text object, Text key, Text value) {
-    if (refusal_of_key(key) || refusal_of_value(value)) return Status::refused;
+    if (key_error(key) || value_error(value)) return Status::refused;
     sqlite3_stmt* statement = nullptr;
     const Status status = query(put_, statement);
     if (status != Status::ok) return status;
@@ -357,7 +357,7 @@ Status Database::get_attribute(int64_t id, Text table, Text object, Text key, Te
     const int code = sqlite3_step(statement);
     if (code == SQLITE_ROW) {
         const Text found = column(statement, 0);
-        const bool sound = is_blob(statement, 0) && !refusal_of_value(found) &&
+        const bool sound = is_blob(statement, 0) && !value_error(found) &&
                            sqlite3_column_int64(statement, 1) == Checksum(id, table, object).of_attribute(key, found);
         if (sound) value = {static_cast<char*>(memcpy(value_, found.data(), found.size())), found.size()};
         status = sound ? Status::ok : Status::damaged;
@@ -379,8 +379,8 @@ Status Database::unset_attribute(int64_t id, Text key) {
 }
 
 Status Database::set(Text table, Text object, Text key, Text value) {
-    if (refusal_of_table(table) || refusal_of_object(table, object)) return Status::refused;
-    if (refusal_of_key(key) || refusal_of_value(value)) return Status::refused;
+    if (table_error(table) || object_error(table, object)) return Status::refused;
+    if (key_error(key) || value_error(value)) return Status::refused;
     int64_t id = 0;
     Status status = find_object(table, object, id);
     if (status == Status::not_found) status = insert_object(table, object, id);

@@ -15,9 +15,9 @@ inline constexpr Text name_key = "name";           // stands for an object's nam
 
 // Why a text is refused, as one line that names the rule, or null when it is allowed. An object is allowed or refused
 // for its table. All of them refuse a NUL among the octets.
-const char* refusal_of_table(Text table);
-const char* refusal_of_object(Text table, Text object);
-const char* refusal_of_key(Text key);
-const char* refusal_of_value(Text value);
+const char* table_error(Text table);
+const char* object_error(Text table, Text object);
+const char* key_error(Text key);
+const char* value_error(Text value);
 
 }  // namespace cfql

@@ -69,7 +69,7 @@ class Reader {
         for (const auto& [key, node] : table) {
             const toml::value<std::string>* value = node.as_string();
             if (!value) {
-                fail(node.source(), "the value of " + quoted(key.str()) + " is no text: put it in quotes");
+                fail(node.source(), "the value of " + quoted(key.str()) + " is not a string: put it in quotes");
             }
             if (key.str() == alias_key) {
                 add_alias(interface, key, value->get());
@@ -95,7 +95,7 @@ class Reader {
         if (!table_of(name)) {
             fail(key.source(), quoted(name) + " is no key that can be given here; man cfql-collector lists them");
         }
-        if (const char* refusal = cfql::refusal_of_value(value)) fail(key.source(), refusal);
+        if (const char* refusal = cfql::value_error(value)) fail(key.source(), refusal);
         made_.tables[interface].emplace(name, value);
     }
 

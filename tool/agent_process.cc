@@ -32,7 +32,7 @@ std::string rest_of(int descriptor, size_t most) {
     return text;
 }
 
-// None when it may not be read.
+// None if it may not be read.
 std::optional<std::string> text_of_process(pid_t id, const char* file) {
     const std::string path = "/proc/" + std::to_string(id) + '/' + file;
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -115,7 +115,7 @@ std::optional<AgentProcess> agent_process(pid_t id) {
     return process;
 }
 
-bool take(const Rights& rights) {
+bool assume(const Rights& rights) {
     const Rights own = own_rights();
     if (own.user == rights.user && own.group == rights.group && own.groups == rights.groups) return true;
     return setgroups(rights.groups.size(), rights.groups.data()) == 0 &&
@@ -123,10 +123,10 @@ bool take(const Rights& rights) {
            setresuid(rights.user, rights.user, rights.user) == 0;
 }
 
-// In the new process.
+// Runs in the new process.
 [[noreturn]] void perform(const Rights& rights, const std::function<std::string()>& task, int output) {
     alarm(task_seconds);
-    if (!take(rights)) _exit(1);
+    if (!assume(rights)) _exit(1);
     const std::string result = task().substr(0, most_of_a_result);
     const bool is_written = write(output, result.data(), result.size()) == static_cast<ssize_t>(result.size());
     _exit(is_written ? 0 : 1);
@@ -142,7 +142,7 @@ std::vector<AgentProcess> agent_processes() {
         std::optional<AgentProcess> process = id > 0 ? agent_process(static_cast<pid_t>(id)) : std::nullopt;
         if (process) found.push_back(*process);
     }
-    // Of the others it is not known whether they are of this network.
+    // The others may belong to another network namespace.
     if (std::ranges::any_of(found, &AgentProcess::may_be_examined))
         std::erase_if(found, [](const AgentProcess& process) { return !process.may_be_examined; });
     return found;

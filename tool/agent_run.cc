@@ -13,7 +13,7 @@
 #include "store/interfaces.h"
 #include "text.h"
 
-// ---- what the tables call: the store, the system, and Net-SNMP for a SET, which never comes here
+// ---- what the tables call: the store, the system, and Net-SNMP for a SET, which never happens here
 
 namespace {
 
@@ -23,7 +23,7 @@ using cfql::tool::Object;
 
 AgentRun* running = nullptr;
 
-// A node of an answer with the texts that it shows. The node comes first: its address is that of the whole.
+// A node of an answer with the texts that it points to. The node comes first, so that its address is that of the whole.
 struct Node {
     cfqlquery_node node;
     std::string tag, value;
@@ -73,7 +73,7 @@ char check_rowstatus_transition(int, int) {
     return 0;
 }
 
-// The linker's name for the calls of if_nametoindex, and for the C library's.
+// The linker (--wrap) sends calls of if_nametoindex to __wrap_, and those of __real_ to the C library.
 unsigned __real_if_nametoindex(const char* name);
 unsigned __wrap_if_nametoindex(const char* name) {
     return running ? running->number_of(name) : __real_if_nametoindex(name);
@@ -84,7 +84,7 @@ namespace cfql::tool {
 
 namespace {
 
-// The tables from which the agent takes names for those of interfaces.
+// Tables whose objects' names the agent takes for interfaces.
 bool holds_interfaces(std::string_view table) {
     return table == "interface" || table == "supported-rate";
 }

@@ -1,10 +1,10 @@
-# Completion of cfql for bash. Names of the store are data: nothing here expands them, and they are offered in quotes.
+# Bash completion for cfql. Names in the store are data: nothing here expands them, and they are offered in quotes.
 
 # Splits LINE into words as the shell does, but expands nothing. Sets the caller's variables:
 #   words    the finished words
 #   current  the word that LINE ends in, without its quotes
 #   quote    the quote that is still open: ', ", $' or nothing
-#   head     the part of current that readline keeps; what is offered goes behind it
+#   head     the part of current that readline keeps; completions are appended to it
 #   closed   not empty when current has a quote that was closed again
 _cfql_split() {
     local line=$1 char next i raw=''
@@ -45,7 +45,7 @@ _cfql_column() {
     done < <(cfql "${store[@]}" list -- "$@" 2>/dev/null | cut -f"$column" | LC_ALL=C sort -u)
 }
 
-# Adds the words that may stand behind COMMAND and the words WORDS to candidates.
+# Adds the words that may follow COMMAND WORDS... to candidates.
 _cfql_words() {
     local command=$1
     shift
@@ -75,7 +75,7 @@ _cfql_options() {
     esac
 }
 
-# NAME as it is typed inside the open quote, or outside of any. Fails for a name that cannot be typed there.
+# Sets quoted to NAME as it is typed inside the open quote, or outside any. Fails for a name that cannot be typed there.
 _cfql_quoted() {
     local plain
     printf -v plain '%q' "$1"
@@ -88,7 +88,7 @@ _cfql_quoted() {
             ;;
         *) return 1 ;;
     esac
-    # readline closes the quote, but not behind a character that looks like it.
+    # readline closes the quote, but not after a character that looks like it.
     if [[ -n $quote && $quoted == *"$quote" ]]; then quoted+=$quote; fi
     [[ -z $quote || $plain != "\$'"* ]]
 }

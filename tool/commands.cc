@@ -23,46 +23,46 @@ void allow(const char* refusal) {
     if (refusal) allow(std::string(refusal));
 }
 
-Place place_of(const Request& request) {
+ObjectRef ref_of(const Request& request) {
     return {request.table, request.object, request.nth};
 }
 
-size_t count_of_name(Store& store, const Place& place) {
-    const Reading reading = store.read(place.table);
+size_t count_of_name(Store& store, const ObjectRef& ref) {
+    const Reading reading = store.read(ref.table);
     return static_cast<size_t>(
-        std::ranges::count(reading.contents, place.name, [](const Object& object) { return object.name; }));
+        std::ranges::count(reading.contents, ref.name, [](const Object& object) { return object.name; }));
 }
 
-Failure missing(Store& store, const Place& place) {
-    const size_t count = place.nth > 1 ? count_of_name(store, place) : 0;
+Failure missing(Store& store, const ObjectRef& ref) {
+    const size_t count = ref.nth > 1 ? count_of_name(store, ref) : 0;
     const std::string there =
-        count == 0   ? "there is no " + described(place)
-        : count == 1 ? "there is only one " + described({place.table, place.name, 1})
-                     : "there are only " + std::to_string(count) + " of " + described({place.table, place.name, 1});
+        count == 0   ? "there is no " + described(ref)
+        : count == 1 ? "there is only one " + described({ref.table, ref.name, 1})
+                     : "there are only " + std::to_string(count) + " of " + described({ref.table, ref.name, 1});
     return {Exit::no, store.path() + ": " + there + "; see \"cfql list\""};
 }
 
-// The object that the request names; throws when there is none.
+// The object that the request names. Throws if there is none.
 int64_t object_id(Store& store, const Request& request) {
     const auto id = store.find(request.table, request.object, request.nth);
-    if (!id) throw missing(store, place_of(request));
+    if (!id) throw missing(store, ref_of(request));
     return *id;
 }
 
-// The same for set, which adds the object when it is the next of its name.
+// The same for set, which adds the object if it is the next of its name.
 int64_t object_id_to_set(Store& store, const Request& request) {
     const auto there = store.find(request.table, request.object, request.nth);
     if (there) return *there;
-    const Place before = {request.table, request.object, request.nth - 1};
-    if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, place_of(request));
+    const ObjectRef before = {request.table, request.object, request.nth - 1};
+    if (before.nth > 0 && !store.find(before.table, before.name, before.nth)) throw missing(store, ref_of(request));
     int64_t id = 0;
     store.require(store.database().insert_object(request.table, request.object, id));
     return id;
 }
 
-// Of an attribute that get or unset looked for.
+// Throws unless `status` says that get or unset found its attribute.
 void require_attribute(const Store& store, const Request& request, Status status) {
-    const std::string what = store.path() + ": " + described(place_of(request)) + ": key " + quoted(request.key);
+    const std::string what = store.path() + ": " + described(ref_of(request)) + ": key " + quoted(request.key);
     if (status == Status::not_found) throw Failure(Exit::no, what + " is not set; see \"cfql list\"");
     if (status == Status::damaged) throw Failure(Exit::store, what + ": checksum is wrong; set it again");
     store.require(status);
@@ -75,11 +75,11 @@ void warn_of_short_life(const std::string& store) {
     const std::string file = resolved;
     if (!file.starts_with("/run/")) return;
     complain("note: " + file +
-             " is gone at the next boot, and this value with it; a value that is to stay belongs into "
+             " is lost at the next boot, and this value with it; a permanent value belongs in "
              "/etc/cfql/collector.toml, see \"man cfql-collector\"");
 }
 
-// Prints the faults that an examination finds. The engine tells several in one text, below a heading.
+// Prints the faults that a check finds. The database engine reports several in one text, below a heading.
 class Faults {
   public:
     void add(std::string_view text) {
@@ -112,18 +112,18 @@ Exit get(const Request& request) {
 
 Exit set(const Request& request) {
     const std::string value = request.value == "-" ? value_from_input() : request.value;
-    allow(refusal_of_table(request.table));
-    allow(refusal_of_object(request.table, request.object));
-    allow(refusal_of_key(request.key));
-    allow(refusal_of_value(value));
-    allow(refusal_of_mask(request.key, value));
+    allow(table_error(request.table));
+    allow(object_error(request.table, request.object));
+    allow(key_error(request.key));
+    allow(value_error(value));
+    allow(mask_error(request.key, value));
     Store store(request.store, Access::write);
     Database& database = store.database();
     store.require(database.begin_write());
     const int64_t id = object_id_to_set(store, request);
     store.require(database.set_attribute(id, request.table, request.object, request.key, value));
     store.require(database.commit());
-    // The store may hold what the agent does not read.
+    // Keys are free: one that the agent does not read is stored all the same.
     const std::string error = typing_error(request.table, request.key);
     if (!error.empty()) complain("note: " + error);
     warn_of_short_life(request.store);
@@ -147,7 +147,7 @@ Exit unset(const Request& request) {
 Exit list(const Request& request) {
     Store store(request.store, Access::recover);
     const Reading reading = store.read(request.table);
-    const std::vector<Place> found = places(reading.contents);
+    const std::vector<ObjectRef> found = refs(reading.contents);
     bool any = request.table.empty();
     for (size_t i = 0; i < found.size(); ++i) {
         if (!request.object.empty() && found[i].name != request.object) continue;

@@ -1,4 +1,4 @@
-// The tool's commands. Each writes to standard output, answers an exit status, and throws Failure.
+// The tool's commands. Each writes to standard output, returns an exit status, and throws Failure.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace cfql::tool {
 
-// What the command line asks for; each command reads the members that it documents in its help.
+// What the command line asks for. A command reads only the members that its help documents.
 struct Request {
     std::string store;
     std::string table, object, key, value;
@@ -21,7 +21,7 @@ struct Request {
     bool defaults = false;
     bool json = false;
     bool complete = false;
-    std::string agent_user;  // empty: whoever runs the agent
+    std::string agent_user;  // empty: the user of the running agent
     std::string module;      // the module's file
     std::string host, community, snmp_user;
 };

@@ -2,9 +2,9 @@
 
 namespace cfql::tool {
 
-std::vector<Place> places(const Contents& contents) {
+std::vector<ObjectRef> refs(const Contents& contents) {
     std::map<std::pair<std::string, std::string>, size_t> seen;
-    std::vector<Place> found;
+    std::vector<ObjectRef> found;
     for (const Object& object : contents) {
         found.push_back({object.table, object.name, ++seen[{object.table, object.name}]});
     }

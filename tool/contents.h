@@ -22,19 +22,19 @@ struct Object {
 
 using Contents = std::vector<Object>;  // in order of insertion; names may repeat
 
-// What tells an object from all others: among those of its name it is the NTH inserted, counted from 1.
-struct Place {
+// Identifies an object: the `nth` inserted of its name, counted from 1.
+struct ObjectRef {
     std::string table;
     std::string name;
     size_t nth;
 
-    bool operator==(const Place&) const = default;
-    bool operator<(const Place& other) const {
+    bool operator==(const ObjectRef&) const = default;
+    bool operator<(const ObjectRef& other) const {
         return std::tie(table, name, nth) < std::tie(other.table, other.name, other.nth);
     }
 };
 
-// The place of every object, in the order of CONTENTS.
-std::vector<Place> places(const Contents& contents);
+// A reference to every object, in the order of `contents`.
+std::vector<ObjectRef> refs(const Contents& contents);
 
 }  // namespace cfql::tool

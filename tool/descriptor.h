@@ -1,4 +1,4 @@
-// A file descriptor that is closed at the end of its scope.
+// A file descriptor, closed at the end of its scope.
 #pragma once
 
 #include <unistd.h>
@@ -7,7 +7,7 @@ namespace cfql::tool {
 
 class Descriptor {
   public:
-    // Owns `descriptor`; a negative one stands for a failed call, and is left alone.
+    // Owns `descriptor`; a negative one stands for a failed call and is left alone.
     explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;

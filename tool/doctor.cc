@@ -1,5 +1,5 @@
-// The command doctor: why a table is empty. What can be seen of the store, the agent's process, the collector and the
-// system, and what the agent answers.
+// The command doctor: finds out why a table is empty, by checking the store, the agent's process, the collector and the
+// system, and by asking the agent.
 #include <dlfcn.h>
 #include <grp.h>
 #include <pwd.h>
@@ -34,7 +34,7 @@ constexpr const char* wep_key = "1.2.840.10036.1.3.1.2";
 
 using State = SnmpAnswer::State;
 
-// A line each, and how many there are to act on.
+// Prints a line for each finding, and counts those that need action.
 class Findings {
   public:
     static void good(const std::string& what, const std::string& text) { report("ok: " + what + ": " + text); }
@@ -169,7 +169,7 @@ class Doctor {
         return "root";
     }
 
-    // None when this process cannot find out.
+    // None if this process cannot find out.
     std::optional<Status> opens_for(const Rights& rights) const {
         const std::optional<std::string> result = run_as(rights, [this] {
             Database database;
@@ -179,12 +179,12 @@ class Doctor {
         return static_cast<Status>(strtol(result->c_str(), nullptr, 10));
     }
 
-    // NOW: the user's rights by now, which a process that began earlier does not have.
+    // `now`: the user's present rights, which a process that was started earlier need not have.
     std::string way_to_read(const std::string& user, const std::optional<Rights>& now, bool is_running) const {
         const group* entry = getgrnam(group_name);
         if (!entry) return "there is no group \"cfql\": addgroup --system cfql; adduser " + user + " cfql; " + modes();
         if (now && is_running && opens_for(*now) == Status::ok)
-            return "it began before it was in the group: restart it";
+            return "it was started before its user joined the group: restart it";
         if (!now) return "add SupplementaryGroups=cfql to its unit";
         if (!is_member(now->groups, entry->gr_gid)) return "adduser " + user + " cfql, and restart it";
         return modes();
@@ -208,7 +208,7 @@ class Doctor {
     // ---- the system
 
     void examine_clock() {
-        constexpr time_t first_load = 15;  // seconds after 1970: no table is read before
+        constexpr time_t first_load = 15;  // seconds after the epoch; before that the agent reads no table
         constexpr time_t tolerance = 2;    // file systems and the clock need not agree to the second
         const time_t now = time(nullptr);
         struct stat entry = {};
@@ -217,8 +217,8 @@ class Doctor {
             findings_.fix("clock", "it stands at the beginning of 1970, and no table is read: set it");
         } else if (is_there && entry.st_mtim.tv_sec > now + tolerance) {
             findings_.fix("clock", "the store was last written " + std::to_string(entry.st_mtim.tv_sec - now) +
-                                       " s from now: the clock was set back; restart the agent, which reads no table "
-                                       "anew before the clock has caught up");
+                                       " s from now: the clock was set back; restart the agent, which reloads no "
+                                       "table until the clock has caught up");
         } else {
             char text[40] = "";
             struct tm parts = {};
@@ -286,7 +286,7 @@ class Doctor {
         }
     }
 
-    // Why no agent can load the file; empty when one can.
+    // Why no agent can load the file; empty if one can.
     std::string fault_of_module() const {
         if (access(request_.module.c_str(), R_OK) != 0)
             return request_.module + ": " + strerror(errno) + "; install it, or name it with --module";
@@ -294,8 +294,8 @@ class Doctor {
             const char* text = dlopen(request_.module.c_str(), RTLD_LAZY | RTLD_LOCAL) ? nullptr : dlerror();
             return std::string(text ? text : "");
         });
-        if (!result) return request_.module + ": loading it crashes; install it anew";
-        // The agent's own names are missing here, which is the last that is found out.
+        if (!result) return request_.module + ": loading it crashes; reinstall it";
+        // Names that the agent provides are missing here. The loader gets that far only if all else is well.
         if (result->empty() || result->find("undefined symbol") != std::string::npos) return {};
         return *result + "; install what is missing (\"ldconfig\" after \"cmake --install\")";
     }
@@ -324,7 +324,7 @@ class Doctor {
                                           : "user " + quoted(request_.snmp_user);
     }
 
-    // An instance that never exists: what is answered tells whether the column does.
+    // Asks for instances that never exist: the error tells whether the column does.
     void examine_tables() {
         const SnmpAnswer answer =
             ask("snmpget", address(), 8, 1, {station_id + std::string(".0"), wep_key + std::string(".0.0")});
@@ -383,8 +383,8 @@ class Doctor {
 
     const Request& request_;
     const std::vector<AgentProcess> processes_;
-    const AgentProcess* agent_ = nullptr;  // that serves the tables, or would
-    std::optional<size_t> expected_rows_;  // absent when the store could not be read
+    const AgentProcess* agent_ = nullptr;  // the one that serves the tables, or would
+    std::optional<size_t> expected_rows_;  // absent if the store could not be read
     Findings findings_;
 };
 

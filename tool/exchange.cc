@@ -25,17 +25,17 @@ class Import {
             return;
         }
         const Reading reading = store_.read();
-        const std::vector<Place> there = places(reading.contents);
+        const std::vector<ObjectRef> there = refs(reading.contents);
         for (size_t i = 0; i < there.size(); ++i)
             ids_.emplace(there[i], reading.ids[i]);
     }
 
-    void put(const Place& place, const Attributes& attributes) {
-        const auto [entry, is_new] = ids_.try_emplace(place, 0);
+    void put(const ObjectRef& ref, const Attributes& attributes) {
+        const auto [entry, is_new] = ids_.try_emplace(ref, 0);
         int64_t& id = entry->second;
-        if (is_new) store_.require(store_.database().insert_object(place.table, place.name, id));
+        if (is_new) store_.require(store_.database().insert_object(ref.table, ref.name, id));
         for (const auto& [key, value] : attributes) {
-            store_.require(store_.database().set_attribute(id, place.table, place.name, key, value));
+            store_.require(store_.database().set_attribute(id, ref.table, ref.name, key, value));
         }
     }
 
@@ -43,7 +43,7 @@ class Import {
 
   private:
     Store& store_;
-    std::map<Place, int64_t> ids_;
+    std::map<ObjectRef, int64_t> ids_;
 };
 
 std::string source_of(const std::string& file) {
@@ -59,7 +59,7 @@ Contents contents_of(const std::string& file) {
     }
 }
 
-// The store may hold what the agent does not read: that is told, a few times at most.
+// Keys are free, but what the agent does not read may be a typing error. Prints a few notes at most.
 void note_typing_errors(const Contents& contents) {
     constexpr size_t most = 10;
     std::set<std::string> errors;
@@ -84,7 +84,7 @@ Exit import_contents(const Request& request) {
                                        ": there is no object in it; nothing has changed. To empty the store, add "
                                        "--allow-empty");
     }
-    const std::vector<Place> targets = places(contents);
+    const std::vector<ObjectRef> targets = refs(contents);
     Store store(request.store, Access::write);
     Import import(store, request.replace);
     size_t values = 0;

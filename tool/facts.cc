@@ -86,7 +86,7 @@ constexpr Fact table[] = {
 };
 // clang-format on
 
-// The tables that hold KEY.
+// The tables in which the agent reads `key`, for a message.
 std::string tables_of(std::string_view key) {
     std::string names;
     for (const Fact& fact : table) {

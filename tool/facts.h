@@ -1,5 +1,5 @@
-// The keys that the agent reads, for people: in which table each stands and what its text says. What the agent makes of
-// the text is found out by running it (agent_run.h).
+// The keys that the agent reads, for messages: the table of each, and the form of its text. What the agent makes of the
+// text is found out by running it (agent_run.h).
 #pragma once
 
 #include <span>
@@ -12,7 +12,7 @@ enum class Form {
     text,
     number,  // decimal
     mac,     // 12 hexadecimal digits, with or without colons
-    words,   // one of a few
+    words,   // one of a few words
     link,    // the name of an object in the table of the key's own name
 };
 
@@ -25,21 +25,21 @@ struct Fact {
 
 std::span<const Fact> facts();
 
-// Null for a key that the agent does not read in TABLE.
+// Null for a key that the agent does not read in `table`.
 const Fact* find_fact(std::string_view table, std::string_view key);
 
 bool is_known_table(std::string_view table);
 
-// Why the agent would never read KEY in TABLE, with the name that may have been meant; empty when it may.
+// Why the agent would never read `key` in `table`, with a suggestion if a known name is near; empty if it may read it.
 std::string typing_error(std::string_view table, std::string_view key);
 
-// Keys of the collector's, which the agent does not read: that an object is the collector's, the index of the interface
-// that its counters belong to, and that hostapd told of it.
+// The collector's own keys, which the agent does not read: they mark an object as the collector's, keep the ifIndex
+// that its counters belong to, and mark values as coming from hostapd.
 inline constexpr std::string_view origin_key = "origin";
 inline constexpr std::string_view origin_index_key = "origin-index";
 inline constexpr std::string_view origin_hostapd_key = "origin-hostapd";
 
-// A table of the collector's, which the agent does not read either: counters of interfaces that are not served now.
+// The collector's own table, which the agent does not read either: counters of interfaces that are not served now.
 inline constexpr std::string_view collector_table = "collector";
 
 }  // namespace cfql::tool

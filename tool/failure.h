@@ -11,11 +11,11 @@ enum class Exit {
     no = 1,      // the answer is no: not found, faults found, warnings found
     usage = 2,   // the command line
     store = 3,   // the store is absent, damaged, busy or not ours to read or write
-    input = 4,   // a text that came in: an import file, a value that is too long
+    input = 4,   // wrong input: an import file, a value that is too long
     output = 5,  // standard output could not be written
 };
 
-// One line: what, where, and how to mend it. No values: they may be secret.
+// The message is one line: what, where, and how to mend it. It holds no values, which may be secret.
 class Failure : public std::runtime_error {
   public:
     Failure(Exit exit, const std::string& message) : std::runtime_error(message), exit_(exit) {}

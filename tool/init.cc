@@ -29,7 +29,7 @@ constexpr const char* group_name = "cfql";
                   path + ": " + strerror(errno) + "; " + (ask_root ? "ask root to run this command" : remedy));
 }
 
-// The group that is to read the store; none when only root could set it, or when the system has no such group.
+// The group that is to read the store; none if this process is not root or the system has no such group.
 std::optional<gid_t> readers() {
     if (geteuid() != 0) return std::nullopt;
     const group* entry = getgrnam(group_name);
@@ -37,8 +37,8 @@ std::optional<gid_t> readers() {
     return entry->gr_gid;
 }
 
-// A directory or file at PATH itself, not behind a link that somebody has put there: what init gives away is what it
-// holds open.
+// The directory or file at `path` itself, never what a link leads to: owner and mode are changed only of what is held
+// open, so that nobody can swap the path in between.
 class Handle {
   public:
     Handle(const std::string& path, int flags, mode_t kind) : path_(path) {
@@ -46,24 +46,24 @@ class Handle {
         if (descriptor_ < 0 && errno == ELOOP)
             throw Failure(Exit::store,
                           path_ +
-                              ": is a link, as to the store that cfql-collector makes and fills; remove the "
-                              "link to make a store here");
-        if (descriptor_ < 0) fail_at(path_, "name a place for the store in a directory that is there");
+                              ": is a link, perhaps to the store of cfql-collector; remove the link to create a "
+                              "store here");
+        if (descriptor_ < 0) fail_at(path_, "name a path in an existing directory");
         struct stat entry = {};
         const bool is_ours = fstat(descriptor_, &entry) == 0 && (entry.st_mode & S_IFMT) == kind &&
                              entry.st_uid == geteuid() && (kind == S_IFDIR || entry.st_nlink == 1);
         if (is_ours) return;
         close(descriptor_);
         throw Failure(Exit::store,
-                      path_ + ": belongs to somebody else, or is no plain file; name another with --store");
+                      path_ + ": belongs to another user, or is not a plain file; name another with --store");
     }
     ~Handle() { close(descriptor_); }
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
 
     void give(mode_t mode, std::optional<gid_t> group) const {
-        if (group && fchown(descriptor_, 0, *group) != 0) fail_at(path_, "see that the file system keeps owners");
-        if (fchmod(descriptor_, mode) != 0) fail_at(path_, "see that the file system keeps modes");
+        if (group && fchown(descriptor_, 0, *group) != 0) fail_at(path_, "use a file system that keeps owners");
+        if (fchmod(descriptor_, mode) != 0) fail_at(path_, "use a file system that keeps modes");
     }
 
   private:
@@ -71,13 +71,13 @@ class Handle {
     int descriptor_;
 };
 
-// True when the directory had to be made.
+// Whether the directory had to be created.
 bool make_directory(const std::string& directory, std::optional<gid_t> group) {
     if (mkdir(directory.c_str(), 0700) == 0) {
         Handle(directory, O_RDONLY | O_DIRECTORY, S_IFDIR).give(directory_mode, group);
         return true;
     }
-    if (errno != EEXIST) fail_at(directory, "make the directory above it first");
+    if (errno != EEXIST) fail_at(directory, "create its parent directory first");
     return false;
 }
 
@@ -86,17 +86,17 @@ std::string octal(mode_t mode) {
             static_cast<char>('0' + (mode >> 3 & 7)), static_cast<char>('0' + (mode & 7))};
 }
 
-void say_made(const std::string& what, const std::string& path, mode_t mode, std::optional<gid_t> group) {
-    report("made the " + what + ' ' + path + ", mode " + octal(mode) + (group ? ", root:cfql" : ""));
+void report_created(const std::string& what, const std::string& path, mode_t mode, std::optional<gid_t> group) {
+    report("created the " + what + ' ' + path + ", mode " + octal(mode) + (group ? ", root:cfql" : ""));
 }
 
-void say_readers(std::optional<gid_t> group) {
+void report_readers(std::optional<gid_t> group) {
     if (group) return;
     if (geteuid() != 0) {
         print_line("not run as root: the files belong to you, and the group stays as it is");
     } else {
         print_line(
-            "there is no group \"cfql\": make it with \"addgroup --system cfql\", then \"chgrp -R cfql\" the "
+            "there is no group \"cfql\": create it with \"addgroup --system cfql\", then \"chgrp -R cfql\" the "
             "directory");
     }
 }
@@ -108,14 +108,14 @@ Exit init(const Request& request) {
     const std::filesystem::path above = std::filesystem::path(path).parent_path();
     const std::string directory = above.empty() ? "." : above.string();
     const std::optional<gid_t> group = readers();
-    if (make_directory(directory, group)) say_made("directory", directory, directory_mode, group);
+    if (make_directory(directory, group)) report_created("directory", directory, directory_mode, group);
     const Handle file(path, O_RDWR | O_CREAT, S_IFREG);
     Database database;
     const Status status = database.create(path.c_str());
     if (status != Status::ok) fail(path, status, "");
     file.give(file_mode, group);
-    say_made("store", path, file_mode, group);
-    say_readers(group);
+    report_created("store", path, file_mode, group);
+    report_readers(group);
     return Exit::done;
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t longest_file = size_t{64} << 20;
 
-// What is left of STREAM, but no more than one octet over LIMIT.
+// The rest of `stream`; stops soon after `limit` octets.
 std::string rest_of(FILE* stream, size_t limit, const std::string& source) {
     std::string text;
     char block[4096];

@@ -30,7 +30,7 @@ int64_t seconds_since_boot() {
     return now.tv_sec;
 }
 
-// False: `line` is no line of a collector's.
+// False if `line` is not of the collector's form.
 bool read_line(std::string_view line, LastPass& pass) {
     int64_t last = 0;
     int64_t interval = 0;
@@ -56,7 +56,7 @@ int read_file(int descriptor, LastPass& pass) {
     char line[line_size + 1];
     const ssize_t size = pread(descriptor, line, sizeof line, 0);
     if (size < 0) return errno;
-    // Before its first pass has ended a collector has the file, and nothing to say in it.
+    // A collector creates the file before its first pass ends; until then it is empty.
     return size == 0 || read_line({line, static_cast<size_t>(size)}, pass) ? 0 : EBADMSG;
 }
 

@@ -1,4 +1,4 @@
-// The command lint: what the agent will do with the contents of the store, where that is not what they say.
+// The command lint: reports where the agent will serve something else than what the store says.
 #include <algorithm>
 #include <optional>
 #include <set>
@@ -59,7 +59,7 @@ class Findings {
 
 // ---- a text against what is served of it
 
-// Without sign and zeroes that do not change the number; none when it is no decimal number.
+// Without a sign and zeroes that do not change the number; none if it is not a decimal number.
 std::optional<std::string> decimal(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
@@ -99,8 +99,8 @@ std::string fault_of_text(const Fact& fact, std::string_view served, std::string
            " not UTF-8: where it is a label, a scrape of the whole access point fails";
 }
 
-// What has become of a text of the right form in an answer; empty when it says what the text says. Numbers that a
-// column shows in another unit, and the words, are not to be compared.
+// How an answer differs from a text of the right form; empty if it says the same. Numbers that a column shows in
+// another unit, and words, cannot be compared.
 std::string fault_of_answer(const Fact& fact, const Instance& instance, std::string_view text) {
     if (!instance.is_answered()) return {};
     if (fact.form == Form::number && instance.is_number()) {
@@ -127,7 +127,7 @@ class Lint {
         tell_faults();
         tell_defaults();
         tell_unanswered();
-        const std::vector<Place> all = places(contents_);
+        const std::vector<ObjectRef> all = refs(contents_);
         for (size_t i = 0; i < all.size(); ++i)
             examine_keys(all[i], contents_[i].attributes);
         return findings_.conclude();
@@ -193,7 +193,7 @@ class Lint {
         if (is_shown) columns.insert(instance.column->name);
     }
 
-    // One warning for all columns that show a text.
+    // One warning for all columns that show the same text.
     void tell_faults() {
         for (const auto& [fault, answers] : faults_) {
             std::string served;
@@ -223,7 +223,7 @@ class Lint {
         }
     }
 
-    // Keys that the agent reads without any manager seeing them.
+    // Keys that the agent reads but that no manager sees.
     void tell_unanswered() {
         std::set<std::string> answered;
         for (const Instance& instance : run_.instances()) {
@@ -240,7 +240,7 @@ class Lint {
 
     // ---- what is not read
 
-    void examine_keys(const Place& where, const Attributes& attributes) {
+    void examine_keys(const ObjectRef& where, const Attributes& attributes) {
         size_t read = 0;
         for (const auto& [key, value] : attributes) {
             const std::string error = typing_error(where.table, key);
@@ -256,22 +256,22 @@ class Lint {
         }
     }
 
-    bool is_asked(const Place& where, const std::string& key) const {
+    bool is_asked(const ObjectRef& where, const std::string& key) const {
         return where.nth == 1 && std::ranges::any_of(run_.questions(), [&](const Question& question) {
                    return question.table == where.table && question.object == where.name && question.key == key;
                });
     }
 
-    // Interfaces have had their say, and of rates the agent counts the further ones.
-    void tell_unread(const Place& where, const Attributes& attributes) {
+    // Interfaces have been dealt with, and further objects of a supported-rate count as rates.
+    void tell_unread(const ObjectRef& where, const Attributes& attributes) {
         if (where.table == "interface" || attributes.empty() || !is_known_table(where.table)) return;
         if (where.nth > 1 && where.table != "supported-rate")
             findings_.warn(described(where), "the agent reads only the first one of a name");
         if (where.nth == 1) findings_.note(described(where), "no interface that is served leads to it");
     }
 
-    // Where the same key was asked for instead.
-    std::string read_elsewhere(const Place& where, const std::string& key) const {
+    // Where the agent looks up the same key instead.
+    std::string read_elsewhere(const ObjectRef& where, const std::string& key) const {
         for (const Question& question : run_.questions()) {
             if (question.table == where.table && question.key == key)
                 return ": it is looked up in " + place(question.table, question.object);
@@ -282,7 +282,7 @@ class Lint {
     const Contents& contents_;
     AgentRun run_;
     bool list_defaults_;
-    // By place and fault: the values that are served, and the columns that serve them.
+    // By object and fault: the values that are served, and the columns that serve them.
     std::map<std::pair<std::string, std::string>, std::map<std::string, std::set<std::string>>> faults_;
     Findings findings_;
 };

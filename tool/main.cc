@@ -24,7 +24,7 @@ constexpr const char* footer =
     "2 wrong command line; 3 the store is absent, damaged, busy or not yours; 4 wrong input; 5 output not written.\n"
     "More: man cfql";
 
-// The words after the command, before it is known which of them names the object.
+// The words after the command. Which of them names the object depends on the table.
 struct Words {
     std::string text[4];
     CLI::Option* option[4] = {};
@@ -58,7 +58,8 @@ std::vector<std::string> names_of_commands(const CLI::App& app) {
     return names;
 }
 
-// More words than the command takes: as a rule a value with blanks. That of "set" may be a secret, and is not repeated.
+// More words than the command takes, usually a value with blanks. A value given to "set" may be a secret and is not
+// repeated.
 std::string too_many(const CLI::App& command) {
     const std::vector<std::string> rest = command.remaining();
     std::string text = rest.size() == 1 ? "one argument" : std::to_string(rest.size()) + " arguments";
@@ -69,7 +70,7 @@ std::string too_many(const CLI::App& command) {
     return text + (takes_words ? "; put what has blanks in quotes" : "");
 }
 
-// What COMMAND, or the program itself, has no place for.
+// Complains of what `command`, or the program itself, does not take.
 std::string left_over(const CLI::App& command) {
     const std::string first = command.remaining().front();
     if (first.starts_with('-')) {
@@ -81,14 +82,14 @@ std::string left_over(const CLI::App& command) {
     return "unknown command " + tool::quoted(first) + suggestion(first, names_of_commands(command));
 }
 
-// The parser's own words for an option whose value is not there are "--nth: 1 required N missing".
+// Of an option without its value the parser says "--nth: 1 required N missing".
 std::string without_value(std::string text) {
     constexpr std::string_view between = ": 1 required ";
     constexpr std::string_view end = " missing";
     const size_t at = text.find(between);
     if (at == std::string::npos || !text.ends_with(end)) return text;
     text.resize(text.size() - end.size());
-    return text.replace(at, between.size(), " is to be followed by its ");
+    return text.replace(at, between.size(), " must be followed by ");
 }
 
 std::string described(const CLI::App& command, const CLI::ParseError& error) {
@@ -106,7 +107,7 @@ std::string described(const CLI::App& command, const CLI::ParseError& error) {
     misused(command, described(command, error));
 }
 
-// "KEY is missing": of the words of a command, in their order, those between GIVEN and LEAST.
+// "KEY is missing": names the command's words from `given` up to `least`.
 std::string missing(size_t given, size_t least) {
     constexpr std::string_view names[] = {"TABLE", "OBJECT", "KEY", "VALUE"};
     std::string text(names[given]);
@@ -115,8 +116,8 @@ std::string missing(size_t given, size_t least) {
     return text + (least - given == 1 ? " is missing" : " are missing");
 }
 
-// The object of the table "system" has no name: OBJECT is left out. WANTED counts the words of the command, OBJECT
-// included.
+// Moves the words into `request`. OBJECT is left out for the table "system", whose object has no name; `least` and
+// `wanted` count it all the same.
 void address(const CLI::App& command, const Words& words, size_t least, size_t wanted, Request& request) {
     std::array<std::string*, 4> targets = {&request.table, &request.object, &request.key, &request.value};
     const bool nameless = words.text[0] == singleton_table;
@@ -150,7 +151,7 @@ void add_reveal(CLI::App& command, Request& request) {
 }
 
 void add_offline(CLI::App& command, Request& request) {
-    command.add_flag("--offline", request.offline, "Take it that the system has every interface of the store");
+    command.add_flag("--offline", request.offline, "Assume that the system has every interface of the store");
 }
 
 struct Command {
@@ -169,7 +170,7 @@ void declare_nothing(CLI::App&, Words&, Request&) {}
 void complete_nothing(const CLI::App&, const Words&, Request&) {}
 
 const Command commands[] = {
-    {"init", "Make an empty store, and its directory when there is none", declare_nothing, complete_nothing, init},
+    {"init", "Create an empty store, and its directory if it is missing", declare_nothing, complete_nothing, init},
     {"get", "Print one value",
      [](CLI::App& command, Words& words, Request& request) {
          add_words(command, words, {table_word, object_word, key_word});
@@ -178,14 +179,14 @@ const Command commands[] = {
      },
      [](const CLI::App& command, const Words& words, Request& request) { address(command, words, 3, 3, request); },
      get},
-    {"set", "Store one value; makes the object when there is none",
+    {"set", "Store one value; creates the object if there is none",
      [](CLI::App& command, Words& words, Request& request) {
          add_words(command, words,
                    {table_word,
                     object_word,
                     key_word,
                     {"VALUE",
-                     "The value; - takes it from standard input without its last newline. Put -- before a value "
+                     "The value; - reads it from standard input, without its last newline. Put -- before a value "
                      "that begins with a dash"}});
          add_nth(command, request);
      },
@@ -194,7 +195,7 @@ const Command commands[] = {
     {"unset", "Remove one value, or an object with all of its values",
      [](CLI::App& command, Words& words, Request& request) {
          add_words(command, words,
-                   {table_word, object_word, {"KEY", "The key of the value; without it, the whole object goes"}});
+                   {table_word, object_word, {"KEY", "The key of the value; without it, the whole object is removed"}});
          add_nth(command, request);
      },
      [](const CLI::App& command, const Words& words, Request& request) { address(command, words, 2, 3, request); },
@@ -209,47 +210,47 @@ const Command commands[] = {
          request.object = words.text[1];
      },
      list},
-    {"import", "Take in objects from TOML text: all of them, or none when there is an error",
+    {"import", "Import objects from TOML text: all of them, or none if there is an error",
      [](CLI::App& command, Words&, Request& request) {
          command.add_option("FILE", request.file, "The text; - for standard input")->required()->type_name("");
          command.add_flag(
              "--replace", request.replace,
-             "Replace the whole contents. Without it, the objects of the text are updated or added, and all "
+             "Replace the whole contents. Without it, the objects of the text are updated or added; everything "
              "else stays");
          command.add_flag("--allow-empty", request.allow_empty,
-                          "With --replace: empty the store when there is no object in the text");
+                          "With --replace: let a text without objects empty the store");
      },
      complete_nothing, import_contents},
     {"export", "Print the contents as TOML text that import reads back",
      [](CLI::App& command, Words&, Request& request) {
-         command.add_option("--output", request.file, "Write to FILE, which only you may read, all of it or nothing")
+         command.add_option("--output", request.file, "Write to FILE, readable only by you; all of it or nothing")
              ->type_name("FILE");
          command.add_flag("--salvage", request.salvage,
-                          "Of a damaged store, too: print what can be read, and say what cannot");
+                          "Read a damaged store as far as possible, and report what is lost");
          add_reveal(command, request);
      },
      complete_nothing, export_contents},
-    {"check", "Examine the file: structure, indexes, checksums", declare_nothing, complete_nothing, check},
-    {"preview", "Print what the agent would serve: column, interface, value, where it is from, key, stored text",
+    {"check", "Check the file: structure, indexes, checksums", declare_nothing, complete_nothing, check},
+    {"preview", "Print what the agent would serve: column, interface, value, its origin, key, stored text",
      [](CLI::App& command, Words& words, Request& request) {
          add_words(command, words, {{"INTERFACE", "The interface; without it, all of them"}});
          command.add_flag("--json", request.json, "Print JSON");
-         command.add_flag("--complete", request.complete, "Of an agent with the option \"dot11Answers complete\"");
+         command.add_flag("--complete", request.complete, "As an agent with the option \"dot11Answers complete\"");
          add_offline(command, request);
          command.add_flag("--reveal", request.reveal, "Show secrets");
      },
      [](const CLI::App&, const Words& words, Request& request) { request.object = words.text[0]; }, preview},
-    {"lint", "Tell what the agent will do with the contents",
+    {"lint", "Report what the agent will do with the contents",
      [](CLI::App& command, Words&, Request& request) {
          add_offline(command, request);
-         command.add_flag("--defaults", request.defaults, "Name every value that is served by default");
+         command.add_flag("--defaults", request.defaults, "List every value that is served by default");
      },
      complete_nothing, lint},
-    {"watch", "Print changes as they come: set or unset, then as list does",
+    {"watch", "Print changes as they happen: set or unset, then the line of list",
      [](CLI::App& command, Words&, Request& request) { add_reveal(command, request); }, complete_nothing, watch},
-    {"doctor", "Find out why a table is empty: ask store, system and agent, and say what to do",
+    {"doctor", "Find out why a table is empty: check store, system and agent, and say what to do",
      [](CLI::App& command, Words&, Request& request) {
-         command.add_option("--as", request.agent_user, "The agent's user (default: as whom it runs)")
+         command.add_option("--as", request.agent_user, "The agent's user (default: that of the running agent)")
              ->type_name("USER");
          command.add_option("--host", request.host, "The agent's address (default: 127.0.0.1)")->type_name("HOST");
          command.add_option("--community", request.community, "Ask as this community (default: public)")
@@ -264,7 +265,7 @@ const Command commands[] = {
      complete_nothing, doctor},
 };
 
-// What every command has.
+// Options of the program and of every command.
 void add_common(CLI::App& app, Request& request) {
     app.set_help_flag("-h,--help", "Print this help");
     app.set_version_flag("--version", version, "Print the version");

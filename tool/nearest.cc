@@ -9,9 +9,9 @@ namespace cfql::tool {
 
 namespace {
 
-constexpr size_t longest = 64;  // no name of ours comes near
+constexpr size_t longest = 64;  // longer than any known name
 
-// The distance of Damerau and Levenshtein, each pair of letters exchanged once at most. Rows are positions in A.
+// The Damerau-Levenshtein distance, each pair of letters exchanged at most once. Rows are positions in `a`.
 size_t slips(std::string_view a, std::string_view b) {
     std::vector<std::vector<size_t>> cost(a.size() + 1, std::vector<size_t>(b.size() + 1));
     for (size_t i = 0; i <= a.size(); ++i) {

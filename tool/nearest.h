@@ -1,4 +1,4 @@
-// What somebody may have meant who wrote something else.
+// Suggestions for mistyped names.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace cfql::tool {
 
-// The one of KNOWN that takes the fewest slips (a letter wrong, missing, too many, or two exchanged) to become TEXT:
-// one slip for every three letters, at least one. The first of several; empty when none is that near.
+// The one of `known` that takes the fewest slips (a letter wrong, missing, too many, or two exchanged) to become
+// `text`: at most one slip for every three letters, but always one. The first of several; empty if none is that near.
 std::string nearest(std::string_view text, const std::vector<std::string>& known);
 
-// `; did you mean "..."?` for the nearest, or nothing.
+// `; did you mean "..."?` with the nearest, or nothing.
 std::string suggestion(std::string_view text, const std::vector<std::string>& known);
 
 }  // namespace cfql::tool

@@ -45,10 +45,10 @@ std::string shown(std::string_view key, std::string_view value, bool reveal) {
     return printable(value);
 }
 
-std::string row(const Place& place, std::string_view key, std::string_view value, bool reveal) {
-    std::string line = printable(place.table) + '\t' + printable(place.name);
-    if (!key.empty() || place.nth > 1) line += '\t' + printable(key) + '\t' + shown(key, value, reveal);
-    if (place.nth > 1) line += '\t' + std::to_string(place.nth);
+std::string row(const ObjectRef& ref, std::string_view key, std::string_view value, bool reveal) {
+    std::string line = printable(ref.table) + '\t' + printable(ref.name);
+    if (!key.empty() || ref.nth > 1) line += '\t' + printable(key) + '\t' + shown(key, value, reveal);
+    if (ref.nth > 1) line += '\t' + std::to_string(ref.nth);
     return line;
 }
 

@@ -17,7 +17,7 @@ bool is_hidden(const Instance& instance, const Request& request) {
     return instance.stored() && is_secret(instance.key->name) && !request.reveal;
 }
 
-// From where a value is: a word for each that is easy to search for.
+// Where a value comes from: one word, easy to search for.
 const char* kind(const Instance& instance, const Request& request) {
     if (!instance.is_answered(request.complete)) return "unanswered";
     if (!instance.key) return "agent";
@@ -42,7 +42,7 @@ void print_instance(const Instance& instance, const Request& request) {
                source(instance) + '\t' + stored);
 }
 
-// As text, or by its octets where they are none: { "hex": "c328" }.
+// As text, or as { "hex": "c328" } if the octets are not UTF-8.
 void put(toml::table& json, const char* name, std::string_view octets) {
     if (is_utf8(octets)) {
         json.insert(name, octets);
@@ -78,7 +78,7 @@ toml::table json_of(const Instance& instance, const Request& request) {
     return json;
 }
 
-// Of controls, the formatter leaves those above ASCII as they are.
+// The library's formatter escapes only ASCII controls; this escapes the others.
 std::string json_text(const toml::array& values) {
     std::ostringstream stream;
     stream << toml::json_formatter(values);

@@ -18,7 +18,7 @@ namespace {
     throw Failure(Exit::output, file + ": " + strerror(errno) + "; " + remedy);
 }
 
-// A new file beside FILE, which takes its place by commit() or goes.
+// A new file beside `file`: commit() puts it in its place, otherwise it is removed.
 class Replacement {
   public:
     explicit Replacement(const std::string& file) : file_(file), path_(file + ".XXXXXX") {
@@ -54,7 +54,7 @@ class Replacement {
     bool committed_ = false;
 };
 
-void refuse_what_is_no_file(const std::string& file) {
+void require_regular_file(const std::string& file) {
     struct stat entry = {};
     if (lstat(file.c_str(), &entry) != 0 || S_ISREG(entry.st_mode)) return;
     throw Failure(Exit::output, file + ": is not a regular file; name another one");
@@ -63,7 +63,7 @@ void refuse_what_is_no_file(const std::string& file) {
 }  // namespace
 
 void write_private_file(const std::string& file, std::string_view text) {
-    refuse_what_is_no_file(file);
+    require_regular_file(file);
     Replacement replacement(file);
     replacement.write(text);
     replacement.commit();

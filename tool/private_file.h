@@ -1,4 +1,4 @@
-// A file that only its owner reads.
+// Files that only their owner may read.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace cfql::tool {
 
-// Makes or replaces FILE, mode 0600, with TEXT, wholly or not at all. Throws Failure (Exit::output); what
-// is there and is no regular file stays.
+// Writes `text` to `file`, mode 0600, replacing it as a whole or not at all. Throws Failure (Exit::output), also if
+// something other than a regular file is there, which is left alone.
 void write_private_file(const std::string& file, std::string_view text);
 
 }  // namespace cfql::tool

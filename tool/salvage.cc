@@ -14,10 +14,11 @@ namespace cfql::tool {
 
 namespace {
 
-// In the header, the number of pages that the file has (https://sqlite.org/fileformat2.html).
+// Where the header has the file's number of pages (https://sqlite.org/fileformat2.html).
 constexpr size_t size_offset = 28;
 
-// All of a regular file of at most a store's size, or nothing. Takes no locks: nobody writes a damaged store.
+// A regular file's contents, cut off at the largest size of a store; empty if it cannot be read. Takes no locks: nobody
+// writes a damaged store.
 std::string octets_of(const std::string& file) {
     const int descriptor = open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor < 0) return {};

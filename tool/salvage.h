@@ -1,12 +1,12 @@
-// A store that is too damaged to be opened where it lies.
+// For a store that is too damaged to be opened in place.
 #pragma once
 
 #include <string>
 
 namespace cfql::tool {
 
-// A copy of a store's file in a directory of its own, for as long as the object lives: cut-off pages are there again,
-// as zeroes. Only its owner may read it.
+// A copy of a store's file in a temporary directory, which goes with this object. Missing pages at the end are filled
+// with zeroes. Only the owner may read it.
 class PaddedCopy {
   public:
     explicit PaddedCopy(const std::string& store);
@@ -14,7 +14,7 @@ class PaddedCopy {
     PaddedCopy(const PaddedCopy&) = delete;
     PaddedCopy& operator=(const PaddedCopy&) = delete;
 
-    const std::string& path() const { return path_; }  // empty when there is nothing to be copied
+    const std::string& path() const { return path_; }  // empty if there was nothing to copy
 
   private:
     std::string directory_;

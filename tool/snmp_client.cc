@@ -19,7 +19,7 @@ namespace cfql::tool {
 namespace {
 
 constexpr int64_t most_ms = 60'000;
-constexpr size_t most_output = size_t{1} << 20;  // 128 rows are some kilobytes
+constexpr size_t most_output = size_t{1} << 20;  // 128 rows take a few kilobytes
 
 int64_t now_ms() {
     timespec now = {};
@@ -27,7 +27,7 @@ int64_t now_ms() {
     return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
 }
 
-// A program whose two outputs are read; it is killed when nobody wants to wait any longer.
+// A running program whose standard output and error are read. It is killed after a minute.
 class Child {
   public:
     Child(const std::string& program, std::vector<std::string> words) {
@@ -69,10 +69,10 @@ class Child {
         return text;
     }
 
-    // Its exit status; -1 when it had to be killed.
+    // Its exit status; -1 if it had to be killed.
     int end() {
         int status = 0;
-        if (!is_at_end_) kill(id_, SIGKILL);  // one that has closed its output is ending
+        if (!is_at_end_) kill(id_, SIGKILL);  // a program that has closed its output ends by itself
         waitpid(id_, &status, 0);
         id_ = -1;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;

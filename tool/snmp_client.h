@@ -1,4 +1,4 @@
-// Questions to an SNMP agent, put by Net-SNMP's own programs: linked with their library, every command of this tool
+// Queries an SNMP agent with Net-SNMP's own programs: if this tool were linked with their library, each of its commands
 // would take twice as long to start.
 #pragma once
 
@@ -10,17 +10,17 @@ namespace cfql::tool {
 struct SnmpAddress {
     std::string host;       // as in snmpcmd(1)
     std::string community;  // for version 2c
-    std::string user;       // for version 3 when not empty; the rest is in snmp.conf(5), where no other user reads it
+    std::string user;       // for version 3 if not empty; the rest is in snmp.conf(5), hidden from other users
 };
 
 struct SnmpAnswer {
     enum class State : unsigned char { answered, no_client, failed } state = State::failed;
-    std::vector<std::string> lines;  // of the answer, an OID in numbers each: ".1.3.6... = INTEGER: 1"
-    std::string fault;               // of a failure: the program's last line
+    std::vector<std::string> lines;  // of the answer, each with a numeric OID: ".1.3.6... = INTEGER: 1"
+    std::string fault;               // after a failure, the program's last line
 };
 
-// PROGRAM: snmpget or snmpbulkwalk. SECONDS: for the answer to one request, of which there are TRIES. Takes a minute at
-// most.
+// `program`: snmpget or snmpbulkwalk. Each request is sent up to `tries` times, and each time `seconds` are waited for
+// the answer. Takes at most a minute.
 SnmpAnswer ask(const std::string& program, const SnmpAddress& address, int seconds, int tries,
                const std::vector<std::string>& oids);
 

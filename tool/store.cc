@@ -54,19 +54,19 @@ const char* remedy(Status status) {
     }
 }
 
-// The engine's words, without the heading that some have.
+// The engine's message, without the heading that some have.
 std::string last_line(std::string_view text) {
     return std::string(text.substr(text.rfind('\n') + 1));
 }
 
-Place place_of(const Row& row) {
+ObjectRef ref_of(const Row& row) {
     return {std::string(row.table), std::string(row.object), 1};
 }
 
 std::string damage_of(const Row& row) {
     if (!row.object_sound)
         return "table " + quoted(row.table) + ", object " + quoted(row.object) + ": checksum is wrong; left out";
-    return described(place_of(row)) + ": key " + quoted(row.key) + ": checksum is wrong; left out";
+    return described(ref_of(row)) + ": key " + quoted(row.key) + ": checksum is wrong; left out";
 }
 
 }  // namespace
@@ -79,7 +79,7 @@ class Collector {
     }
 
     void add(const Row& row) {
-        if (losing_) tell_loss(row.object_sound ? described(place_of(row)) : "the next object");
+        if (losing_) tell_loss(row.object_sound ? described(ref_of(row)) : "the next object");
         if (!row.object_sound) {
             if (row.id != unsound_) reading_.damage.push_back(damage_of(row));
             unsound_ = row.id;
@@ -98,10 +98,11 @@ class Collector {
         reading_.contents.back().attributes.emplace(row.key, row.value);
     }
 
-    // What comes next could not be read.
+    // Notes that what comes next could not be read.
     void lose() { losing_ = true; }
 
-    Reading take() {
+    // Ends the collection.
+    Reading finish() {
         if (losing_) tell_loss("the end");
         return std::move(reading_);
     }
@@ -132,10 +133,10 @@ void complain_of_damage(const Store& store, const Reading& reading) {
         complain(store.path() + ": " + line);
 }
 
-std::string described(const Place& place) {
-    std::string text = printable(place.table);
-    if (!place.name.empty()) text += ' ' + quoted(place.name);
-    if (place.nth > 1) text += " number " + std::to_string(place.nth);
+std::string described(const ObjectRef& ref) {
+    std::string text = printable(ref.table);
+    if (!ref.name.empty()) text += ' ' + quoted(ref.name);
+    if (ref.nth > 1) text += " number " + std::to_string(ref.nth);
     return text;
 }
 
@@ -166,11 +167,11 @@ Reading Store::read(std::string_view table) {
     while ((status = cursor.next(row)) == Status::ok)
         collector.add(row);
     if (status != Status::end) require(status);
-    return collector.take();
+    return collector.finish();
 }
 
-// Goes on behind what cannot be read, an id further each time. After many failures the steps grow, so that neither a
-// wide gap between two ids nor a file full of damage takes long.
+// Skips what cannot be read by starting anew one id further. After many failures the steps grow, so that neither a wide
+// gap between two ids nor a file full of damage takes long.
 Reading Store::salvage() {
     constexpr int patience = 64;
     Collector collector(opening_fault_);
@@ -187,10 +188,10 @@ Reading Store::salvage() {
             last += int64_t{1} << (failures / patience);
         }
     }
-    return collector.take();
+    return collector.finish();
 }
 
-// Everything behind the object LAST, which becomes the last one that was read.
+// Collects everything after the object `last`, and sets that to the last one that was read.
 Status Store::collect(Collector& collector, int64_t& last) {
     Cursor cursor;
     Row row;
@@ -211,10 +212,10 @@ std::optional<int64_t> Store::find(const std::string& table, const std::string& 
         return id;
     }
     const Reading reading = read(table);
-    const std::vector<Place> found = places(reading.contents);
-    const auto place = std::ranges::find(found, Place{table, object, nth});
-    if (place == found.end()) return std::nullopt;
-    return reading.ids[static_cast<size_t>(place - found.begin())];
+    const std::vector<ObjectRef> found = refs(reading.contents);
+    const auto ref = std::ranges::find(found, ObjectRef{table, object, nth});
+    if (ref == found.end()) return std::nullopt;
+    return reading.ids[static_cast<size_t>(ref - found.begin())];
 }
 
 }  // namespace cfql::tool

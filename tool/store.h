@@ -1,4 +1,4 @@
-// The store's file as the tool uses it: every failure is a Failure with place and remedy.
+// The store's file as the tool uses it: every failure is thrown as a Failure that says where and how to mend it.
 #pragma once
 
 #include <stdint.h>
@@ -17,7 +17,7 @@ namespace cfql::tool {
 struct Reading {
     Contents contents;
     std::vector<int64_t> ids;         // of the objects, in the same order
-    std::vector<std::string> damage;  // one line for each object or value that is left out because it is damaged
+    std::vector<std::string> damage;  // a line for each object or value left out because it is damaged
 };
 
 class Collector;
@@ -26,19 +26,19 @@ class Store {
   public:
     Store(std::string path, Access access);
 
-    // Throws for every status but ok.
+    // Throws unless `status` is ok.
     void require(Status status) const;
 
     // Everything, or one table, in one consistent state.
     Reading read(std::string_view table = {});
 
-    // Everything that a damaged store still gives, when it is open for Access::salvage.
+    // What can still be read of a damaged store that was opened with Access::salvage.
     Reading salvage();
 
-    // The id of the NTH object of that name, counted from 1 in order of insertion.
+    // The id of the `nth` object of that name, counted from 1 in order of insertion.
     std::optional<int64_t> find(const std::string& table, const std::string& object, size_t nth);
 
-    // What kept the store itself from being opened, so that a copy is salvaged; empty when it could be.
+    // Why the store itself could not be opened, so that a copy is salvaged; empty if it could.
     const std::string& opening_fault() const { return opening_fault_; }
 
     Database& database() { return database_; }
@@ -53,13 +53,13 @@ class Store {
     Database database_;
 };
 
-// One line on standard error for each object or value that READING leaves out.
+// Prints a line on standard error for each object or value that `reading` leaves out.
 void complain_of_damage(const Store& store, const Reading& reading);
 
-// The failure of an operation on the store at PATH. DETAIL: the engine's own words, or empty.
+// Throws the failure of an operation on the store at `path`. `detail`: the database engine's message, or empty.
 [[noreturn]] void fail(const std::string& path, Status status, std::string_view detail);
 
-// `interface "wlan0"`, or the table alone for an object without name; the second and later ones of a name are numbered.
-std::string described(const Place& place);
+// `interface "wlan0"`, or the table alone for an object without a name; objects after the first of a name are numbered.
+std::string described(const ObjectRef& ref);
 
 }  // namespace cfql::tool

@@ -20,7 +20,7 @@ struct Sequence {
     size_t length;
 };
 
-// RFC 3629, section 4: the second octet's range is what rules out overlong forms and surrogates.
+// RFC 3629, section 4: the range of the second octet rules out overlong forms and surrogates.
 constexpr std::array<Sequence, 9> sequences = {{
     {0x01, 0x7f, 0x00, 0x00, 1},
     {0xc2, 0xdf, 0x80, 0xbf, 2},
@@ -37,7 +37,7 @@ bool within(uint8_t octet, uint8_t first, uint8_t last) {
     return octet >= first && octet <= last;
 }
 
-// Length of the UTF-8 sequence that TEXT begins with; 0 when it begins with none.
+// Length of the UTF-8 sequence that `text` begins with; 0 if it begins with none.
 size_t sequence_length(std::string_view text) {
     for (const Sequence& form : sequences) {
         if (!within(octet_at(text, 0), form.lead_first, form.lead_last)) continue;
@@ -167,7 +167,7 @@ bool is_secret(std::string_view key) {
     return key.starts_with("wep-key-") && key != "wep-key-mapping-length";
 }
 
-std::string refusal_of_mask(std::string_view key, std::string_view value) {
+std::string mask_error(std::string_view key, std::string_view value) {
     if (!is_secret(key) || value != mask) return {};
     return "the value of " + quoted(key) + " is the mask that stands for a hidden one: give the value itself";
 }

@@ -12,22 +12,21 @@ constexpr size_t most_brackets = 8;
 constexpr const char* too_many_names = "more than 8 names joined by dots";
 constexpr const char* too_many_brackets = "brackets are nested more than 8 deep";
 
-// Knows of TOML only where texts in quotes and comments end. That is enough up to the first error, where the parser
-// stops.
+// Of TOML it knows only where strings and comments end. That is enough up to the first error, where the parser stops.
 class Scanner {
   public:
     explicit Scanner(std::string_view text) : text_(text) {}
 
     std::optional<Excess> run() {
         for (; at_ < text_.size(); ++at_) {
-            if (const char* what = take(text_[at_])) return excess(what);
+            if (const char* what = consume(text_[at_])) return excess(what);
         }
         return std::nullopt;
     }
 
   private:
-    // Takes OCTET, or all of the text in quotes or comment that begins with it.
-    const char* take(char octet) {
+    // Consumes `octet`, or the whole string or comment that begins with it. Returns what there is too much of, or null.
+    const char* consume(char octet) {
         switch (octet) {
             case '"':
             case '\'':
@@ -62,14 +61,14 @@ class Scanner {
                text_.substr(position, count) == std::string_view{octet == '"' ? "\"\"\"" : "'''"}.substr(0, count);
     }
 
-    // Leaves at_ on the last octet of the text in quotes.
+    // Leaves at_ on the last octet of the string.
     void skip_quoted(char quote) {
         const size_t width = is_at(at_, quote, 3) ? 3 : 1;
         for (at_ += width; at_ < text_.size() && !is_at(at_, quote, width); ++at_) {
             if (quote == '"' && text_[at_] == '\\') ++at_;
         }
         at_ += width - 1;
-        // A text in three quotes may itself end in one or two.
+        // A string in triple quotes may itself end in one or two quotes.
         for (int more = 0; width == 3 && more < 2 && is_at(at_ + 1, quote, 1); ++more)
             ++at_;
     }
@@ -85,8 +84,8 @@ class Scanner {
 
     std::string_view text_;
     size_t at_ = 0;
-    size_t dots_ = 0;      // of the name at hand
-    size_t brackets_ = 0;  // that are open
+    size_t dots_ = 0;      // in the current name
+    size_t brackets_ = 0;  // open ones
 };
 
 }  // namespace

@@ -1,5 +1,4 @@
-// How deep a TOML text is nested, found out before it is parsed: the parser, and what takes its trees apart, go down by
-// recursion.
+// How deep a TOML text is nested, checked before it is parsed: the parser, and the destructors of its trees, recurse.
 #pragma once
 
 #include <stddef.h>
@@ -8,7 +7,7 @@
 
 namespace cfql::tool {
 
-// Where a text first goes deeper than any contents of a store do; line and column count from 1.
+// Where a text is first nested deeper than any contents of a store; line and column count from 1.
 struct Excess {
     size_t line;
     size_t column;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view hex_prefix = "hex:";  // before a table or key by its octets
 
-// CHARACTER, a well-formed one, within double quotes. Controls are escaped: an export may be shown on a terminal.
+// A well-formed `character` as it stands in double quotes. Controls are escaped: an export may be shown on a terminal.
 std::string basic(const Character& character) {
     std::string octets(character.octets);
     if (octets == "\"" || octets == "\\") return '\\' + octets;
@@ -53,7 +53,7 @@ std::string line(std::string_view key, std::string_view value) {
     return key_text(key) + " = " + value_text(value) + '\n';
 }
 
-// The value of a line such as `ssid = Guests`, on which the parser stumbles in one of many ways.
+// The value of a line such as `ssid = Guests`, for which the parser has many error messages.
 struct Unquoted {
     std::string_view key;
     size_t column;  // from 1
@@ -120,7 +120,7 @@ class Reader {
         }
     }
 
-    // The parser keeps arrays by name; the order of the blocks in the text is what counts here.
+    // The parser keeps arrays by name, but here the order of the blocks in the text counts.
     std::vector<Block> blocks(const toml::table& root) const {
         std::vector<Block> found;
         for (const auto& [key, node] : root) {
@@ -147,9 +147,9 @@ class Reader {
     Object object(const Block& block) const {
         Object made;
         made.table = octets(*block.header);
-        allow(block.header->source(), refusal_of_table(made.table));
+        allow(block.header->source(), table_error(made.table));
         if (const toml::node* name = block.table->get(name_key)) made.name = value(name_key, *name);
-        if (const char* refusal = refusal_of_object(made.table, made.name)) {
+        if (const char* refusal = object_error(made.table, made.name)) {
             const bool nameless = !block.table->contains(name_key);
             fail(block.table->source(),
                  nameless ? "this block has no name: add a line such as name = \"wlan0\"" : refusal);
@@ -162,10 +162,10 @@ class Reader {
 
     void add(Object& made, const toml::key& key, const toml::node& node) const {
         const std::string name = octets(key);
-        allow(key.source(), refusal_of_key(name));
+        allow(key.source(), key_error(name));
         const std::string text = value(name, node);
-        allow(node.source(), refusal_of_value(text));
-        const std::string refusal = refusal_of_mask(name, text);
+        allow(node.source(), value_error(text));
+        const std::string refusal = mask_error(name, text);
         if (!refusal.empty()) fail(node.source(), refusal);
         if (!made.attributes.emplace(name, text).second)
             fail(key.source(), quoted(name) + " is given twice in this block");
@@ -192,7 +192,7 @@ class Reader {
     }
 
     static std::string no_text(std::string_view key) {
-        return "the value of " + quoted(key) + " is no text: put it in quotes, or write { hex = \"c328\" }";
+        return "the value of " + quoted(key) + " is not a string: put it in quotes, or write { hex = \"c328\" }";
     }
 
     std::string hex(const toml::source_region& where, std::string_view digits) const {

@@ -1,4 +1,4 @@
-// The command watch: prints the difference between the store's states as they come.
+// The command watch: prints what changes from one state of the store to the next.
 #include <chrono>
 #include <map>
 #include <thread>
@@ -14,11 +14,11 @@ namespace {
 
 constexpr std::chrono::milliseconds interval{100};
 
-using ByPlace = std::map<Place, const Object*>;
+using ByRef = std::map<ObjectRef, const Object*>;
 
-ByPlace by_place(const Contents& contents) {
-    ByPlace found;
-    const std::vector<Place> all = places(contents);
+ByRef by_ref(const Contents& contents) {
+    ByRef found;
+    const std::vector<ObjectRef> all = refs(contents);
     for (size_t i = 0; i < all.size(); ++i)
         found.emplace(all[i], &contents[i]);
     return found;
@@ -29,47 +29,47 @@ class Differences {
     explicit Differences(bool reveal) : reveal_(reveal) {}
 
     void print(const Contents& before, const Contents& after) const {
-        const ByPlace old_objects = by_place(before);
-        const ByPlace new_objects = by_place(after);
-        for (const auto& [place, object] : old_objects) {
-            if (!new_objects.contains(place)) print_line("unset\t" + row(place, "", "", true));
+        const ByRef old_objects = by_ref(before);
+        const ByRef new_objects = by_ref(after);
+        for (const auto& [ref, object] : old_objects) {
+            if (!new_objects.contains(ref)) print_line("unset\t" + row(ref, "", "", true));
         }
-        for (const auto& [place, object] : new_objects) {
-            const auto old_object = old_objects.find(place);
+        for (const auto& [ref, object] : new_objects) {
+            const auto old_object = old_objects.find(ref);
             if (old_object == old_objects.end()) {
-                print_new(place, object->attributes);
+                print_new(ref, object->attributes);
             } else {
-                print_change(place, old_object->second->attributes, object->attributes);
+                print_change(ref, old_object->second->attributes, object->attributes);
             }
         }
-        if (old_objects.size() == new_objects.size() && places(before) != places(after)) print_line("order");
+        if (old_objects.size() == new_objects.size() && refs(before) != refs(after)) print_line("order");
     }
 
   private:
-    void print_set(const Place& place, const Attributes::value_type& attribute) const {
-        print_line("set\t" + row(place, attribute.first, attribute.second, reveal_));
+    void print_set(const ObjectRef& ref, const Attributes::value_type& attribute) const {
+        print_line("set\t" + row(ref, attribute.first, attribute.second, reveal_));
     }
 
-    void print_new(const Place& place, const Attributes& attributes) const {
-        if (attributes.empty()) print_line("set\t" + row(place, "", "", true));
+    void print_new(const ObjectRef& ref, const Attributes& attributes) const {
+        if (attributes.empty()) print_line("set\t" + row(ref, "", "", true));
         for (const auto& attribute : attributes)
-            print_set(place, attribute);
+            print_set(ref, attribute);
     }
 
-    void print_change(const Place& place, const Attributes& before, const Attributes& after) const {
+    void print_change(const ObjectRef& ref, const Attributes& before, const Attributes& after) const {
         for (const auto& [key, value] : before) {
-            if (!after.contains(key)) print_line("unset\t" + row(place, key, "", true));
+            if (!after.contains(key)) print_line("unset\t" + row(ref, key, "", true));
         }
         for (const auto& attribute : after) {
             const auto old_value = before.find(attribute.first);
-            if (old_value == before.end() || old_value->second != attribute.second) print_set(place, attribute);
+            if (old_value == before.end() || old_value->second != attribute.second) print_set(ref, attribute);
         }
     }
 
     bool reveal_;
 };
 
-// The store as watch sees it; follows the file when another takes its place.
+// The store that is watched. Follows the path when another file takes its place.
 class Watched {
   public:
     explicit Watched(std::string path) : path_(std::move(path)) {}
@@ -93,7 +93,7 @@ class Watched {
     Watch watch_;
 };
 
-// The states of the store, one after the other. One that is away, locked or damaged for the moment is waited for.
+// Prints each new state of the store. While it is absent, locked or damaged, waits.
 class Vigil {
   public:
     explicit Vigil(const Request& request) : store_(request.store), differences_(request.reveal) {
@@ -123,7 +123,7 @@ class Vigil {
     Watched store_;
     Differences differences_;
     Reading last_;
-    std::string trouble_;  // as it was told last
+    std::string trouble_;  // last reported; empty if there is none
 };
 
 }  // namespace

@@ -388,9 +388,10 @@ TEST_F(Users, AnAgentFromBeforeItsUserCameIntoTheGroup) {
     run("chgrp 4321 " + store());
     run("chown 0 " + store());
     const Daemon agent(folder, "bare", "-u daemon -g daemon", "NET-SNMP version");
-    EXPECT_THAT(doctor("--as daemon", member).text,
-                HasSubstr("fix: user: daemon, as whom snmpd (process " + std::to_string(agent.pid()) +
-                          ") runs, may not read the store: it began before it was in the group: restart it\n"));
+    EXPECT_THAT(
+        doctor("--as daemon", member).text,
+        HasSubstr("fix: user: daemon, as whom snmpd (process " + std::to_string(agent.pid()) +
+                  ") runs, may not read the store: it was started before its user joined the group: restart it\n"));
 }
 #endif
 

@@ -52,7 +52,7 @@ TEST(ReadConfiguration, RefusesWithPlaceAndRemedy) {
     } cases[] = {
         {"k = 'v'", "f:1:1: \"k\" belongs to no interface: put it below [\"*\"] or [wlan0]"},
         {"[[wlan0]]", "f:1:3: \"wlan0\" belongs to no interface: put it below [\"*\"] or [wlan0]"},
-        {"[wlan0]\nchannel = 6", "f:2:11: the value of \"channel\" is no text: put it in quotes"},
+        {"[wlan0]\nchannel = 6", "f:2:11: the value of \"channel\" is not a string: put it in quotes"},
         {"[wlan0]\nchanel = '6'", "f:2:1: \"chanel\" is no key that can be given here; man cfql-collector lists them"},
         {"[wlan0]\nbss = 'x'", "f:2:1: \"bss\" is no key that can be given here; man cfql-collector lists them"},
         {"[wlan0]\ntype = 'x'", "f:2:1: \"type\" is no key that can be given here; man cfql-collector lists them"},

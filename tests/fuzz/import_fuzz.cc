@@ -12,11 +12,11 @@
 namespace {
 
 void demand_limits(const cfql::tool::Object& object) {
-    DEMAND(cfql::refusal_of_table(object.table) == nullptr);
-    DEMAND(cfql::refusal_of_object(object.table, object.name) == nullptr);
+    DEMAND(cfql::table_error(object.table) == nullptr);
+    DEMAND(cfql::object_error(object.table, object.name) == nullptr);
     for (const auto& [key, value] : object.attributes) {
-        DEMAND(cfql::refusal_of_key(key) == nullptr);
-        DEMAND(cfql::refusal_of_value(value) == nullptr);
+        DEMAND(cfql::key_error(key) == nullptr);
+        DEMAND(cfql::value_error(value) == nullptr);
     }
 }
 

@@ -68,7 +68,7 @@ TEST_F(Commands, SetUnderRunSaysThatItIsGoneAtTheNextBoot) {
     std::filesystem::create_symlink(file, link);
     done({"init"}, {.path = file});
     const std::string note = "cfql: note: " + file +
-                             " is gone at the next boot, and this value with it; a value that is to stay belongs into "
+                             " is lost at the next boot, and this value with it; a permanent value belongs in "
                              "/etc/cfql/collector.toml, see \"man cfql-collector\"\n";
     for (const std::string& path : {file, link}) {
         const Outcome set = run({"set", "system", "country", "DE"}, {.path = path});
@@ -133,7 +133,7 @@ TEST_F(Commands, Get) {
         {{"get", "interface", "wlan0", "ssid", "--nth"},
          2,
          "",
-         "cfql: --nth is to be followed by its N; see \"cfql get --help\"\n"},
+         "cfql: --nth must be followed by N; see \"cfql get --help\"\n"},
     });
 }
 
@@ -576,8 +576,8 @@ mode_t mode_of(const std::string& path) {
 TEST_F(Tool, InitMakesDirectoryAndFile) {
     const std::string path = directory + "/deep/store.db";
     const std::string said = done({"init", "--store", path});
-    EXPECT_TRUE(said.starts_with("made the directory " + directory + "/deep, mode 2750")) << said;
-    EXPECT_NE(said.find("made the store " + path + ", mode 0640"), std::string::npos) << said;
+    EXPECT_TRUE(said.starts_with("created the directory " + directory + "/deep, mode 2750")) << said;
+    EXPECT_NE(said.find("created the store " + path + ", mode 0640"), std::string::npos) << said;
     EXPECT_EQ(mode_of(directory + "/deep"), 02750U);
     EXPECT_EQ(mode_of(path), 0640U);
 }
@@ -586,7 +586,7 @@ TEST_F(Tool, InitSaysWhoseTheFilesAreWhenNotRoot) {
     if (getuid() != 0) GTEST_SKIP() << "only root can become another user";
     ASSERT_EQ(chmod(directory.c_str(), 0777), 0);
     const std::string said = done({"init"}, {.user = 65534});
-    EXPECT_EQ(said, "made the store " + store +
+    EXPECT_EQ(said, "created the store " + store +
                         ", mode 0640\n"
                         "not run as root: the files belong to you, and the group stays as it is\n");
 }
@@ -602,7 +602,7 @@ TEST_F(Tool, InitGivesTheStoreToTheGroup) {
     ASSERT_EQ(system(command.c_str()), 0);
     std::string text;
     std::getline(std::ifstream(said), text, '\0');
-    EXPECT_EQ(text, "made the directory " + directory + "/deep, mode 2750, root:cfql\nmade the store " + path +
+    EXPECT_EQ(text, "created the directory " + directory + "/deep, mode 2750, root:cfql\ncreated the store " + path +
                         ", mode 0640, root:cfql\n");
     for (const std::string& made : {directory + "/deep", path}) {
         struct stat entry = {};
@@ -618,7 +618,7 @@ TEST_F(Tool, InitRefuses) {
     const Outcome no_parent = run({"init", "--store", directory + "/a/b/store.db"});
     EXPECT_EQ(no_parent.status, 3);
     EXPECT_EQ(no_parent.err,
-              "cfql: " + directory + "/a/b: No such file or directory; make the directory above it first\n");
+              "cfql: " + directory + "/a/b: No such file or directory; create its parent directory first\n");
 }
 
 // In a directory where others may write, too, somebody was faster.
@@ -634,8 +634,8 @@ TEST_F(Tool, InitFollowsNoLink) {
     std::filesystem::create_symlink(directory + "/new", directory + "/dangling");
     std::filesystem::create_hard_link(empty, directory + "/hard");
     const std::string link =
-        "is a link, as to the store that cfql-collector makes and fills; remove the link to make a store here";
-    const std::string foreign = "belongs to somebody else, or is no plain file; name another with --store";
+        "is a link, perhaps to the store of cfql-collector; remove the link to create a store here";
+    const std::string foreign = "belongs to another user, or is not a plain file; name another with --store";
     const std::pair<std::string, std::string> refused[] = {
         {"link", link}, {"dangling", link}, {"hard", foreign}, {"theirs", foreign}, {"pipe", foreign}};
     for (const auto& [name, reason] : refused) {
@@ -724,9 +724,10 @@ TEST_F(Commands, AFailedImportChangesNothing) {
         const Outcome outcome = run(words);
         EXPECT_EQ(outcome.status, 4);
         EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err, "cfql: " + file +
-                                   ":1506:9: the value of \"radio\" is no text: put it in quotes, or write { hex = "
-                                   "\"c328\" }; nothing has been imported\n");
+        EXPECT_EQ(outcome.err,
+                  "cfql: " + file +
+                      ":1506:9: the value of \"radio\" is not a string: put it in quotes, or write { hex = "
+                      "\"c328\" }; nothing has been imported\n");
         EXPECT_EQ(done({"export"}), before);
     }
 }

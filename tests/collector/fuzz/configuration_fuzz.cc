@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     for (const auto& [interface, values] : configuration.tables) {
         for (const auto& [key, value] : values) {
             DEMAND(table_of(key).has_value());
-            DEMAND(cfql::refusal_of_value(value) == nullptr);
+            DEMAND(cfql::value_error(value) == nullptr);
         }
     }
     for (const auto& [interface, name] : configuration.aliases)

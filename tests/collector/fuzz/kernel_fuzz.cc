@@ -37,10 +37,10 @@ class Message {
 // Whatever was seen, a store can hold it.
 void demand_contents(const Observed& observed) {
     for (const auto& [name, values] : contents(observed, {})) {
-        DEMAND(cfql::refusal_of_object(name.table, name.name) == nullptr);
+        DEMAND(cfql::object_error(name.table, name.name) == nullptr);
         for (const auto& [key, value] : values) {
-            DEMAND(cfql::refusal_of_key(key) == nullptr);
-            DEMAND(cfql::refusal_of_value(value) == nullptr);
+            DEMAND(cfql::key_error(key) == nullptr);
+            DEMAND(cfql::value_error(value) == nullptr);
         }
     }
 }
