@@ -112,7 +112,7 @@ int main(int argc, char** argv) {
     Collector collector({kernel, hostapd, names, writer, log}, {}, {});
     if (collector.load().status != cfql::Status::ok) return 3;
     for (int i = 0; i < std::atoi(argv[2]); ++i) {
-        if (!collector.look(i * std::int64_t{10000})) return 1;
+        if (!collector.observe(i * std::int64_t{10000})) return 1;
         collector.write(i * std::int64_t{10000});
         kernel.go_on();
     }

@@ -1,5 +1,5 @@
-// Attributes of a netlink message, walked in place. Every access is bounded by the message; an attribute of a wrong
-// length is as good as absent.
+// Attributes of a netlink message, read in place. Every access is bounded by the message; an attribute of a wrong
+// length counts as absent.
 #pragma once
 
 #include <libmnl/libmnl.h>
@@ -15,7 +15,7 @@ class Attributes {
     Attributes(const void* data, size_t size)
         : data_(static_cast<const char*>(data)), end_(static_cast<const char*>(data) + size) {}
 
-    // Those behind the message's fixed header of `header` octets.
+    // Those after the message's fixed header of `header` octets.
     static Attributes of(const nlmsghdr* message, size_t header) {
         const size_t size = mnl_nlmsg_get_payload_len(message);
         const size_t skip = MNL_ALIGN(header);
@@ -25,7 +25,7 @@ class Attributes {
 
     static Attributes in(const nlattr* nest) { return {mnl_attr_get_payload(nest), mnl_attr_get_payload_len(nest)}; }
 
-    // `visit(type, attribute)` for each.
+    // Calls `visit(type, attribute)` for each.
     template <class Visit>
     void each(Visit visit) const {
         const auto* attribute = reinterpret_cast<const nlattr*>(data_);
@@ -40,7 +40,7 @@ class Attributes {
     const char* end_;
 };
 
-// The attribute's number in the host's byte order, as netlink has it.
+// The attribute as a number in the host's byte order, which netlink uses.
 template <class Number>
 std::optional<Number> number(const nlattr* attribute) {
     Number value;
@@ -54,7 +54,7 @@ inline std::string_view octets(const nlattr* attribute) {
     return {static_cast<const char*>(mnl_attr_get_payload(attribute)), mnl_attr_get_payload_len(attribute)};
 }
 
-// The text in front of the first NUL.
+// The text up to the first NUL.
 inline std::string_view text(const nlattr* attribute) {
     const std::string_view all = octets(attribute);
     return all.substr(0, all.find('\0'));

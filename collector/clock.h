@@ -1,4 +1,4 @@
-// Time that no clock setting changes.
+// A clock that nobody sets.
 #pragma once
 
 #include <time.h>
@@ -7,7 +7,7 @@
 
 namespace collector {
 
-// Milliseconds since some moment, suspended time included.
+// Milliseconds since boot, suspended time included.
 inline int64_t now_ms() {
     timespec now = {};
     clock_gettime(CLOCK_BOOTTIME, &now);

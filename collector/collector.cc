@@ -18,7 +18,7 @@ namespace {
 using cfql::tool::printable;
 using cfql::tool::quoted;
 
-constexpr size_t most_departures = 16384;  // of one interface between two looks
+constexpr size_t most_departures = 16384;  // of one interface between two passes
 
 std::string reason(int error) {
     return strerror(error);
@@ -56,18 +56,18 @@ Writer::Result Collector::load() {
     return result;
 }
 
-bool Collector::take_events() {
+bool Collector::read_events() {
     events_.changed = false;
     parts_.kernel.events(events_);
     return events_.changed;
 }
 
-// At the first look it is unknown since when the stations present have been counting.
+// In the first pass nobody knows since when the stations present have been counting.
 Collector::State& Collector::state(const Interface& interface) {
     const auto known = states_.find(interface.index);
     if (known != states_.end()) return known->second;
     State& made = states_[interface.index];
-    if (has_looked_) return made;
+    if (has_observed_) return made;
     const auto left = left_by_earlier_run_.find(interface.index);
     if (left == left_by_earlier_run_.end()) {
         made.counters = Accumulator(Totals());
@@ -134,7 +134,7 @@ void Collector::read_radios(int64_t now) {
     }
 }
 
-void Collector::say_of_hostapd(const Interface& of, Answer answer, int64_t now) {
+void Collector::log_hostapd(const Interface& of, Answer answer, int64_t now) {
     Log& log = parts_.log;
     const std::string& interface = of.name;
     const std::string socket = parts_.hostapd.directory() + '/' + interface;
@@ -161,7 +161,7 @@ void Collector::say_of_hostapd(const Interface& of, Answer answer, int64_t now) 
                 now);
         case Answer::late:
         case Answer::skipped:
-            // A busy machine is late now and then.
+            // On a busy machine an answer is late now and then.
             if (!parts_.hostapd.is_hung(interface, of.radio)) return;
             return log.holds(
                 cause, Level::warning,
@@ -174,11 +174,11 @@ void Collector::say_of_hostapd(const Interface& of, Answer answer, int64_t now) 
     }
 }
 
-// True when hostapd says by itself that the access point has started.
+// Returns whether hostapd says that the access point has started.
 bool Collector::ask_hostapd(const Interface& interface, int64_t now) {
     HostapdBss bss;
     const Answer answer = parts_.hostapd.ask(interface.name, interface.radio, bss);
-    say_of_hostapd(interface, answer, now);
+    log_hostapd(interface, answer, now);
     if (answer != Answer::told) return false;
     state(interface).hostapd = bss;
     return bss.enabled;
@@ -212,7 +212,8 @@ bool Collector::add_stations(AccessPoint& point, int64_t now) {
     return true;
 }
 
-// WPA is known from hostapd. What else has keys is WEP; without any it is open.
+// WPA is known from hostapd. Of the others, those with a group key have WEP (or WPA, if hostapd does not answer), and
+// those without are open.
 void Collector::add_group_key(AccessPoint& point, int64_t now) {
     if (point.hostapd && point.hostapd->wpa != 0) return;
     bool present = false;
@@ -221,13 +222,13 @@ void Collector::add_group_key(AccessPoint& point, int64_t now) {
     if (error == EPERM || error == EACCES) {
         parts_.log.holds(
             "keys", Level::notice,
-            "whether an access point without WPA is open or has WEP takes CAP_NET_ADMIN to see: security is left "
-            "out; the configuration can give it",
+            "without CAP_NET_ADMIN, an access point that is open looks like one with WEP: security is left out; the "
+            "configuration can give it",
             now);
     }
 }
 
-void Collector::look_at(const Interface& interface, int64_t now) {
+void Collector::observe_interface(const Interface& interface, int64_t now) {
     if (interface.type != NL80211_IFTYPE_AP)
         return leave_out(interface, std::string("it is ") + kind(interface.type), now);
     State& state = this->state(interface);
@@ -238,7 +239,7 @@ void Collector::look_at(const Interface& interface, int64_t now) {
         return leave_out(interface, "it has not been started", now);
     }
     if (observed_.access_points.size() >= dot11::max_interfaces)
-        return leave_out(interface, "the agent serves 128", now);
+        return leave_out(interface, "the agent serves at most 128", now);
     const auto alias = configuration_.aliases.find(interface.name);
     const Names::Served served = parts_.names.served(interface.index, interface.name, interface.radio,
                                                      alias == configuration_.aliases.end() ? nullptr : &alias->second);
@@ -247,20 +248,20 @@ void Collector::look_at(const Interface& interface, int64_t now) {
     point.interface = interface;
     point.name = served.name;
     point.hostapd = state.hostapd;
-    if (!add_stations(point, now)) return leave_out(interface, "it has just gone", now);
+    if (!add_stations(point, now)) return leave_out(interface, "it has just disappeared", now);
     add_group_key(point, now);
     observed_.access_points.push_back(std::move(point));
     parts_.log.ended("row:" + interface.name, interface.name + " is served as " + served.name, now);
 }
 
-// RTS answered by no CTS counts as a retry, too: while it is in use, acknowledgements cannot be told from it.
+// An RTS without a CTS counts as a retry, too: while RTS is in use, missing acknowledgements cannot be told apart.
 bool Collector::acks_count(const Interface& interface) const {
     const auto radio =
         std::ranges::find_if(observed_.radios, [&](const Radio& r) { return r.index == interface.radio; });
     return radio != observed_.radios.end() && radio->rts == std::optional(threshold_off);
 }
 
-// Departures that are there after the lists were read are before or behind them by their generation.
+// Adds up the counters. The generations tell whether a station left before or after the list of stations was read.
 void Collector::count() {
     for (Departed& departed : events_.departed) {
         const auto known = states_.find(departed.interface);
@@ -273,16 +274,17 @@ void Collector::count() {
         if (known == states_.end()) continue;
         State& state = known->second;
         const auto present = stations_.find(interface.index);
-        // Stopped, it has no stations; started, their list could not be read, and what is known waits.
+        // A stopped access point has no stations. If it is started, their list could not be read: wait for the next.
         if (present == stations_.end() && !interface.ssid.empty()) continue;
         static const Stations none;
-        state.counters.look(present == stations_.end() ? none : present->second, state.departed, acks_count(interface));
+        state.counters.update(present == stations_.end() ? none : present->second, state.departed,
+                              acks_count(interface));
         state.departed.clear();
     }
     stations_.clear();
 }
 
-void Collector::take_frames() {
+void Collector::read_frames() {
     for (const auto& [sender, frame] : events_.frames) {
         const uint32_t index = sender;
         const auto of = std::ranges::find_if(interfaces_, [&](const Interface& i) { return i.index == index; });
@@ -293,7 +295,7 @@ void Collector::take_frames() {
     events_.frames.clear();
 }
 
-// Also those of interfaces that are not served now, for a collector that is restarted before they are again.
+// Includes interfaces that are not served now: the collector may be restarted before they are served again.
 void Collector::hand_over_counts() {
     for (const auto& [index, state] : states_) {
         const uint32_t wanted = index;
@@ -309,7 +311,7 @@ void Collector::hand_over_counts() {
     }
 }
 
-bool Collector::look(int64_t now) {
+bool Collector::observe(int64_t now) {
     observed_ = {};
     observed_.manufacturer = manufacturer_;
     under_way_ = false;
@@ -317,9 +319,9 @@ bool Collector::look(int64_t now) {
     if (!read_interfaces(now)) return false;
     read_radios(now);
     for (const Interface& interface : interfaces_)
-        look_at(interface, now);
+        observe_interface(interface, now);
     events_.unseen = false;
-    take_events();
+    read_events();
     if (events_.lost) {
         parts_.log.holds(
             "events", Level::notice,
@@ -330,12 +332,12 @@ bool Collector::look(int64_t now) {
     } else {
         parts_.log.ended("events", "", now);
     }
-    take_frames();
+    read_frames();
     count();
     hand_over_counts();
     for (const char* of_an_interface : {"row:", "hostapd:", "stations:", "radio:"})
         parts_.log.end_others(of_an_interface, "", now, now);
-    has_looked_ = true;
+    has_observed_ = true;
     left_by_earlier_run_.clear();
     return true;
 }

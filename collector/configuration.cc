@@ -64,7 +64,7 @@ class Reader {
     void add_table(const toml::key& header, const toml::table& table) {
         const std::string interface(header.str());
         if (interface.empty() || interface.size() > 15) {
-            fail(header.source(), quoted(interface) + " is no interface's name: 1 to 15 octets, or \"*\"");
+            fail(header.source(), quoted(interface) + " is not an interface's name: 1 to 15 octets, or \"*\"");
         }
         for (const auto& [key, node] : table) {
             const toml::value<std::string>* value = node.as_string();
@@ -93,7 +93,7 @@ class Reader {
     void add_value(const std::string& interface, const toml::key& key, const std::string& value) {
         const std::string name(key.str());
         if (!table_of(name)) {
-            fail(key.source(), quoted(name) + " is no key that can be given here; man cfql-collector lists them");
+            fail(key.source(), quoted(name) + " is not a key that can be given here; man cfql-collector lists them");
         }
         if (const char* refusal = cfql::value_error(value)) fail(key.source(), refusal);
         made_.tables[interface].emplace(name, value);

@@ -1,8 +1,8 @@
-// The operator's file: values that no live source has, and names.
+// The operator's configuration: values that no live source has, and names.
 //
-//     ["*"]                      every interface
+//     ["*"]                      for every interface
 //     wep-default-key = "1"      a key of the store
-//     [wlan0]                    one, by the name that the kernel has for it; wins over "*"
+//     [wlan0]                    for one interface, by its name in the kernel; overrides "*"
 //     name = "guest"             the name to serve it under, at most five octets; not in "*"
 #pragma once
 
@@ -26,13 +26,13 @@ struct Configuration {
     bool operator==(const Configuration&) const = default;
 };
 
-// `name` can be the name of a network interface, and of one that is served.
+// Whether `name` can be the name of a network interface that is served.
 bool is_served_name(std::string_view name);
 
 // `source` names the text in messages. Throws Failure (Exit::configuration) with line and column.
 Configuration read_configuration(std::string_view text, std::string_view source);
 
-// The file at `path`; an absent file is an empty one. Throws Failure (Exit::configuration).
+// The file at `path`; an absent file counts as empty. Throws Failure (Exit::configuration).
 Configuration load_configuration(const std::string& path);
 
 }  // namespace collector

@@ -27,7 +27,7 @@ std::optional<Number> number_of(const Values& values, std::string_view key) {
     return value;
 }
 
-// Values of one object under construction. What is absent or empty is left out: the store has no empty live values.
+// The values of one object under construction. Absent and empty ones are left out: the store has no empty live values.
 class Object {
   public:
     explicit Object(Values& values) : values_(values) {}
@@ -78,7 +78,7 @@ Security security(const AccessPoint& point) {
     if (point.hostapd && point.hostapd->wpa != 0) return Security::wpa;
     if (!point.group_key) return Security::unknown;
     if (!*point.group_key) return Security::open;
-    // Without hostapd nothing tells WEP's keys from those of WPA; privacy is invoked in any case.
+    // Without hostapd, `wep` cannot be told from `wpa`; privacy is invoked in either case.
     return point.hostapd && point.hostapd->suites ? Security::wep : Security::wpa;
 }
 
@@ -114,11 +114,11 @@ void put_sent(Object& object, const LastSent& sent) {
 }
 
 void put_totals(Object& object, const Totals& totals) {
-    object.put(transmitted_key, std::to_string(written(totals.transmitted)));
-    object.put(failed_key, std::to_string(written(totals.failed)));
-    object.put(received_key, std::to_string(written(totals.received)));
-    if (totals.unacknowledged) object.put(unacknowledged_key, std::to_string(written(*totals.unacknowledged)));
-    if (totals.bad_checksums) object.put(bad_checksums_key, std::to_string(written(*totals.bad_checksums)));
+    object.put(transmitted_key, std::to_string(counter_value(totals.transmitted)));
+    object.put(failed_key, std::to_string(counter_value(totals.failed)));
+    object.put(received_key, std::to_string(counter_value(totals.received)));
+    if (totals.unacknowledged) object.put(unacknowledged_key, std::to_string(counter_value(*totals.unacknowledged)));
+    if (totals.bad_checksums) object.put(bad_checksums_key, std::to_string(counter_value(*totals.bad_checksums)));
 }
 
 void put_interface(Object object, const AccessPoint& point, const Observed& observed) {
@@ -142,7 +142,7 @@ void put_interface(Object object, const AccessPoint& point, const Observed& obse
     put_totals(object, point.totals);
 }
 
-// SAE alone does without the open-system algorithm.
+// With SAE alone, the open-system algorithm is not used.
 bool is_sae_alone(std::string_view suites) {
     while (!suites.empty()) {
         const std::string_view suite = suites.substr(0, suites.find(' '));
@@ -192,7 +192,7 @@ void put_radio(Object object, const AccessPoint& point, const Observed& observed
     const Radio* radio = radio_of(observed, point);
     if (!radio) return;
     put_threshold(object, "rts-threshold", radio->rts, default_rts);
-    // Left out it would be served as the RTS threshold.
+    // Without this key, the agent would serve 2346 as the RTS threshold.
     put_threshold(object, "fragmentation-threshold", radio->fragmentation, default_fragmentation);
 }
 
@@ -211,7 +211,7 @@ void add_resting(Contents& made, const Resting& resting) {
     put_totals(object, resting.totals);
 }
 
-// The operator's values go under the live ones.
+// The operator's values come first, so that live ones replace them.
 void put_configured(Contents& made, const AccessPoint& point, const Configuration& configuration) {
     for (const std::string_view table : {all_interfaces, std::string_view(point.interface.name)}) {
         const auto values = configuration.tables.find(table);
@@ -294,7 +294,7 @@ std::optional<uint32_t> channel(uint32_t frequency) {
     struct Band {
         uint32_t first, last, base, step;
     };
-    // Channel n of a band is at base + n * step. The single ones come first.
+    // Channel n of a band is at base + n * step. Two channels are exceptions.
     static constexpr Band bands[] = {
         {2407, 2472, 2407, 5}, {4900, 4980, 4000, 5},       {5000, 5925, 5000, 5},
         {5950, 7125, 5950, 5}, {58320, 70200, 56160, 2160},

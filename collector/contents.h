@@ -1,4 +1,4 @@
-// From what was seen to what the store is to hold: every key and its conversion. Pure.
+// Turns what was observed into what the store is to hold: every key and its conversion. Pure.
 #pragma once
 
 #include <stdint.h>
@@ -22,25 +22,25 @@ struct ObjectName {
 
 using Contents = std::map<ObjectName, Values>;
 
-// The channel's number of a frequency in MHz, in every band; absent: none.
+// The number of the channel at `frequency`, in MHz, of any band; absent: there is none.
 std::optional<uint32_t> channel(uint32_t frequency);
 
-// Milliwatts of 1/100 dBm, rounded; at least 1.
+// `power`, in 1/100 dBm, as milliwatts, rounded; at least 1.
 uint32_t milliwatts(int32_t power);
 
-// Regulatory domain as the MIB numbers it; absent: it has no number there.
+// The MIB's number of the regulatory domain; absent: it has none.
 std::optional<uint32_t> regulatory_domain(const Regulatory& rules);
 
 // Lower-case hexadecimal digits, separated by colons.
 std::string mac_text(const Mac& mac);
 std::optional<Mac> mac_of(std::string_view text);
 
-// `text` without control characters and blanks at its ends, at most 127 octets.
+// The printable ASCII of `text`, without blanks at its ends, at most 127 octets.
 std::string plain(std::string_view text);
 
 Contents contents(const Observed& observed, const Configuration& configuration);
 
-// The reverse, for a restart: what the store still holds of an interface.
+// The reverse, for a restart: what an earlier run left in the store about an interface.
 struct Left {
     Totals totals;
     LastSent sent;
@@ -49,8 +49,7 @@ struct Left {
     bool operator==(const Left&) const = default;
 };
 
-// By the interfaces' indexes. `held` are the collector's objects; texts that it would not have written count for
-// nothing.
+// By ifIndex. `held` are the collector's objects; texts that it would not have written are ignored.
 std::map<uint32_t, Left> left_in(const Contents& held);
 
 }  // namespace collector

@@ -11,12 +11,12 @@ uint32_t steps(uint32_t before, uint32_t now) {
     return now - before;
 }
 
-// Nobody sends 2^31 frames between two looks.
+// Nobody sends 2^31 frames between two passes.
 bool fell(uint32_t before, uint32_t now) {
     return steps(before, now) > 0x7fffffff;
 }
 
-// A counter fell: it is another association, whose predecessor left unheard.
+// A counter fell: the station left unnoticed and has come back.
 bool is_another(const Sample& before, const Sample& now) {
     return fell(before.received, now.received) || fell(before.sent, now.sent) || fell(before.failed, now.failed) ||
            fell(before.retries, now.retries);
@@ -26,7 +26,7 @@ bool is_after(uint32_t generation, uint32_t other) {
     return generation != other && !fell(other, generation);
 }
 
-// The list of those `present` was made before this departure.
+// The list `present` was made before this departure.
 bool is_behind(const Departed& departed, const Stations& present) {
     return departed.generation != 0 && present.generation != 0 && is_after(departed.generation, present.generation);
 }
@@ -43,7 +43,7 @@ void Accumulator::add(const Sample* before, const Sample& now) {
     sent_ += steps(before->sent, now.sent);
     totals_.failed += failed;
     totals_.received += steps(before->received, now.received);
-    // A frame in flight counts as sent and may fail later: the difference of the two can step back by one.
+    // A frame in flight counts as sent and may fail later, so the difference of the two can step back by one.
     if (sent_ > totals_.failed) totals_.transmitted = std::max(totals_.transmitted, sent_ - totals_.failed);
     if (count_acks_) {
         totals_.unacknowledged = totals_.unacknowledged.value_or(0) + failed + steps(before->retries, now.retries);
@@ -55,7 +55,7 @@ void Accumulator::add(const Sample* before, const Sample& now) {
     }
 }
 
-// The list of an earlier look was made after this departure: what it was worth is in the sums.
+// An earlier list was made after this departure, whose counters are thus in the sums already.
 bool Accumulator::is_stale(const Departed& departed) const {
     return generation_ && !is_after(departed.generation, *generation_);
 }
@@ -67,7 +67,7 @@ void Accumulator::leave(const Departed& departed) {
     if (known != known_.end()) known_.erase(known);
 }
 
-void Accumulator::take_present(const Stations& present) {
+void Accumulator::add_present(const Stations& present) {
     std::map<Mac, Sample> now;
     for (const Station& station : present.stations) {
         const auto known = known_.find(station.mac);
@@ -79,9 +79,8 @@ void Accumulator::take_present(const Stations& present) {
     known_ = std::move(now);
 }
 
-// `departed` belongs in front of the list of those `present`. A driver that counts no generations leaves it open
-// whether a station that is in the list left before or afterwards; then the list is right, and what it does not show is
-// let go.
+// Whether `departed` left before the list `present` was made. If the driver counts no generations, nobody knows when a
+// listed station left: then the list is right, and what it does not show is dropped.
 bool Accumulator::is_before(const Departed& departed, const Stations& present) const {
     if (departed.generation == 0 || (present.generation == 0 && !present.stations.empty())) {
         const auto same = [&](const Station& station) { return station.mac == departed.mac; };
@@ -91,13 +90,13 @@ bool Accumulator::is_before(const Departed& departed, const Stations& present) c
     return present.stations.empty() || !is_after(departed.generation, present.generation);
 }
 
-void Accumulator::look(const Stations& present, std::span<const Departed> departed, bool count_acks) {
+void Accumulator::update(const Stations& present, std::span<const Departed> departed, bool count_acks) {
     count_acks_ = count_acks;
     if (count_acks && !totals_.unacknowledged) totals_.unacknowledged = 0;
     for (const Departed& station : departed) {
         if (is_before(station, present)) leave(station);
     }
-    take_present(present);
+    add_present(present);
     baseline_ = false;
     for (const Departed& station : departed) {
         if (is_behind(station, present)) leave(station);

@@ -7,7 +7,7 @@ namespace collector {
 namespace {
 
 constexpr size_t header_size = 24;
-constexpr size_t receiver = 4, transmitter = 10;  // places of the addresses
+constexpr size_t receiver = 4, transmitter = 10;  // offsets of the addresses
 
 constexpr uint8_t disassociation = 0xa0, deauthentication = 0xc0, authentication = 0xb0;
 constexpr uint8_t encrypted = 0x40;  // in the second octet of frame control
@@ -30,7 +30,7 @@ Mac address(std::string_view frame, size_t at) {
     return mac;
 }
 
-// SAE answers with these in a handshake that goes on: a token is wanted, hash to element, public key.
+// SAE uses these status codes in a handshake that continues: token required, hash to element, public key.
 bool is_refusal(uint16_t algorithm, uint16_t status) {
     return status != 0 && !(algorithm == sae && (status == 76 || status == 126 || status == 127));
 }

@@ -1,4 +1,4 @@
-// Management frames of IEEE 802.11, as the access point sent them.
+// IEEE 802.11 management frames that the access point sent.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace collector {
 
-// A disassociation, a deauthentication or a refused authentication that the access point of the address OWN sent to one
-// station; otherwise nothing. `frame` begins with the frame control field and has no checksum.
+// A disassociation, deauthentication or refused authentication that the access point with the address `own` sent to one
+// station; nothing for any other frame. `frame` begins with the frame control field and has no checksum.
 std::optional<Sent> sent_frame(std::string_view frame, const Mac& own);
 
 }  // namespace collector

@@ -45,7 +45,7 @@ char plain_escape(char letter) {
     }
 }
 
-// The lines "KEY=VALUE" of `text`, one after the other.
+// Iterates over the lines "KEY=VALUE" of `text`.
 template <class Visit>
 void each_line(std::string_view text, Visit visit) {
     while (!text.empty()) {
@@ -63,7 +63,7 @@ std::optional<uint32_t> count_between(std::string_view text, uint32_t least, uin
     return value;
 }
 
-// What the store can hold of an SSID: nothing behind a NUL.
+// An SSID as the store can hold it: cut off at a NUL.
 std::optional<std::string> ssid_of(std::string_view escaped) {
     std::string ssid = unescaped(escaped);
     ssid.resize(std::min({ssid.size(), ssid.find('\0'), longest_ssid}));
@@ -147,7 +147,7 @@ bool read_config(std::string_view answer, HostapdBss& bss) {
 
 namespace {
 
-// A connection to one socket of hostapd's.
+// A connection to one of hostapd's sockets.
 class Connection {
   public:
     Connection() = default;
@@ -167,7 +167,7 @@ class Connection {
 
     int socket_ = -1;
     int64_t process_ = 0;
-    // An answer to GET_CONFIG may hold a passphrase: nothing of it is left behind.
+    // Wipes the buffer: an answer to GET_CONFIG may hold a passphrase.
     char buffer_[longest_answer];
 };
 
@@ -178,7 +178,7 @@ Answer answer_for(int error) {
         case EACCES:
         case EPERM:
             return Answer::forbidden;
-        case EAGAIN:  // its queue is full: it reads no more
+        case EAGAIN:  // its queue is full: it does not read
             return Answer::late;
         case EPROTOTYPE:
             return Answer::garbage;
@@ -194,7 +194,7 @@ Answer Connection::open(const std::string& path) {
     path.copy(peer.sun_path, path.size());
     socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (socket_ < 0) return Answer::absent;
-    // hostapd answers to an address. The kernel gives one that no file stands for.
+    // hostapd needs an address to answer to. The kernel assigns one without a file.
     sockaddr_un own = {};
     own.sun_family = AF_UNIX;
     const int yes = 1;

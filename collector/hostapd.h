@@ -1,4 +1,4 @@
-// hostapd's control interface: what it says of one BSS.
+// hostapd's control interface: what hostapd says about a BSS.
 #pragma once
 
 #include <stdint.h>
@@ -10,33 +10,33 @@
 
 namespace collector {
 
-// ---- Pure: texts from hostapd, which hold what others chose.
+// ---- Pure: texts from hostapd, which hold others' data.
 
 // The octets of a text in hostapd's escapes: \\ \" \e \n \r \t \xNN.
 std::string unescaped(std::string_view text);
 
-// Adds to `bss` what an answer to STATUS says of `interface`. False: it is no answer to STATUS.
+// Adds to `bss` what an answer to STATUS says about `interface`. False: it is not an answer to STATUS.
 bool read_status(std::string_view answer, std::string_view interface, HostapdBss& bss);
 
-// Adds what an answer to GET_CONFIG says. False: it is no answer to GET_CONFIG.
+// Adds what an answer to GET_CONFIG says. False: it is not an answer to GET_CONFIG.
 bool read_config(std::string_view answer, HostapdBss& bss);
 
 // ---- Sockets.
 
 enum class Answer : uint8_t {
     told,
-    absent,     // no socket: nobody started this access point by hostapd, or it has no control interface
-    dead,       // the socket is left over: its hostapd was killed
-    forbidden,  // the socket is not ours to write to
+    absent,     // no socket: this access point was not started by hostapd, or has no control interface
+    dead,       // a left-over socket: its hostapd was killed
+    forbidden,  // this process may not write to the socket
     late,       // no answer within the limit
-    skipped,    // it was late before and is not asked now
+    skipped,    // it was late before and is not asked this time
     garbage,    // something else answers there
 };
 
 class Hostapd {
   public:
     static constexpr int64_t time_out = 200;      // ms for an answer
-    static constexpr unsigned patience = 3;       // passes with a late answer, then it is asked only after
+    static constexpr unsigned patience = 3;       // after so many passes with a late answer, ask only every
     static constexpr int64_t long_pause = 60000;  // ms
 
     // `directory` holds a socket for each BSS, named after its interface.
@@ -47,18 +47,18 @@ class Hostapd {
 
     const std::string& directory() const { return directory_; }
 
-    // A pass begins at `now`, ms. A hostapd that is late is asked no more in the same pass.
+    // A pass begins at `now`, in ms. A hostapd that is late is not asked again in the same pass.
     void begin_pass(int64_t now);
 
-    // Asks for the BSS of `interface` on `radio`. With any answer but `told`, `bss` stays as it is. Virtual: tests have
-    // theirs.
+    // Asks about the `bss` of `interface` on `radio`. Unless the result is `told`, `bss` stays as it is. Virtual for
+    // the tests.
     virtual Answer ask(const std::string& interface, uint32_t radio, HostapdBss& bss);
 
-    // It was late in `patience` passes and has not answered since.
+    // Whether it was late in `patience` passes and has not answered since.
     virtual bool is_hung(const std::string& interface, uint32_t radio) const;
 
   private:
-    // One hostapd serves many sockets; it is known by its process once it has answered, until then by its radio.
+    // One hostapd serves many sockets. It is identified by its process once it has answered, until then by its radio.
     struct Peer {
         unsigned late_passes = 0;
         bool late_now = false;

@@ -1,4 +1,4 @@
-// What a pass asks the kernel. Tests have kernels of their own.
+// What a pass asks the kernel. An interface, so that tests can stand in for the kernel.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace collector {
 
-// What came by itself since the last call.
+// What the kernel sent unasked since the last call.
 struct Events {
     bool changed = false;  // a pass is due
     bool unseen = false;   // a list that was read before may be out of date
-    bool lost = false;     // there was more than the buffer holds
+    bool lost = false;     // the buffer overflowed
     std::vector<Departed> departed;
     std::vector<std::pair<uint32_t, std::string>> frames;  // interface, frame as it was sent
 };
 
-// Calls answer 0 or an errno value, with which they leave their results as they were.
+// Calls return 0, or an errno value and leave their results as they were.
 class Kernel {
   public:
     Kernel() = default;

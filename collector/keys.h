@@ -1,4 +1,4 @@
-// The keys of the store that the collector writes, and where they lie.
+// The keys that the collector writes into the store, and their tables.
 #pragma once
 
 #include <optional>
@@ -13,18 +13,18 @@ inline constexpr std::string_view bss_table = "bss";
 inline constexpr std::string_view radio_table = "radio";
 inline constexpr std::string_view system_table = "system";
 
-// Says that an object is the collector's; in the table "system", that the country is.
+// Marks an object as the collector's; in the table "system", only the country.
 using cfql::tool::origin_key;
 inline constexpr std::string_view origin = "cfql-collector";
 
-// The index of the interface whose counters an object holds.
+// The ifIndex of the interface whose counters an object holds.
 inline constexpr std::string_view index_key = cfql::tool::origin_index_key;
 
-// That hostapd told what an interface object and its BSS and radio say of SSID, security and beacons.
+// Marks an interface whose SSID, security and beacon values (also in its BSS and radio) come from hostapd.
 inline constexpr std::string_view hostapd_key = cfql::tool::origin_hostapd_key;
 inline constexpr std::string_view hostapd_told = "told";
 
-// Objects of this table hold what a restart needs of interfaces that are not served; each is named after the index.
+// Objects of this table keep what a restart needs for interfaces that are not served; their names are ifIndexes.
 using cfql::tool::collector_table;
 
 // The "type" of an interface that the agent serves.
@@ -32,7 +32,7 @@ inline constexpr std::string_view served_type = "service-set";
 
 inline constexpr std::string_view country_key = "country";
 
-// Counters, as they are read back at a restart.
+// Counters, which are read back at a restart.
 inline constexpr std::string_view transmitted_key = "transmitted-frame-count";
 inline constexpr std::string_view failed_key = "failed-count";
 inline constexpr std::string_view received_key = "received-fragment-count";

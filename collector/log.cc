@@ -10,7 +10,7 @@ namespace {
 
 constexpr size_t most_causes = 1024;
 
-// One write: lines of several processes do not mix. Nobody can be told when it fails.
+// A single write, so that lines of several processes do not mix. If it fails, there is nobody to tell.
 void write_line(const std::string& line) {
     [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
 }

@@ -1,5 +1,5 @@
-// The log: standard error, one line a message with the level in front, as journald and syslog read it. A cause that
-// goes on is said once, its end too; neither more than once a minute.
+// The log: standard error, a line for each message with the level in front, as journald and syslog read it. A lasting
+// condition is logged once, and so is its end; neither more than once a minute.
 #pragma once
 
 #include <stdint.h>
@@ -20,26 +20,26 @@ class Log {
     Log();  // to standard error
     explicit Log(Out out) : out_(std::move(out)) {}
 
-    // Once, without a cause that goes on.
+    // Logs a single message.
     void say(Level level, const std::string& message);
 
-    // `cause` holds at the time `now`, ms: said when it is new or its message another. `message` may hold what others
-    // chose.
+    // The condition `cause` holds at the time `now`, in ms: logged if it is new or its message has changed. `message`
+    // is escaped, so it may hold others' data.
     void holds(const std::string& cause, Level level, const std::string& message, int64_t now);
 
-    // It holds no more; `message` is said if its beginning was. Without a message it is just forgotten.
+    // The condition has ended: `message` is logged if its beginning was. An empty message just forgets it.
     void ended(const std::string& cause, const std::string& message, int64_t now);
 
-    // Ends those that begin with `prefix` and were not said to hold since the time `since`.
+    // Ends the conditions that begin with `prefix` and have not held since the time `since`.
     void end_others(const std::string& prefix, const std::string& message, int64_t since, int64_t now);
 
     size_t size() const { return causes_.size(); }
 
   private:
     struct Cause {
-        std::string said;                     // the message; empty: nothing that holds has been said
-        std::optional<int64_t> began, ended;  // when it was said last
-        int64_t seen = 0;                     // when holds() was called last
+        std::string said;                     // the message that was logged; empty: none, or its end was logged
+        std::optional<int64_t> began, ended;  // when its beginning and its end were last logged
+        int64_t seen = 0;                     // when holds() was last called
     };
     static bool may(const std::optional<int64_t>& last, int64_t now) { return !last || now - *last >= pause; }
 

@@ -26,7 +26,7 @@ sigset_t handled() {
     return signals;
 }
 
-// Of a call that made a descriptor, or failed.
+// Throws if the call that should have made `descriptor` failed.
 int made(int descriptor) {
     if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "epoll or signalfd");
     return descriptor;
@@ -87,15 +87,15 @@ class Loop {
         bool any = false;
         for (int i = 0; i < count; ++i) {
             if (events[i].data.fd == signals_.get()) {
-                take_signals();
+                handle_signals();
             } else {
                 any = true;
             }
         }
-        if (any && work_.take_events()) schedule_.event(now_ms());
+        if (any && work_.read_events()) schedule_.event(now_ms());
     }
 
-    void take_signals() {
+    void handle_signals() {
         signalfd_siginfo info;
         while (read(signals_.get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
             if (info.ssi_signo == SIGTERM || info.ssi_signo == SIGINT) ended_ = true;

@@ -8,16 +8,16 @@
 
 namespace collector {
 
-// What a pass leaves.
+// What a pass reports.
 struct After {
-    bool under_way = false;    // something had begun of which no event will tell the end
-    bool out_of_date = false;  // something came meanwhile that it may have missed
+    bool under_way = false;    // something has begun whose end no event will tell
+    bool out_of_date = false;  // an event came meanwhile; the pass may have missed the change
 };
 
-// What wakes the loop, and what it then calls. Times in ms of clock.h.
+// What wakes the loop, and what it then calls. Times are in ms of clock.h.
 struct Work {
-    std::vector<int> events;            // descriptors, readable when take_events() has something
-    std::function<bool()> take_events;  // true: a pass is due
+    std::vector<int> events;            // descriptors, readable when there are events
+    std::function<bool()> read_events;  // true: a pass is due
     std::function<After(int64_t now)> pass;
     std::function<void()> reload;  // SIGHUP
     std::function<void()> alive;   // at least every `watchdog` ms
@@ -25,10 +25,10 @@ struct Work {
     int64_t watchdog = 0;  // 0: alive() is never called
 };
 
-// SIGTERM, SIGINT, SIGHUP and SIGUSR1 come to the loop from here on. Call it before anything else is started.
+// From here on SIGTERM, SIGINT, SIGHUP and SIGUSR1 wait for the loop. Call it before anything else is started.
 void hold_signals();
 
-// Runs until SIGTERM or SIGINT. The first pass is at once; SIGUSR1 makes one out of turn. Throws std::system_error.
+// Runs until SIGTERM or SIGINT. Makes the first pass at once, and one out of turn at SIGUSR1. Throws std::system_error.
 void run(const Work& work);
 
 }  // namespace collector

@@ -53,15 +53,15 @@ void declare(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_flag("--no-aliases", options.no_aliases,
                  "Set no alternative names; interfaces with long names are left out");
-    app.add_flag("--once", options.once, "One pass, then end");
-    app.add_flag("--dry-run", options.dry_run, "One pass; print what it would change in the store, change nothing");
+    app.add_flag("--once", options.once, "Make one pass, then exit");
+    app.add_flag("--dry-run", options.dry_run, "Make one pass and print what it would change in the store");
     app.add_flag("--list", options.list, "Print radios, access points, stations, and what is served under which name");
-    app.add_flag("--remove-aliases", options.remove_aliases, "Remove the alternative names that were set, then end");
+    app.add_flag("--remove-aliases", options.remove_aliases, "Remove the alternative names that were set, then exit");
     app.footer(footer);
 }
 
-// An empty value comes from a variable that was not set.
-void demand_values(const Options& options) {
+// Refuses options that exclude each other, and empty values, which come from an unset variable in a script.
+void check_options(const Options& options) {
     for (const std::string* value : {&options.hostapd, &options.store, &options.config}) {
         if (value->empty()) throw Failure(Exit::usage, "an argument is empty; see \"cfql-collector --help\"");
     }
@@ -79,8 +79,8 @@ void print(const std::string& text) {
     throw Failure(Exit::store,
                   path + ": " + cfql::describe(result.status) +
                       (result.detail.empty() ? "" : " (" + result.detail + ')') +
-                      "; see that its directory is there and the collector's, or name another with --store; "
-                      "a damaged store can be removed, a new one is made");
+                      "; see that its directory exists and belongs to the collector, or name another with --store; "
+                      "a damaged store may be removed, and a new one is created");
 }
 
 void claim(Presence& presence, const std::string& store) {
@@ -92,17 +92,17 @@ void claim(Presence& presence, const std::string& store) {
     }
     throw Failure(Exit::store,
                   presence.path() + ": " + strerror(error) +
-                      "; see that the directory is there and the collector's, or name another with --store");
+                      "; see that the directory exists and belongs to the collector, or name another with --store");
 }
 
-// What stands between the command line and a running collector.
+// Puts the collector's parts together and runs them as the command line asks.
 class Program {
   public:
     explicit Program(const Options& options)
         : options_(options),
           configuration_(load_configuration(options.config)),
           hostapd_(options.hostapd),
-          names_(links_, !options.writes()    ? Names::Mode::look
+          names_(links_, !options.writes()    ? Names::Mode::inspect
                          : options.no_aliases ? Names::Mode::refused
                                               : Names::Mode::set),
           writer_(options.store),
@@ -118,8 +118,8 @@ class Program {
         if (options_.writes()) claim(presence_, options_.store);
         const Writer::Result loaded = collector_.load();
         if (loaded.status != cfql::Status::ok) fail_store(options_.store, loaded);
-        if (!options_.writes()) return look_only();
-        // Makes the store, so that what is wrong with its place is known at once.
+        if (!options_.writes()) return print_pass();
+        // Creates the store now, so that a fault of its directory shows at once.
         const Writer::Result made = writer_.write(writer_.held());
         if (made.status != cfql::Status::ok && made.status != cfql::Status::busy) fail_store(options_.store, made);
         if (options_.once) return pass_once();
@@ -127,8 +127,8 @@ class Program {
     }
 
   private:
-    void look_only() {
-        if (!collector_.look(now_ms())) return;
+    void print_pass() {
+        if (!collector_.observe(now_ms())) return;
         if (options_.list) return print(list(collector_.observed()));
         for (const std::string& line : writer_.preview(collector_.wanted()))
             print(line + '\n');
@@ -140,10 +140,10 @@ class Program {
     }
 
     bool pass(int64_t now) {
-        const bool looked = collector_.look(now);
-        if (looked) collector_.write(now);
+        const bool observed = collector_.observe(now);
+        if (observed) collector_.write(now);
         presence_.stamp(now_ms() / 1000, options_.interval);
-        return looked;
+        return observed;
     }
 
     void reload() {
@@ -152,7 +152,7 @@ class Program {
             collector_.configure(load_configuration(options_.config));
             log_.say(Level::info, options_.config + ": read again");
         } catch (const Failure& failure) {
-            log_.say(Level::error, std::string(failure.what()) + "; what was configured before stays");
+            log_.say(Level::error, std::string(failure.what()) + "; the previous configuration stays");
         }
         notify_.send("READY=1");
     }
@@ -161,7 +161,7 @@ class Program {
         bool is_ready = false;
         Work work;
         work.events = {kernel_.wireless_events(), kernel_.link_events()};
-        work.take_events = [&] { return collector_.take_events(); };
+        work.read_events = [&] { return collector_.read_events(); };
         work.pass = [&](int64_t now) {
             pass(now);
             if (!is_ready) notify_.send("READY=1");
@@ -217,7 +217,7 @@ static int run_command(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw Failure(Exit::usage, std::string(error.what()) + "; see \"cfql-collector --help\"");
     }
-    demand_values(options);
+    check_options(options);
     umask(027);
     hold_signals();
     Program(options).run();

@@ -1,4 +1,4 @@
-// Who made the device, as firmware tells: DMI, or the device tree.
+// Who made the device, from its firmware: DMI, or the device tree.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace collector {
 
-// `root` stands for "/sys". What is not told is empty.
+// `root` is "/sys", or a directory like it. What is unknown is empty.
 Manufacturer read_manufacturer(const std::string& root);
 
 }  // namespace collector

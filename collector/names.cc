@@ -14,7 +14,7 @@ namespace {
 using cfql::tool::quoted;
 using dot11::longest_interface_name;
 
-constexpr unsigned most_names = 100;  // to try: as many access points as a machine has
+constexpr unsigned most_names = 100;  // to try for one interface
 
 bool is_digit(char c) {
     return c >= '0' && c <= '9';
@@ -34,7 +34,7 @@ bool is_made_name(std::string_view name) {
 
 std::optional<std::string> made_name(uint32_t radio, unsigned nth) {
     if (nth >= most_names) return std::nullopt;
-    // Two digits of the radio leave one for the access point: its tens go to the next radio's numbers.
+    // Two digits for the radio leave one for the access point: its tens are added to the radio's number.
     const uint32_t front = radio % 100;
     if (front < 10) return std::to_string(front) + "ap" + std::to_string(nth);
     return std::to_string(10 + (front - 10 + nth / 10) % 90) + "ap" + std::to_string(nth % 10);
@@ -55,7 +55,7 @@ Names::Served Names::served(uint32_t interface, const std::string& name, uint32_
     return found;
 }
 
-// The name that the interface has from an earlier run, or a new one.
+// The name that an earlier run gave to the interface, or a new one.
 Names::Served Names::alias(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured) {
     std::vector<std::string> present;
     if (const int error = links_.alternative_names(interface, present)) {
@@ -66,7 +66,7 @@ Names::Served Names::alias(uint32_t interface, const std::string& name, uint32_t
     });
     if (ours != present.end()) return {*ours, {}};
     if (mode_ == Mode::refused) return {{}, "its name is longer than 5 characters, and --no-aliases is given"};
-    if (mode_ == Mode::look) return {{}, "it has no short name yet: one is set when the collector runs"};
+    if (mode_ == Mode::inspect) return {{}, "it has no short name yet: one is set when the collector runs"};
     return add(interface, name, radio, configured);
 }
 
@@ -87,15 +87,17 @@ Names::Served Names::add(uint32_t interface, const std::string& name, uint32_t r
 }
 
 Names::Served Names::refusal(int error, const std::string& name, const std::string& alias) const {
-    const std::string rename = "rename the interface, at most 5 characters";
+    const std::string rename = "rename the interface to at most 5 characters";
     switch (error) {
         case EPERM:
             return {{},
-                    "its name is longer than 5 characters, and a short one takes CAP_NET_ADMIN: give it, or " + rename};
+                    "its name is longer than 5 characters, and setting a short one takes CAP_NET_ADMIN: grant it, or " +
+                        rename};
         case EOPNOTSUPP:
         case EINVAL:
-            return {{},
-                    "its name is longer than 5 characters, and the kernel, before 5.5, has no second names: " + rename};
+            return {
+                {},
+                "its name is longer than 5 characters, and kernels before 5.5 have no alternative names: " + rename};
         case EEXIST:
             if (alias.empty()) return {{}, "every short name is taken: give it one in the configuration"};
             return {{},

@@ -1,5 +1,5 @@
-// Under which name an interface is served. The agent takes names of at most five octets; a longer one is served by an
-// alternative name of the interface, which the kernel resolves like the real one.
+// The name under which an interface is served. The agent takes names of at most five octets; an interface with a longer
+// one is served under an alternative name, which the kernel resolves like the real one.
 #pragma once
 
 #include <functional>
@@ -13,34 +13,35 @@
 
 namespace collector {
 
-// `name` looks like one that the collector makes: digits, "ap", digits, as 0ap1. No other tool makes such names.
+// Whether `name` looks like one that the collector makes: digits, "ap", digits, as in 0ap1. No other tool makes such
+// names.
 bool is_made_name(std::string_view name);
 
-// The `nth` name to try for an interface of `radio`, `nth` from 0; nothing when there are no more.
+// The `nth` name, from 0, to try for an interface of `radio`; nothing if there are no more.
 std::optional<std::string> made_name(uint32_t radio, unsigned nth);
 
 class Names {
   public:
     enum class Mode : uint8_t {
-        set,      // sets names that are missing
-        look,     // takes names that are there, sets none
-        refused,  // takes names that are there, sets none: the operator wants no names set
+        set,      // sets missing names
+        inspect,  // uses existing names; this run changes nothing
+        refused,  // uses existing names; the operator forbids to set any
     };
 
     Names(Links& links, Mode mode) : links_(links), mode_(mode) {}
 
     struct Served {
-        std::string name;   // empty: cannot be served
-        std::string cause;  // then why, and what to do
+        std::string name;   // empty: it cannot be served
+        std::string cause;  // why not, and what to do
     };
 
-    // `configured`: the name that the operator wants, or null. Kept until the interface loses it.
+    // `configured`: the name that the operator wants, or null. A name is kept until the interface loses it.
     Served served(uint32_t interface, const std::string& name, uint32_t radio, const std::string* configured);
 
     // Forgets interfaces for which `gone` holds.
     void forget(const std::function<bool(uint32_t)>& gone);
 
-    // Removes the names that `interface` has from the collector; those removed.
+    // Removes the names that the collector gave to `interface`, and returns them.
     std::vector<std::string> remove(uint32_t interface, const std::string* configured);
 
   private:

@@ -12,7 +12,7 @@ namespace collector {
 
 namespace {
 
-constexpr size_t buffer_size = 32768;             // what the kernel fills in one go at most
+constexpr size_t buffer_size = 32768;             // the most that the kernel sends in one datagram
 constexpr int64_t answer_limit = 2000;            // ms
 constexpr unsigned most_events_at_once = 100000;  // more than any buffer holds
 
@@ -58,7 +58,7 @@ void Netlink::enlarge(int size) {
     setsockopt(descriptor(), SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
 }
 
-// One datagram of the kernel's into the buffer; EAGAIN when there is none. Whatever another process sends is dropped.
+// Reads one datagram of the kernel into the buffer; EAGAIN if there is none. Those of other processes are dropped.
 int Netlink::receive(size_t& size) {
     for (;;) {
         sockaddr_nl sender = {};

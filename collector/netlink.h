@@ -1,4 +1,4 @@
-// A netlink socket: questions that are answered at once, and events that come by themselves.
+// A netlink socket, for requests and their answers, or for events.
 #pragma once
 
 #include <libmnl/libmnl.h>
@@ -24,21 +24,21 @@ class Request {
 
 class Netlink {
   public:
-    // All calls answer 0 or an errno value.
+    // All calls return 0 or an errno value.
     int open(int bus);
     void close() { socket_.reset(); }
     bool is_open() const { return socket_ != nullptr; }
     int descriptor() const { return mnl_socket_get_fd(socket_.get()); }
     int join(uint32_t group);
 
-    // Asks for room for SIZE octets of events that were not read yet; gets less without CAP_NET_ADMIN.
+    // Asks for a buffer of `size` octets for unread events; without CAP_NET_ADMIN it is smaller.
     void enlarge(int size);
 
-    // Sends `request` and gives every part of the answer to `visit`. ETIMEDOUT when the kernel does not end it within
-    // two seconds, EINTR when what was listed changed meanwhile: ask again.
+    // Sends `request` and calls `visit` for each message of the answer. ETIMEDOUT if the kernel has not finished after
+    // two seconds; EINTR if what it lists changed meanwhile: ask again.
     int ask(Request& request, const Visit& visit);
 
-    // Gives every event that is there to `visit`, without waiting. ENOBUFS: some were lost.
+    // Calls `visit` for each pending event, without waiting. ENOBUFS: some were lost.
     int drain(const Visit& visit);
 
   private:

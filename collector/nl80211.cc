@@ -63,7 +63,7 @@ void read_info(const nlattr* nest, Station& station) {
     });
 }
 
-// The kernel's message of a station that leaves may come without counters, and then without any content.
+// The kernel may announce a leaving station without its counters, and then without any content.
 bool has_counters(const nlattr* nest) {
     bool found = false;
     Attributes::in(nest).each([&](uint16_t type, const nlattr*) {

@@ -1,5 +1,5 @@
-// The kernel's wireless configuration interface: what its messages say, as typed values, and the questions to it.
-// Nothing above this knows an attribute's number.
+// The messages of nl80211, the kernel's wireless configuration interface, as typed values. No other file knows an
+// attribute's number.
 #pragma once
 
 #include <variant>
@@ -9,7 +9,8 @@
 
 namespace collector::nl80211 {
 
-// The readers are pure and take any octets for a message of the announced length. Nothing: no message of that kind.
+// The readers are pure and safe for any octets within the message's announced length. They return nothing for a message
+// of another kind.
 std::optional<Interface> read_interface(const nlmsghdr* message);
 std::optional<Radio> read_radio(const nlmsghdr* message);
 std::optional<Regulatory> read_regulatory(const nlmsghdr* message);
@@ -27,7 +28,7 @@ struct Transmission {
     std::string_view frame;
 };
 struct Nothing {};
-struct Change {};  // something that a pass should look at
+struct Change {};  // a pass is due
 using Event = std::variant<Nothing, Change, Departed, Transmission>;
 Event read_event(const nlmsghdr* message);
 

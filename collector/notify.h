@@ -1,4 +1,4 @@
-// Messages to the service manager, by the protocol of sd_notify(3). Without a manager they go nowhere.
+// Messages to the service manager, by the protocol of sd_notify(3). Without a manager nothing is sent.
 #pragma once
 
 #include <stdint.h>
@@ -13,7 +13,7 @@ class Notify {
 
     void send(const std::string& message) const;
 
-    // ms between two signs of life that the manager wants; 0: it wants none.
+    // How often to send `watchdog`=1, in ms; 0: never.
     int64_t watchdog() const { return watchdog_; }
 
   private:

@@ -1,4 +1,4 @@
-// What was seen of the access points in one pass, as plain values: no attribute number, no socket, no key of the store.
+// What a pass observed, as plain values, without attribute numbers, sockets or keys of the store.
 #pragma once
 
 #include <stdint.h>
@@ -11,15 +11,15 @@ namespace collector {
 
 using Mac = std::array<uint8_t, 6>;
 
-inline constexpr uint32_t threshold_off = 0xffffffff;  // the kernel's word for "no threshold"
+inline constexpr uint32_t threshold_off = 0xffffffff;  // the kernel's value for "no threshold"
 
 struct Interface {
     uint32_t index = 0;
     std::string name;
     uint32_t radio = 0;
-    uint32_t type = 0;  // of NL80211_IFTYPE_*
+    uint32_t type = 0;  // NL80211_IFTYPE_*
     Mac mac = {};
-    std::string ssid;                   // as of the access point's start; empty: not started
+    std::string ssid;                   // since the access point's start; empty: not started
     std::optional<uint32_t> frequency;  // MHz
     std::optional<int32_t> power;       // mBm, 1/100 dBm
 };
@@ -35,8 +35,8 @@ struct Radio {
 
 struct Regulatory {
     std::string country;            // two characters, also "00", "98", "99"
-    uint8_t dfs = 0;                // of NL80211_DFS_*
-    std::optional<uint32_t> radio;  // of a radio that rules itself
+    uint8_t dfs = 0;                // NL80211_DFS_*
+    std::optional<uint32_t> radio;  // for one radio with rules of its own; absent: for all
 };
 
 // A station's counters, 32 bits wide as the kernel sends them.
@@ -85,13 +85,13 @@ struct Sent {
 // The last frame of each kind.
 using LastSent = std::array<std::optional<Sent>, 3>;
 
-// What hostapd says of one BSS. What it did not say is absent.
+// What hostapd says about a BSS. What it does not say is absent.
 struct HostapdBss {
     bool enabled = false;
     std::optional<std::string> ssid;
     std::optional<uint32_t> beacon;  // TU
     std::optional<uint32_t> dtim;
-    std::optional<std::string> suites;  // key management of WPA, in hostapd's words; empty: no WPA
+    std::optional<std::string> suites;  // WPA key management, as hostapd writes it; empty: no WPA
     uint8_t wpa = 0;                    // 1 WPA, 2 WPA2 and later, 3 both
 
     bool operator==(const HostapdBss&) const = default;
@@ -103,12 +103,12 @@ struct Totals {
     uint64_t failed = 0;
     uint64_t received = 0;
     std::optional<uint64_t> unacknowledged;  // absent: the RTS threshold was never off
-    std::optional<uint64_t> bad_checksums;   // absent: the driver does not tell
+    std::optional<uint64_t> bad_checksums;   // absent: the driver does not count them
 
     bool operator==(const Totals&) const = default;
 };
 
-// Who made the device; empty where the system does not say.
+// Who made the device; empty if unknown.
 struct Manufacturer {
     std::string vendor;
     std::string product;
@@ -117,9 +117,9 @@ struct Manufacturer {
 
 struct AccessPoint {
     Interface interface;
-    std::string name;  // under which it is served
+    std::string name;  // the name under which it is served
     std::optional<HostapdBss> hostapd;
-    std::optional<bool> group_key;   // absent: not ours to ask
+    std::optional<bool> group_key;   // absent: we may not ask
     std::optional<uint8_t> dtim;     // from a station
     std::optional<uint16_t> beacon;  // from a station
     size_t stations = 0;
@@ -133,7 +133,7 @@ struct LeftOut {
     std::string cause;
 };
 
-// Of an interface that is not served now and may be again.
+// The counters of an interface that is not served now and may be later.
 struct Resting {
     uint32_t index = 0;
     Totals totals;

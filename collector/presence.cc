@@ -14,7 +14,7 @@ Presence::~Presence() {
     if (descriptor_ >= 0) close(descriptor_);
 }
 
-// Whoever reads the file asks for the lock without taking it, and so never keeps a collector from starting.
+// Readers of the file query the lock without taking it, so that they never keep a collector from starting.
 int Presence::claim() {
     descriptor_ =
         open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, cfql::tool::collector_file_mode);
@@ -32,7 +32,7 @@ int Presence::claim() {
 void Presence::stamp(int64_t seconds, int64_t interval) const {
     char line[40];
     const int size = snprintf(line, sizeof line, "%020" PRId64 " %05" PRId64 "\n", seconds, interval);
-    // A reader finds an old stamp when this fails, and says so.
+    // If this fails, readers find an old time and report it.
     [[maybe_unused]] const ssize_t written = pwrite(descriptor_, line, static_cast<size_t>(size), 0);
 }
 

@@ -1,4 +1,4 @@
-// That a collector fills a store, and when it did so last: the file that tool/last_pass.h describes.
+// The file that says whether a collector fills a store and when it last did; tool/last_pass.h describes it.
 #pragma once
 
 #include <stdint.h>
@@ -15,10 +15,10 @@ class Presence {
     Presence& operator=(const Presence&) = delete;
     ~Presence();
 
-    // 0; EWOULDBLOCK when another collector has it; or another errno value.
+    // 0; EWOULDBLOCK if another collector holds it; or another errno value.
     int claim();
 
-    // A pass has ended, at SECONDS of CLOCK_BOOTTIME. INTERVAL: seconds from one pass to the next.
+    // Records that a pass has ended, at `seconds` of CLOCK_BOOTTIME. `interval`: seconds from one pass to the next.
     void stamp(int64_t seconds, int64_t interval) const;
 
     const std::string& path() const { return path_; }

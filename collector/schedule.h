@@ -9,9 +9,9 @@ namespace collector {
 
 class Schedule {
   public:
-    static constexpr int64_t quiet = 50;           // a burst has ended when nothing came for so long,
-    static constexpr int64_t longest_burst = 500;  // or is taken for ended after so long
-    static constexpr int64_t second_look = 1000;   // after a pass that found something under way
+    static constexpr int64_t quiet = 50;           // a burst of events is over when none came for so long,
+    static constexpr int64_t longest_burst = 500;  // or after so long in any case
+    static constexpr int64_t follow_up = 1000;     // the next pass after one that found something under way
 
     Schedule(int64_t interval, int64_t now) : interval_(interval), regular_(now) {}
 
@@ -20,11 +20,11 @@ class Schedule {
         last_event_ = now;
     }
 
-    // A pass began at `now`. `under_way`: something had begun of which no event will tell the end.
+    // A pass began at `now`. `under_way`: something has begun whose end no event will tell.
     void pass(int64_t now, bool under_way) {
         const bool by_event = first_event_.has_value();
         first_event_.reset();
-        regular_ = now + (by_event && under_way ? std::min(second_look, interval_) : interval_);
+        regular_ = now + (by_event && under_way ? std::min(follow_up, interval_) : interval_);
     }
 
     int64_t due() const {
@@ -35,7 +35,7 @@ class Schedule {
   private:
     int64_t interval_;
     int64_t regular_;
-    std::optional<int64_t> first_event_;  // that no pass has seen
+    std::optional<int64_t> first_event_;  // since the last pass
     int64_t last_event_ = 0;
 };
 

@@ -14,8 +14,8 @@ namespace collector {
 namespace {
 
 constexpr int event_buffer = 1 << 20;       // octets: the departures of 350 stations at once
-constexpr unsigned most_tries = 3;          // of a list that changes while it is read
-constexpr int64_t family_interval = 60000;  // ms; asking for a family lets the kernel look for a module
+constexpr unsigned most_tries = 3;          // for a list that changes while it is read
+constexpr int64_t family_interval = 60000;  // ms; each request for a family makes the kernel try to load a module
 constexpr uint8_t group_keys = 4;           // indexes 0 to 3; later ones protect management frames
 constexpr size_t most_departures = 16384;
 constexpr size_t most_frames = 1024;
@@ -63,12 +63,12 @@ int Wireless::ask(uint8_t command, uint16_t flags, const std::function<void(nlms
     Request request = generic(family_.id, command, flags);
     add(request.header());
     const int error = questions_.ask(request, visit);
-    // The module was unloaded; when it comes again it has another number.
+    // The module was unloaded; loaded again, it has another number.
     if (error == ENOENT && command == NL80211_CMD_GET_INTERFACE) family_ = {};
     return error;
 }
 
-// A list that changed while it was read is read again from its `begin`.
+// Reads a list. If it changes meanwhile, calls `begin` and reads it again.
 int Wireless::list(uint8_t command, const std::function<void(nlmsghdr*)>& add, const std::function<void()>& begin,
                    const Visit& visit) {
     int error = EINTR;

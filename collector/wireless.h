@@ -1,4 +1,4 @@
-// The kernel as it is: nl80211 and the events of links.
+// The real kernel: nl80211, and the events of links.
 #pragma once
 
 #include <set>
@@ -11,10 +11,10 @@ namespace collector {
 
 class Wireless : public Kernel {
   public:
-    // 0 or an errno value: no netlink at all. A kernel without nl80211 is no error here: it may come.
+    // 0, or an errno value if there is no netlink at all. A kernel without nl80211 is no error: it may be loaded later.
     int open();
 
-    // To be watched: readable when events() has something.
+    // Descriptors to poll: readable when there are events.
     int wireless_events() const { return events_.descriptor(); }
     int link_events() const { return link_events_.descriptor(); }
 

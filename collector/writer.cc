@@ -48,7 +48,7 @@ struct Writer::Found {
     }
 };
 
-// In the table "system" the mark is for the country alone; everything else there is the operator's.
+// In the table "system" the mark applies to the country alone; everything else there is the operator's.
 void Writer::sort(const Found& found) {
     held_.clear();
     ids_.clear();
@@ -163,7 +163,8 @@ Status Writer::open() {
     return store_.open(path_.c_str(), cfql::Access::write, wait_ms);
 }
 
-// A write moves the file's stamps, too: what others do is told from that by reading it once more.
+// Our own write changes the file's time stamps, too. To tell it from others' writes, the next call reads the store once
+// more, and only then takes it as known.
 Writer::Result Writer::write(const Contents& wanted) {
     if (watch_.check(path_.c_str()) == cfql::Watch::Finding::same && wanted == told_) return {};
     size_t changes = 0;

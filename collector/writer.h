@@ -1,5 +1,5 @@
-// The collector's part of the store. It alone touches the store: the difference between what the store holds of the
-// collector's and what it is to hold, in one transaction; none when there is no difference.
+// The collector's part of the store; no other part of the collector touches the store. A write is one transaction with
+// the differences between what the store holds and what it is to hold; without a difference nothing is written.
 #pragma once
 
 #include <stdint.h>
@@ -16,30 +16,30 @@ namespace collector {
 
 class Writer {
   public:
-    static constexpr int wait_ms = 100;  // for a lock; then the next pass tries again
+    static constexpr int wait_ms = 100;  // for a lock; after that, the next pass tries again
 
     explicit Writer(std::string path) : path_(std::move(path)) {}
 
     struct Result {
         cfql::Status status = cfql::Status::ok;
-        std::string detail;  // the engine's words on a failure
+        std::string detail;  // the database engine's message after a failure
         size_t changes = 0;
     };
 
-    // Reads what the collector has in the store. A store that is absent holds nothing.
+    // Reads the collector's objects from the store. An absent store holds none.
     Result load();
 
-    // Lets the store hold `wanted`; makes a store when there is none. Objects of others stay as they are, also where
-    // `wanted` has one of their name: see others().
+    // Makes the store hold `wanted`; creates the store if there is none. Objects of others stay as they are, even if
+    // `wanted` has one of the same name: see others().
     Result write(const Contents& wanted);
 
-    // What write() would change, a line each; values are printable. To be called after load().
+    // What write() would change, a line each; values are escaped. Call it after load().
     std::vector<std::string> preview(const Contents& wanted) const;
 
-    // Of the collector's, as the store held it after the last load() or write().
+    // The collector's objects, as the store held them after the last load() or write().
     const Contents& held() const { return held_; }
 
-    // Objects that the last write() left out, since they are of others.
+    // Objects that the last write() left alone because they belong to others.
     const std::set<ObjectName>& others() const { return others_; }
 
     // Of the last load() or write().
@@ -63,12 +63,12 @@ class Writer {
     cfql::Status last_status_ = cfql::Status::ok;
     cfql::Database store_;
     Contents held_;
-    std::map<ObjectName, std::vector<int64_t>> ids_;  // of objects that are ours alone; the first one counts
+    std::map<ObjectName, std::vector<int64_t>> ids_;  // of the collector's objects; names may repeat
     std::set<ObjectName> foreign_;
     bool system_has_more_ = false;  // than the country
     std::set<ObjectName> others_;
-    Contents told_;      // by the last write() that went well
-    cfql::Watch watch_;  // for what others do to the store
+    Contents told_;      // `wanted` of the last write() that succeeded
+    cfql::Watch watch_;  // notices what others do to the store
 };
 
 }  // namespace collector

@@ -106,7 +106,7 @@ struct CollectorTest : testing::Test {
 
     void pass() {
         now += 10000;
-        if (collector->look(now)) collector->write(now);
+        if (collector->observe(now)) collector->write(now);
     }
 
     std::string get(const char* key, const char* object = "wlan0", const char* table = "interface") const {
@@ -494,7 +494,7 @@ TEST_F(CollectorTest, TheLastFrameOfEachKind) {
                      {3, deauthentication(3, 15)},
                      {3, deauthentication(4, 9)},
                      {99, deauthentication(3, 9)}};
-    EXPECT_TRUE(collector->take_events());
+    EXPECT_TRUE(collector->read_events());
     pass();
     EXPECT_EQ(get("dot11-deauthenticate-reason"), "15");
     EXPECT_EQ(get("dot11-deauthenticate-station"), "02:00:00:00:01:07");
@@ -597,7 +597,7 @@ TEST_F(CollectorTest, GrowsByNothing) {
         kernel.all.resize(1);
         kernel.all.push_back(access_point(100 + static_cast<std::uint32_t>(i), "long" + std::to_string(i)));
         now += 10000;
-        ASSERT_TRUE(collector->look(now));
+        ASSERT_TRUE(collector->observe(now));
         if (i % 100 == 0) collector->write(now);
         lines.clear();
         if (i == 1000) after_warming_up = resident();

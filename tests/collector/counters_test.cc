@@ -37,27 +37,27 @@ Departed departed(std::uint32_t generation, const Mac& mac, const std::optional<
 
 TEST(Accumulator, CountsFromAStationsFirstFrame) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(10, 20, 5, 3)}, {b, sample(1, 2)}}), {}, true);
+    sums.update(present(1, {{a, sample(10, 20, 5, 3)}, {b, sample(1, 2)}}), {}, true);
     EXPECT_EQ(sums.totals(), (Totals{17, 5, 11, 8, {}}));
     EXPECT_EQ(sums.stations(), 2U);
-    sums.look(present(1, {{a, sample(11, 22, 5, 4)}, {b, sample(1, 2)}}), {}, true);
+    sums.update(present(1, {{a, sample(11, 22, 5, 4)}, {b, sample(1, 2)}}), {}, true);
     EXPECT_EQ(sums.totals(), (Totals{19, 5, 12, 9, {}}));
 }
 
 TEST(Accumulator, TakesTheLastCountersOfWhoLeft) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(10, 20)}}), {}, true);
+    sums.update(present(1, {{a, sample(10, 20)}}), {}, true);
     const Departed left[] = {departed(2, a, sample(15, 30, 4))};
-    sums.look(present(0, {}), left, true);
+    sums.update(present(0, {}), left, true);
     EXPECT_EQ(sums.totals(), (Totals{26, 4, 15, 4, {}}));
     EXPECT_EQ(sums.stations(), 0U);
 }
 
 TEST(Accumulator, WithoutLastCountersTheLastLookStands) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(10, 20)}}), {}, true);
+    sums.update(present(1, {{a, sample(10, 20)}}), {}, true);
     const Departed left[] = {departed(2, a, {})};
-    sums.look(present(0, {}), left, true);
+    sums.update(present(0, {}), left, true);
     EXPECT_EQ(sums.totals().received, 10U);
 }
 
@@ -65,53 +65,53 @@ TEST(Accumulator, WithoutLastCountersTheLastLookStands) {
 TEST(Accumulator, ADepartureBehindTheListIsNotCountedTwice) {
     Accumulator sums;
     const Departed left[] = {departed(4, a, sample(23, 31, 15))};
-    sums.look(present(3, {{a, sample(20, 30, 13)}}), left, true);
+    sums.update(present(3, {{a, sample(20, 30, 13)}}), left, true);
     EXPECT_EQ(sums.totals(), (Totals{17, 15, 23, 15, {}}));
-    sums.look(present(0, {}), {}, true);
+    sums.update(present(0, {}), {}, true);
     EXPECT_EQ(sums.totals(), (Totals{17, 15, 23, 15, {}}));
 }
 
 TEST(Accumulator, AnotherAssociationStartsAtZero) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(10, 10)}}), {}, true);
+    sums.update(present(1, {{a, sample(10, 10)}}), {}, true);
     const Departed left[] = {departed(2, a, sample(12, 12))};
-    sums.look(present(3, {{a, sample(5, 6)}}), left, true);
+    sums.update(present(3, {{a, sample(5, 6)}}), left, true);
     EXPECT_EQ(sums.totals().received, 17U);
     EXPECT_EQ(sums.totals().transmitted, 18U);
 }
 
 TEST(Accumulator, CameAndWentBetweenTwoLooks) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(1, 1)}}), {}, true);
+    sums.update(present(1, {{a, sample(1, 1)}}), {}, true);
     const Departed left[] = {departed(3, b, sample(7, 8))};
-    sums.look(present(3, {{a, sample(1, 1)}}), left, true);
+    sums.update(present(3, {{a, sample(1, 1)}}), left, true);
     EXPECT_EQ(sums.totals().received, 8U);
 }
 
 // Its departure was lost: a counter that fell is another association's.
 TEST(Accumulator, AFallIsAnotherAssociation) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(100, 100)}}), {}, true);
-    sums.look(present(3, {{a, sample(4, 200)}}), {}, true);
+    sums.update(present(1, {{a, sample(100, 100)}}), {}, true);
+    sums.update(present(3, {{a, sample(4, 200)}}), {}, true);
     EXPECT_EQ(sums.totals().received, 104U);
     EXPECT_EQ(sums.totals().transmitted, 300U);
 }
 
 TEST(Accumulator, LostDeparturesAreForgotten) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(100, 100)}, {b, sample(5, 5)}}), {}, true);
-    sums.look(present(2, {{b, sample(6, 6)}}), {}, true);
+    sums.update(present(1, {{a, sample(100, 100)}, {b, sample(5, 5)}}), {}, true);
+    sums.update(present(2, {{b, sample(6, 6)}}), {}, true);
     EXPECT_EQ(sums.totals().received, 106U);
     // It comes after all; the list without the station was later.
     const Departed late[] = {departed(2, a, sample(103, 103))};
-    sums.look(present(2, {{b, sample(6, 6)}}), late, true);
+    sums.update(present(2, {{b, sample(6, 6)}}), late, true);
     EXPECT_EQ(sums.totals().received, 106U);
 }
 
 TEST(Accumulator, ASamplesWrapIsAStep) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(0xfffffff0, 0xffffffff)}}), {}, true);
-    sums.look(present(1, {{a, sample(0x10, 1)}}), {}, true);
+    sums.update(present(1, {{a, sample(0xfffffff0, 0xffffffff)}}), {}, true);
+    sums.update(present(1, {{a, sample(0x10, 1)}}), {}, true);
     EXPECT_EQ(sums.totals().received, 0x100000010U);
     EXPECT_EQ(sums.totals().transmitted, 0x100000001U);
 }
@@ -119,65 +119,65 @@ TEST(Accumulator, ASamplesWrapIsAStep) {
 // A frame in flight was counted as sent and fails later.
 TEST(Accumulator, TransmittedNeverFalls) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(0, 10, 0)}}), {}, true);
+    sums.update(present(1, {{a, sample(0, 10, 0)}}), {}, true);
     EXPECT_EQ(sums.totals().transmitted, 10U);
-    sums.look(present(1, {{a, sample(0, 10, 1)}}), {}, true);
+    sums.update(present(1, {{a, sample(0, 10, 1)}}), {}, true);
     EXPECT_EQ(sums.totals().transmitted, 10U);
-    sums.look(present(1, {{a, sample(0, 12, 1)}}), {}, true);
+    sums.update(present(1, {{a, sample(0, 12, 1)}}), {}, true);
     EXPECT_EQ(sums.totals().transmitted, 11U);
 }
 
 TEST(Accumulator, AcknowledgementsAreCountedWhileRtsIsOff) {
     Accumulator sums;
-    sums.look(present(1, {{a, sample(0, 9, 1, 1)}}), {}, false);
+    sums.update(present(1, {{a, sample(0, 9, 1, 1)}}), {}, false);
     EXPECT_EQ(sums.totals().unacknowledged, std::nullopt);
-    sums.look(present(1, {{a, sample(0, 9, 2, 4)}}), {}, true);
+    sums.update(present(1, {{a, sample(0, 9, 2, 4)}}), {}, true);
     EXPECT_EQ(sums.totals().unacknowledged, 4U);
-    sums.look(present(1, {{a, sample(0, 99, 9, 9)}}), {}, false);
+    sums.update(present(1, {{a, sample(0, 99, 9, 9)}}), {}, false);
     EXPECT_EQ(sums.totals().unacknowledged, 4U);
-    sums.look(present(1, {{a, sample(0, 99, 9, 10)}}), {}, true);
+    sums.update(present(1, {{a, sample(0, 99, 9, 10)}}), {}, true);
     EXPECT_EQ(sums.totals().unacknowledged, 5U);
 }
 
 TEST(Accumulator, BadChecksumsWhereTheDriverTells) {
     Accumulator sums;
     Stations now = present(1, {{a, sample(0, 0)}});
-    sums.look(now, {}, true);
+    sums.update(now, {}, true);
     EXPECT_EQ(sums.totals().bad_checksums, std::nullopt);
     now.stations[0].sample.bad_checksums = 3;
-    sums.look(now, {}, true);
+    sums.update(now, {}, true);
     now.stations[0].sample.bad_checksums = 5;
-    sums.look(now, {}, true);
+    sums.update(now, {}, true);
     EXPECT_EQ(sums.totals().bad_checksums, 5U);
 }
 
 TEST(Accumulator, GoesOnFromWhatIsKnown) {
     Accumulator sums(Totals{100, 5, 50, 7, {}});
     const Departed left[] = {departed(2, b, sample(99, 99, 9))};  // left before the list, and nobody knows its base
-    sums.look(present(3, {{a, sample(10, 20, 5)}}), left, true);
+    sums.update(present(3, {{a, sample(10, 20, 5)}}), left, true);
     EXPECT_EQ(sums.totals(), (Totals{100, 5, 50, 7, {}}));
-    sums.look(present(3, {{a, sample(11, 22, 6)}}), {}, true);
+    sums.update(present(3, {{a, sample(11, 22, 6)}}), {}, true);
     EXPECT_EQ(sums.totals(), (Totals{101, 6, 51, 8, {}}));
 }
 
 // Without generations nothing tells whether a departure was before the list; a station in both is taken once.
 TEST(Accumulator, DriversWithoutGenerations) {
     Accumulator sums;
-    sums.look(present(0, {{a, sample(10, 10)}}), {}, true);
+    sums.update(present(0, {{a, sample(10, 10)}}), {}, true);
     const Departed left[] = {departed(0, a, sample(12, 12))};
-    sums.look(present(0, {{a, sample(11, 11)}}), left, true);
+    sums.update(present(0, {{a, sample(11, 11)}}), left, true);
     EXPECT_EQ(sums.totals().received, 11U);
-    sums.look(present(0, {}), left, true);
+    sums.update(present(0, {}), left, true);
     EXPECT_EQ(sums.totals().received, 12U);
-    sums.look(present(0, {}), left, true);
+    sums.update(present(0, {}), left, true);
     EXPECT_EQ(sums.totals().received, 12U);
 }
 
 TEST(Accumulator, GenerationsWrap) {
     Accumulator sums;
-    sums.look(present(0xfffffffe, {{a, sample(1, 1)}, {b, sample(1, 1)}}), {}, true);
+    sums.update(present(0xfffffffe, {{a, sample(1, 1)}, {b, sample(1, 1)}}), {}, true);
     const Departed left[] = {departed(0xffffffff, a, sample(2, 2)), departed(2, b, sample(5, 5))};
-    sums.look(present(1, {{b, sample(3, 3)}}), left, true);
+    sums.update(present(1, {{b, sample(3, 3)}}), left, true);
     EXPECT_EQ(sums.totals().received, 7U);
 }
 
@@ -191,7 +191,7 @@ TEST(Written, Modulo2To31) {
         {4294967301, 5}, {18446744073709551615U, 2147483647},
     };
     for (const auto& expected : cases)
-        EXPECT_EQ(collector::written(expected.total), expected.text) << expected.total;
+        EXPECT_EQ(collector::counter_value(expected.total), expected.text) << expected.total;
 }
 
 // ---- All orders
@@ -213,7 +213,7 @@ class Air {
                 read_list();
                 return;
             default:
-                look(sums);
+                update(sums);
         }
     }
 
@@ -255,14 +255,14 @@ class Air {
         sent_at_list_ = sent_;
     }
 
-    void look(Accumulator& sums) {
+    void update(Accumulator& sums) {
         if (!list_) return;
         if (!has_looked_) {
             before_ = sent_at_list_;
             empty_ = list_->stations.empty();
         }
         has_looked_ = true;
-        sums.look(*list_, events_, true);
+        sums.update(*list_, events_, true);
         events_.clear();
         list_.reset();
     }

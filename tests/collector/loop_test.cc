@@ -34,7 +34,7 @@ int in_child(Body body) {
 struct Scene {
     explicit Scene(unsigned last) {
         work.events = {source};
-        work.take_events = [this] {
+        work.read_events = [this] {
             eventfd_t count = 0;
             eventfd_read(source, &count);
             return true;

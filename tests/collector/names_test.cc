@@ -112,8 +112,8 @@ TEST_F(NamesTest, Refusals) {
         int error;
         const char* beginning;
     } cases[] = {
-        {EPERM, "its name is longer than 5 characters, and a short one takes CAP_NET_ADMIN"},
-        {EOPNOTSUPP, "its name is longer than 5 characters, and the kernel, before 5.5, has no second names"},
+        {EPERM, "its name is longer than 5 characters, and setting a short one takes CAP_NET_ADMIN"},
+        {EOPNOTSUPP, "its name is longer than 5 characters, and kernels before 5.5 have no alternative names"},
         {EEXIST, "every short name is taken"},
         {ENOMEM, "no short name can be set: Cannot allocate memory"},
     };

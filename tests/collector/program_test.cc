@@ -147,9 +147,10 @@ TEST_F(Program, ConfigurationErrorsAre4) {
     configure("[wlan0]\nchanel = '6'\n");
     const auto [status, said] = run(with({"--once"}));
     EXPECT_EQ(status, 4);
-    EXPECT_EQ(said,
-              "<3>cfql-collector: " + place.directory +
-                  "/collector.toml:2:1: \"chanel\" is no key that can be given here; man cfql-collector lists them\n");
+    EXPECT_EQ(
+        said,
+        "<3>cfql-collector: " + place.directory +
+            "/collector.toml:2:1: \"chanel\" is not a key that can be given here; man cfql-collector lists them\n");
     EXPECT_FALSE(std::filesystem::exists(place.store));
 }
 

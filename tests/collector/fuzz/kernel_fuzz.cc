@@ -70,7 +70,7 @@ void feed_stations(const nlmsghdr* message) {
     if (const auto* left = std::get_if<Departed>(&event)) departed.push_back(*left);
     std::uint64_t last = 0;
     for (int i = 0; i < 3; ++i) {
-        sums.look(stations, departed, i != 1);
+        sums.update(stations, departed, i != 1);
         DEMAND(sums.totals().transmitted >= last);
         last = sums.totals().transmitted;
     }
