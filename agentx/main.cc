@@ -1,7 +1,7 @@
 // The module's tables in a process of their own, behind any agent that speaks AgentX (RFC 2741).
 //
 // Loads the same ieee802dot11.so that snmpd loads by `dlmod`, registers its tables with the master agent, and serves
-// them until it is told to stop. Of snmpd's own tables it has none, UCD-DLMOD-MIB included.
+// them until a signal stops it. It has none of snmpd's own tables, not even UCD-DLMOD-MIB.
 #include <dlfcn.h>
 #include <getopt.h>
 #include <signal.h>
@@ -22,11 +22,11 @@
 namespace {
 
 constexpr char program[] = "ieee802dot11-agentx";
-constexpr int subagent = 1;         // of NETSNMP_DS_AGENT_ROLE; 0 is a master
-constexpr int ping_interval_s = 5;  // after a master's restart the tables are back within this time
+constexpr int subagent = 1;         // value of NETSNMP_DS_AGENT_ROLE; 0 is a master
+constexpr int ping_interval_s = 5;  // how soon the tables are back after a restart of the master
 
 struct Options {
-    const char* socket = nullptr;  // null: as the configuration says, or Net-SNMP's default
+    const char* socket = nullptr;  // null: the configuration's, or Net-SNMP's default
     const char* configuration = nullptr;
     const char* module = DOT11_MODULE;
     bool foreground = false;
@@ -39,10 +39,10 @@ void usage(FILE* out) {
     fputs(
         "Serves the IEEE802dot11-MIB behind an SNMP agent, over AgentX.\n\n"
         "  -x SOCKET  the master agent's socket, such as /run/agentx/master or tcp:localhost:705\n"
-        "  -c FILE    read this configuration and no other\n"
+        "  -c FILE    read this configuration file and no other\n"
         "  -m MODULE  load this file instead of " DOT11_MODULE
         "\n"
-        "  -f         stay in the foreground and log to standard error, otherwise to syslog\n"
+        "  -f         stay in the foreground, and log to standard error instead of syslog\n"
         "  -h, -V     print this help, or the version, and exit\n\n"
         "See ieee802dot11-agentx(8).\n",
         out);
@@ -99,7 +99,7 @@ void log_to(bool foreground) {
     }
 }
 
-// No MIB files, no state between runs: nothing of this process needs either.
+// This process needs neither MIB files nor state that outlives it.
 void configure_library(const Options& options) {
     setenv("MIBS", "", 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
@@ -113,12 +113,12 @@ void configure_library(const Options& options) {
     }
 }
 
-// Behind init_agent, which sets its own of 15 s, and before the configuration, which may set another.
+// Call it after init_agent(), which sets 15 s, and before the configuration is read, which may set another interval.
 void set_ping_interval() {
     netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL, ping_interval_s);
 }
 
-// Registers the tables; the configuration that follows may hold the module's own tokens.
+// Registers the tables. Call it before the configuration is read, which may hold the module's own tokens.
 void load_module(const char* path) {
     void* const module = dlopen(path, RTLD_NOW);
     auto* const init = module ? reinterpret_cast<void (*)()>(dlsym(module, "init_ieee802dot11")) : nullptr;
@@ -139,7 +139,8 @@ void handle_signal(int file, void*) {
     }
 }
 
-// Signals come as one more file that the agent's loop waits for: none is lost between a check and the next wait.
+// Signals arrive through a file that the agent's loop waits for, so that none is lost between a check and the next
+// wait.
 bool catch_signals() {
     sigset_t set;
     sigemptyset(&set);

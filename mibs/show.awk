@@ -117,5 +117,5 @@ END {
         if (answered != "") print_table(first, last)
         else silent = silent "\n  " table[first]
     }
-    if (silent != "") print "\nTables without a value to show, for want of rows, of rights, or of an answer:" silent
+    if (silent != "") print "\nTables without values (no rows, no rights, or no answer):" silent
 }
