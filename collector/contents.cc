@@ -78,7 +78,7 @@ Security security(const AccessPoint& point) {
     if (point.hostapd && point.hostapd->wpa != 0) return Security::wpa;
     if (!point.group_key) return Security::unknown;
     if (!*point.group_key) return Security::open;
-    // Without hostapd, `wep` cannot be told from `wpa`; privacy is invoked in either case.
+    // Without hostapd, WEP cannot be told from WPA; privacy is invoked in either case.
     return point.hostapd && point.hostapd->suites ? Security::wep : Security::wpa;
 }
 

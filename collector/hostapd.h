@@ -50,7 +50,7 @@ class Hostapd {
     // A pass begins at `now`, in ms. A hostapd that is late is not asked again in the same pass.
     void begin_pass(int64_t now);
 
-    // Asks about the `bss` of `interface` on `radio`. Unless the result is `told`, `bss` stays as it is. Virtual for
+    // Asks about the BSS of `interface` on `radio`. Unless the result is `told`, `bss` stays as it is. Virtual for
     // the tests.
     virtual Answer ask(const std::string& interface, uint32_t radio, HostapdBss& bss);
 

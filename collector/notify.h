@@ -13,7 +13,7 @@ class Notify {
 
     void send(const std::string& message) const;
 
-    // How often to send `watchdog`=1, in ms; 0: never.
+    // How often to send WATCHDOG=1, in ms; 0: never.
     int64_t watchdog() const { return watchdog_; }
 
   private:
