@@ -99,10 +99,9 @@ void log_to(bool foreground) {
     }
 }
 
-// This process needs neither MIB files nor state that outlives it.
+// This process needs no MIB files.
 void configure_library(const Options& options) {
     setenv("MIBS", "", 1);
-    netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
     netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE, subagent);
     if (options.socket) {
         netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options.socket);
@@ -166,6 +165,8 @@ int main(int argc, char** argv) {
     init_snmp(program);
     while (!stopped)
         agent_check_and_process(1);
+    // No state outlives the process. Set this late because, with it, Net-SNMP reads no configuration file but that of -c.
+    netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
     snmp_shutdown(program);
     return EX_OK;
 }
