@@ -8,6 +8,9 @@ namespace dot11 {
 
 namespace {
 
+// Whether the agent has taken a table. It takes none of a second copy of the module.
+bool serves = false;
+
 void add_indexes(netsnmp_table_registration_info* info, uint32_t indexes) {
     if (indexes == 1)
         netsnmp_table_helper_add_indexes(info, ASN_INTEGER, 0);
@@ -39,7 +42,7 @@ void register_table(const AgentTable& table) {
     if (info && iterator && registration) {
         describe(table, info, iterator);
         // From here on the agent owns all three, also when it refuses a table that is registered already.
-        netsnmp_register_table_iterator(registration, iterator);
+        if (netsnmp_register_table_iterator(registration, iterator) == MIB_REGISTERED_OK) serves = true;
         return;
     }
     snmp_log(LOG_ERR, "malloc failed in initialize_table_%s", table.facts.name);
@@ -49,9 +52,10 @@ void register_table(const AgentTable& table) {
 }
 
 void init_ieee802dot11(void) {
-    register_options();
     for (const AgentTable* table : catalogue)
         table->initialize();
+    // The agent gives a token's lines to the last who registered it.
+    if (serves) register_options();
 }
 
 }  // namespace dot11

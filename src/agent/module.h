@@ -8,8 +8,8 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Called once, by the agent that has loaded the module: registers the options and the tables. A
-// table that fails is left out.
+// Called by the agent that has loaded the module, again at each SIGHUP: registers the tables, and the options if the
+// agent has a table of this copy. A table that fails is left out.
 void init_ieee802dot11(void);
 
 using InitializeTable = void(void);

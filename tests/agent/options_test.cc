@@ -194,6 +194,19 @@ TEST_P(CompleteTools, ASecondClientReachesTheSame) {
     EXPECT_EQ(oids_in("." + std::regex_replace(text_of(file), std::regex("\n(?=1)"), "\n.")), expected());
 }
 
+// AgentX asks for what comes next in a way of its own.
+TEST(Answers, OfASubagentAreWalkedAsThoseOfTheAgent) {
+    add_interfaces(2);
+    const auto walks = [](Role role) {
+        const Agent agent(full_configuration(2), role, complete);
+        return printed(agent, "snmpwalk", "-On 127.0.0.1:1161 1.2.840.10036") +
+               printed(agent, "snmpbulkwalk", "-On 127.0.0.1:1161 1.2.840.10036");
+    };
+    const std::string of_the_agent = walks(Role::agent);
+    EXPECT_EQ(oids_in(of_the_agent).size(), 2 * 2 * 77U);
+    EXPECT_EQ(walks(Role::subagent), of_the_agent);
+}
+
 // The tables that have rows, and the cells of an interface in which snmptable finds no value.
 TEST_P(CompleteTools, TablesHaveAValueInEveryColumnThatIsAnswered) {
     if (!has_node_modules()) GTEST_SKIP() << "npm ci --prefix tests/node";
@@ -352,6 +365,16 @@ TEST_P(Configuration, MayComeLater) {
     EXPECT_EQ(product(), "noSuchInstance");
     reconfigure(complete);
     EXPECT_EQ(product(), "STRING 45 52 2d 32 34");
+}
+
+// A second copy of the module registers no table. The lines are for the first, whose tables the agent has.
+TEST_P(Configuration, IsThatOfTheModuleThatServes) {
+    start("dlmod ieee802dot11 " + built_module() + "\n" + complete);
+    EXPECT_EQ(product(), "STRING 45 52 2d 32 34");
+    EXPECT_TRUE(agent->reload(2));
+    EXPECT_EQ(product(), "STRING 45 52 2d 32 34");
+    reconfigure("");
+    EXPECT_EQ(product(), "noSuchInstance");
 }
 
 TEST_P(Configuration, AWrongValueIsOneLineInTheLogAndChangesNothing) {
