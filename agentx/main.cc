@@ -165,7 +165,8 @@ int main(int argc, char** argv) {
     init_snmp(program);
     while (!stopped)
         agent_check_and_process(1);
-    // No state outlives the process. Set this late because, with it, Net-SNMP reads no configuration file but that of -c.
+    // No state outlives the process. Set this late because, with it, Net-SNMP reads no configuration file but that of
+    // -c.
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
     snmp_shutdown(program);
     return EX_OK;
