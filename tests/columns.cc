@@ -1,5 +1,6 @@
 #include "columns.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -102,4 +103,27 @@ uint32_t ColumnFact::number() const {
 const std::vector<ColumnFact>& column_facts() {
     static const std::vector<ColumnFact> columns = read_columns();
     return columns;
+}
+
+size_t answered_cells(bool completely) {
+    size_t cells = 0;
+    for (const ColumnFact& column : column_facts()) {
+        const bool has_value = completely ? column.is_answered_completely() : column.is_answered();
+        if (has_value && column.has_rows) cells += column.rows.size();
+    }
+    return cells;
+}
+
+size_t stored_cells() {
+    size_t cells = 0;
+    for (const ColumnFact& column : column_facts())
+        if (column.is_answered() && column.has_rows && !column.keys.empty()) cells += column.rows.size();
+    return cells;
+}
+
+uint32_t last_column(const std::string& table) {
+    uint32_t last = 0;
+    for (const ColumnFact& column : column_facts())
+        if (column.table() == table) last = std::max(last, column.number());
+    return last;
 }

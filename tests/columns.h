@@ -1,6 +1,7 @@
 // The lines of columns.tsv, which says what the fields are.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -34,3 +35,10 @@ struct ColumnFact {
 
 // All of them, in the order of the file.
 const std::vector<ColumnFact>& column_facts();
+
+// How many cells an interface has: in all its rows, columns with a value; and, of these, with a value from the store.
+size_t answered_cells(bool completely = false);
+size_t stored_cells();
+
+// The number of a table's last column; the table as in "1.5".
+uint32_t last_column(const std::string& table);

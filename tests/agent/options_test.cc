@@ -318,7 +318,8 @@ TEST_F(MaxAge, WithCompleteWalksOf128Interfaces) {
         add_interface(interface_name(i), interface_index(i));
     agent = std::make_unique<Agent>(full_configuration(128), Role::agent, std::string(complete) + "dot11MaxAge 1\n");
     for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(oids_in(printed(*agent, "snmpbulkwalk", "-On 127.0.0.1:1161 1.2.840.10036")).size(), 77 * 128U);
+        EXPECT_EQ(oids_in(printed(*agent, "snmpbulkwalk", "-On 127.0.0.1:1161 1.2.840.10036")).size(),
+                  128 * answered_cells(true));
 }
 
 // -- the configuration

@@ -1,4 +1,6 @@
 // The form of preview; that it says what an agent answers is tests/agent/preview_test.cc.
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <set>
 
@@ -12,6 +14,7 @@
 namespace {
 
 using namespace cfql::tool;
+using testing::IsEmpty;
 
 class Preview : public Tool {
   protected:
@@ -141,7 +144,12 @@ std::set<std::string> known_keys() {
     return keys;
 }
 
-// The tables ask for every key of the facts and for no other: facts.cc is the place to mend.
+std::set<std::string> without(std::set<std::string> keys, const std::set<std::string>& others) {
+    std::erase_if(keys, [&](const std::string& key) { return others.contains(key); });
+    return keys;
+}
+
+// The tables ask for every key of the facts and for no other.
 TEST(Facts, AreTheKeysThatTheAgentReads) {
     std::ifstream file(EXAMPLE);
     const Contents contents = from_toml(std::string(std::istreambuf_iterator<char>(file), {}), EXAMPLE);
@@ -149,7 +157,9 @@ TEST(Facts, AreTheKeysThatTheAgentReads) {
     std::set<std::string> asked = {"interface " + run.chosen_by()};
     for (const Question& question : run.questions())
         asked.insert(question.table + ' ' + question.key);
-    EXPECT_EQ(asked, known_keys()) << "tool/facts.cc lists the keys that src/backend asks for";
+    EXPECT_THAT(without(asked, known_keys()), IsEmpty())
+        << "asked for in src/backend: give them a line in tool/facts.cc";
+    EXPECT_THAT(without(known_keys(), asked), IsEmpty()) << "in tool/facts.cc, but src/backend never asks for them";
 }
 
 TEST(Facts, TypingErrors) {
