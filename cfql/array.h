@@ -1,5 +1,5 @@
-// A growing array of plain data whose memory is overwritten before it is given back: it may hold keys. It has pages of
-// its own, which the system moves as it grows, so that at no time there are two copies of it.
+// A growing array of plain data. It may hold keys, so its memory is overwritten before it is released. It has pages of
+// its own, which the system moves as it grows, so that there is never a second copy.
 #pragma once
 
 #include <string.h>
@@ -30,7 +30,7 @@ class Array {
     size_t bytes() const { return size_ * sizeof(T); }
     const T& operator[](size_t index) const { return data_[index]; }
 
-    // False when memory is short; the array is then as it was.
+    // False if memory is short; the array is then unchanged.
     bool append(const T* items, size_t count) {
         if (count > capacity_ - size_ && !grow(count)) return false;
         if (count != 0) memcpy(data_ + size_, items, count * sizeof(T));
@@ -53,7 +53,7 @@ class Array {
     }
 
   private:
-    // Pages that nothing was written to take no memory.
+    // Pages that have not been written to take no memory.
     bool grow(size_t count) {
         constexpr size_t least = 4096;
         size_t bytes = 0;

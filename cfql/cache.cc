@@ -15,10 +15,10 @@ constexpr int64_t load_share = 5;  // loading takes at most one part in so many 
 // In microseconds.
 constexpr int64_t ms = 1000;
 constexpr int64_t check_interval = 50 * ms;
-constexpr int64_t shortest_pause = 1000 * ms;  // a request takes less, however often it asks
+constexpr int64_t shortest_pause = 1000 * ms;  // longer than a request takes, however many calls it makes
 constexpr int64_t longest_pause = 10000 * ms;
-constexpr int64_t credit = shortest_pause + 50 * ms;  // more than the coarse clock is late
-constexpr int64_t busy_limit = 10000 * ms;            // then a reader waits for the lock
+constexpr int64_t credit = shortest_pause + 50 * ms;  // the 50 ms are more than the coarse clock is late
+constexpr int64_t busy_limit = 10000 * ms;            // after that, a reader waits for the lock
 constexpr int64_t log_interval = 60000 * ms;
 
 int64_t microseconds(clockid_t clock) {
@@ -29,7 +29,7 @@ int64_t microseconds(clockid_t clock) {
 
 }  // namespace
 
-// The coarse clock is a few milliseconds late, which is nothing here, and every read asks for the time.
+// Every read needs the time, so the cheap coarse clock is used. It is a few milliseconds late, which does not matter.
 void Cache::refresh(bool at_once) {
     now_ = microseconds(CLOCK_MONOTONIC_COARSE);
     if (now_ < next_check_ && !at_once) return;
@@ -39,11 +39,11 @@ void Cache::refresh(bool at_once) {
     if (found == Watch::Finding::changed && now_ + credit_ >= next_load_) load();
 }
 
-// A second load may follow at once, on credit: one change is often followed by another. Pauses add up, so that a third
-// has to wait.
+// One change is often followed by another, so a second load may follow at once, on credit. Pauses add up: a third has
+// to wait.
 void Cache::load() {
     const int64_t begin = microseconds(CLOCK_MONOTONIC);
-    const Status status = take_contents();
+    const Status status = load_contents();
     const bool good = status == Status::ok;
     const int64_t retry = good ? 0 : failed(status);
     const int64_t took = microseconds(CLOCK_MONOTONIC) - begin;
@@ -55,7 +55,7 @@ void Cache::load() {
     next_check_ = std::max(next_load_ - credit_, now_ + check_interval);
 }
 
-Status Cache::take_contents() {
+Status Cache::load_contents() {
     Database store;
     Snapshot next;
     Status status = read_contents(store, next);
@@ -70,7 +70,7 @@ Status Cache::take_contents() {
     return status;
 }
 
-// The trees are examined where the change counter cannot be trusted to tell of every change.
+// Examines the trees if the change counter cannot be trusted to show every change.
 Status Cache::read_contents(Database& store, Snapshot& next) {
     Status status = store.open_for_load(store_path(), patience());
     if (status != Status::ok) return status;
@@ -81,8 +81,8 @@ Status Cache::read_contents(Database& store, Snapshot& next) {
     return status;
 }
 
-// How long a load may wait for the lock, in ms. Who has contents answers from them, and waits when they get old or lack
-// a write of the process's own.
+// How long a load may wait for the lock, in ms. A process with contents answers from them instead, unless they are old
+// or lack a write of its own.
 int Cache::patience() const {
     const bool waits = !loaded_ || has_written_ || (busy_since_ != 0 && now_ - busy_since_ >= busy_limit);
     return waits ? reader_wait_ms : 0;
@@ -105,8 +105,8 @@ void Cache::drop() {
     loaded_ = false;
 }
 
-// Answers how long to leave the store alone. A file that was replaced takes its contents with it, one that only became
-// unreadable does not, nor one that is busy.
+// Returns how long to leave the store alone. If the file was replaced, the contents are dropped; if it merely became
+// unreadable, or is locked, they are kept.
 int64_t Cache::failed(Status status) {
     if (status == Status::busy && patience() == 0) {
         if (busy_since_ == 0) busy_since_ = now_;

@@ -1,4 +1,4 @@
-// The checksums of what the store holds.
+// Checksums of objects and attributes.
 #pragma once
 
 #include <stdint.h>
@@ -7,9 +7,9 @@
 
 namespace cfql {
 
-// CRC-32 (IEEE 802.3) over an object's id (8 octets, most significant first) and texts, each followed by a NUL: its own
-// checksum is over its table and name; an attribute's over table, name, key and value. Those of one object begin alike,
-// so that is computed once.
+// CRC-32 (IEEE 802.3) over an object's id (8 octets, most significant first) and texts, each followed by a NUL: table
+// and name for the object itself; table, name, key and value for an attribute. The common beginning is computed only
+// once.
 class Checksum {
   public:
     constexpr Checksum() = default;

@@ -1,4 +1,4 @@
-// Making a store.
+// Creating a store.
 #include <errno.h>
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -13,7 +13,7 @@
 namespace cfql {
 namespace {
 
-// An existing file is not opened: closing it again would drop the locks that this process may hold on it.
+// Does not open an existing file: closing it again would drop the locks that this process may hold on it.
 Status make_file(const char* path) {
     const int file = ::open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0640);
     if (file < 0) {
@@ -51,7 +51,7 @@ Status Database::create(const char* path) {
     return status == Status::ok ? sync_directory(file) : status;
 }
 
-// A file without contents is what create() begins with. The query takes the lock, and undoes an interrupted write.
+// Whether the file is still empty, as create() made it. The query takes the lock, and undoes an interrupted write.
 Status Database::empty_file() {
     int64_t kind = 0;
     FirstPage page;

@@ -11,15 +11,15 @@
 namespace cfql {
 namespace {
 
-constexpr int longest_row = 65536;  // octets; no sound row comes near, a damaged one may claim a gigabyte
+constexpr int longest_row = 65536;  // octets; sound rows are far shorter, a damaged one may claim a gigabyte
 
-// What a statement may take before the file counts as damaged: a few times what the worst sound store needs.
+// How many steps a statement may take before the file counts as damaged: a few times what the worst sound store needs.
 constexpr int steps_a_call = 1000;
 constexpr int64_t calls_at_least = 50;
 constexpr int64_t calls_a_page = 2;
 
-// None of these reads the schema. No mapped pages: a read of one that the medium no longer gives would be a signal.
-// Nothing of a transaction goes to other files than the journal.
+// None of these reads the schema. No mapped pages: reading one that the medium no longer delivers would raise a signal.
+// A transaction writes to no other file than the journal.
 constexpr const char* first_pragmas =
     "PRAGMA mmap_size=0;"
     "PRAGMA temp_store=MEMORY;"
@@ -27,7 +27,7 @@ constexpr const char* first_pragmas =
     "PRAGMA trusted_schema=OFF;"
     "PRAGMA secure_delete=ON;";
 
-// The journal is cut, not deleted: a deletion is not on stable storage until the directory is.
+// The journal is truncated, not deleted: a deletion is not on stable storage before the directory is.
 constexpr const char* writer_pragmas = "PRAGMA synchronous=FULL; PRAGMA journal_mode=TRUNCATE; PRAGMA max_page_count=";
 
 Status status_of(int code) {
@@ -89,8 +89,8 @@ void Cursor::close() {
     statement_ = nullptr;
 }
 
-// A damaged tree can lead back to pages that were read before. Since every row must come after the one before, a
-// listing ends all the same.
+// A damaged tree can lead back to pages that were read before. A listing ends all the same, because every row must come
+// after the one before.
 bool Cursor::ascends(int64_t id, bool has_key, Text key) {
     key = key.substr(0, text_limit);
     const bool same_object = id == last_id_;
@@ -101,7 +101,7 @@ bool Cursor::ascends(int64_t id, bool has_key, Text key) {
     return true;
 }
 
-// What holds for an object holds for all of its rows.
+// Reads what is the same for all rows of an object.
 void Cursor::read_object(Row& row) {
     row.table = column(statement_, 1);
     row.object = column(statement_, 2);
@@ -139,7 +139,7 @@ Status Database::open(const char* path, Access access, int wait_ms) {
     code_ = SQLITE_OK;
     detail_[0] = '\0';
     Status status = open_once(path, access, wait_ms);
-    // Where the recovery fails, the journal stays, and what it protects cannot be read either.
+    // If the recovery fails, the journal stays, and the pages that it protects cannot be read either.
     const bool reads = access == Access::recover || access == Access::salvage;
     const bool failed = status == Status::io_error || status == Status::denied || status == Status::read_only;
     if (reads && failed) status = open_for_load(path, reader_wait_ms);
@@ -160,7 +160,7 @@ Status Database::open_for_load(const char* path, int wait_ms) {
     return connect(path, SQLITE_OPEN_READONLY, wait_ms);
 }
 
-// Leaves a read transaction open. Its lock comes before SQLite reads any of the schema.
+// Leaves a read transaction open, whose lock is taken before SQLite reads any of the schema.
 Status Database::connect(const char* path, int flags, int wait_ms) {
     char file[PATH_MAX];
     Status status = literal_path(path, file) ? Status::ok : Status::absent;
@@ -172,7 +172,7 @@ Status Database::connect(const char* path, int flags, int wait_ms) {
     return status;
 }
 
-// Nothing is read through SQLite yet but a few octets of the header.
+// Reads nothing through SQLite yet but a few octets of the header.
 Status Database::open_file(const char* file, int flags, int wait_ms) {
     close();
     code_ = SQLITE_OK;
@@ -211,7 +211,7 @@ Status Database::prepare_to_write() {
     return run(sql);
 }
 
-// SQLite's own handler waits longer from time to time, until a writer that commits without pause starves it.
+// SQLite's own handler waits longer each time, so that a writer that commits without pause would starve it.
 int Database::wait_for_lock(void* database, int tries) {
     auto& self = *static_cast<Database*>(database);
     const int64_t now = milliseconds();
@@ -460,7 +460,7 @@ Status Database::query(Query which, sqlite3_stmt*& statement) {
     return status;
 }
 
-// The one number that a query without parameters answers.
+// The single number that a query without parameters returns.
 Status Database::fetch(Query which, int64_t& result) {
     sqlite3_stmt* statement = nullptr;
     const Status status = query(which, statement);
@@ -478,7 +478,7 @@ Status Database::perform(sqlite3_stmt* statement) {
     return code == SQLITE_DONE ? Status::ok : failure(code);
 }
 
-// CODE may be SQLITE_DONE where a row had to come: the file lacks something that every store has.
+// `code` may be SQLITE_DONE if a row was expected: the file lacks something that every store has.
 Status Database::failure(int code) {
     if (code == SQLITE_INTERRUPT) return damage("it takes longer to read than any sound store");
     code_ = code == SQLITE_DONE ? SQLITE_CORRUPT : code;

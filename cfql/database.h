@@ -1,8 +1,7 @@
-// One connection to one store file. The library and the cfql tool stand on it. The file format is described in
-// docs/store-format.md.
+// A connection to a store file, for the library and the cfql tool. docs/store-format.md describes the file format.
 //
-// No exceptions, no C++ runtime. A Database is not for several threads at once. Keep one open for one piece of work:
-// readers and writers exclude each other while a write is committed. A process that closes any descriptor of the
+// No exceptions, no C++ runtime. A Database is for one thread at a time. Open one for each piece of work and close it
+// soon: readers and writers exclude each other while a write is committed. A process that closes any descriptor of the
 // store's file loses the locks of all its connections to it.
 //
 // A typical writer:
@@ -14,7 +13,7 @@
 //     if (status == cfql::Status::ok) status = store.commit();   // durable once this is ok
 //     if (status != cfql::Status::ok) { store.rollback(); complain(cfql::describe(status), store.detail()); }
 //
-// An import: begin_write(); delete_all() or, to merge, delete_object() for each object that is replaced; then
+// An import: begin_write(); delete_all() or, to merge, delete_object() for each object to be replaced; then
 // insert_object() and set_attribute() in the order of the file; commit().
 //
 // A listing, in order of insertion:
@@ -25,7 +24,7 @@
 //     while (status == cfql::Status::ok && (status = cursor.next(row)) == cfql::Status::ok) use(row);
 //     if (status != cfql::Status::end) complain();
 //
-// Who follows a store asks a Watch (watch.h) whether it may have changed, and opens it anew if so.
+// To follow a store, ask a Watch (watch.h) whether it may have changed, and open it anew if so.
 #pragma once
 
 #include <stddef.h>
@@ -45,17 +44,17 @@ class Database;
 struct FirstPage;
 
 inline constexpr int reader_wait_ms = 200;   // for each lock
-inline constexpr int writer_wait_ms = 2000;  // the same
+inline constexpr int writer_wait_ms = 2000;  // likewise
 
 enum class Access : uint8_t {
-    read,     // changes nothing; `interrupted` where an interrupted write waits to be undone
-    recover,  // read, but undo an interrupted write first, where this process may
-    salvage,  // the same without examining the trees: list() goes as far as it can, check() tells where the damage is
+    read,     // changes nothing; opening ends with `interrupted` if an interrupted write has to be undone
+    recover,  // like read, but undoes an interrupted write first, if this process may
+    salvage,  // like recover, without examining the trees: list() reads what it can, check() says where the damage is
     write,
 };
 
-// One step of a listing: an object with one of its attributes, or alone when it has none. Objects come in order of
-// insertion, the attributes of one object together and in octet order of their keys. Texts are valid until the cursor's
+// One step of a listing: an object with one of its attributes, or alone if it has none. Objects come in order of
+// insertion, the attributes of an object together and in octet order of their keys. Texts are valid until the cursor's
 // next step.
 struct Row {
     int64_t id;  // of the object; ascending over the listing, equal over the rows of one object
@@ -68,8 +67,7 @@ struct Row {
     bool attribute_sound;  // the checksum and the limits hold for key and value
 };
 
-// A listing in progress; a read transaction is open as long as it is. Must not outlive its Database or stay open over
-// close().
+// A listing in progress, which holds a read transaction open. Close it before its Database is closed or destroyed.
 class Cursor {
   public:
     Cursor() = default;
@@ -77,8 +75,8 @@ class Cursor {
     Cursor& operator=(const Cursor&) = delete;
     ~Cursor() { close(); }
 
-    // ok: ROW is filled; end: there is no more; damaged, busy, io_error: the listing is over, what came so far may be
-    // incomplete. Never ends in a loop, whatever the file holds.
+    // ok: `row` is filled; end: there are no more; damaged, busy, io_error: the listing is over and may be incomplete.
+    // Always comes to an end, whatever the file holds.
     Status next(Row& row);
     void close();
 
@@ -97,7 +95,7 @@ class Cursor {
     char last_key_[text_limit];
 };
 
-// A file as a Database left it: examined, or written after that.
+// A file that a Database has examined, or has written after that.
 struct Sound {
     bool known = false;
     FileState file = {};
@@ -107,77 +105,76 @@ struct Sound {
 class Database {
   public:
     Database() = default;
-    // SOUND, the caller's, is what one leaves to the next.
+    // `sound` belongs to the caller. It tells one Database what the last one has examined.
     explicit Database(Sound& sound) : sound_(&sound) {}
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
     ~Database() { close(); }
 
-    // Makes an empty store at PATH: file mode 0640. The directory must exist. All or nothing: an interrupted call
-    // leaves at most a file without contents, which the next call turns into a store. `exists` when there is a store,
-    // `not_a_store` when there is something else; neither is touched. Leaves nothing open.
+    // Creates an empty store at `path`, with file mode 0640. The directory must exist. All or nothing: an interrupted
+    // call leaves at most an empty file, which the next call turns into a store. `exists` if there is a store,
+    // `not_a_store` if there is something else; neither is touched. Leaves nothing open.
     Status create(const char* path);
 
-    // Opens an existing store and examines it (kind, version, schema, structure). Never makes a file. Waits for each
-    // lock reader_wait_ms for Access::read, otherwise WAIT_MS. A relative PATH counts from the working directory. The
-    // structure is not examined again where it was left sound and the file has not changed since.
+    // Opens an existing store and examines it (kind, version, schema, structure). Never creates a file. Waits for each
+    // lock reader_wait_ms for Access::read, otherwise `wait_ms`. A relative `path` starts at the working directory. The
+    // structure is not examined again if it was sound and the file has not changed since.
     Status open(const char* path, Access access, int wait_ms = writer_wait_ms);
 
-    // As open() for Access::read, waiting WAIT_MS for the lock, but the trees are not examined, and a read transaction
-    // is left open: what follows sees one state.
+    // Like open() for Access::read, waiting `wait_ms` for the lock, but does not examine the trees, and leaves a read
+    // transaction open, so that all reads see the same state.
     Status open_for_load(const char* path, int wait_ms);
 
-    void close();  // ends a transaction without effect
+    void close();  // rolls back an open transaction
     bool is_open() const { return connection_ != nullptr; }
 
     // The header's change counter in the last transaction that was begun: every write adds 1.
     uint32_t change_counter() const { return counter_; }
 
-    // Transactions. Reads outside of one see each the latest state. commit() answers ok once everything is on stable
-    // storage; with any other answer nothing has changed, unless the medium refused just that, and the transaction is
-    // still to be rolled back.
+    // Transactions. Outside of one, each read sees the latest state. commit() returns ok once everything is on stable
+    // storage. Otherwise nothing has changed (unless the medium refused to make the write stable), and the transaction
+    // has still to be rolled back.
     Status begin_read();
     Status begin_write();
     Status commit();
-    void rollback();  // without effect when no transaction is open
+    void rollback();  // does nothing if no transaction is open
 
-    // The id of the first inserted object of that name; not_found.
+    // The id of the first object inserted under that name; not_found.
     Status find_object(Text table, Text object, int64_t& id);
     // Adds an object after all others, even if one of that name exists.
     Status insert_object(Text table, Text object, int64_t& id);
-    // Deletes one object with its attributes; ok also when there is none.
+    // Deletes one object with its attributes; ok also if there is none.
     Status delete_object(int64_t id);
     Status delete_all();
 
-    // TABLE and OBJECT must be those of ID: they go into the checksum.
+    // `table` and `object` must be those of `id`: they go into the checksum.
     Status set_attribute(int64_t id, Text table, Text object, Text key, Text value);
-    // not_found when the object has no such key, damaged when the checksum is wrong. VALUE is valid until the next call
+    // not_found if the object has no such key, damaged if the checksum is wrong. `value` is valid until the next call
     // on this Database.
     Status get_attribute(int64_t id, Text table, Text object, Text key, Text& value);
     Status unset_attribute(int64_t id, Text key);  // not_found
 
-    // The same by names: the first inserted object of the name. set() makes an object that is missing. These refuse
-    // texts that break a limit. Several calls that belong together, and every set(), stand between begin_write() and
-    // commit().
+    // The same by names, which stand for the first object inserted. set() creates a missing object. These refuse texts
+    // that break a limit. Put every set(), and calls that belong together, between begin_write() and commit().
     Status set(Text table, Text object, Text key, Text value);
     Status get(Text table, Text object, Text key, Text& value);
     Status unset(Text table, Text object, Text key);
 
-    // Begins a listing of TABLE, or of everything when TABLE is empty, of the objects whose id is above AFTER.
+    // Begins a listing of `table`, or of everything if that is empty, from the first object whose id is above `after`.
     Status list(Cursor& cursor, Text table = {}, int64_t after = INT64_MIN);
 
     // Examines every page: `damaged` with the first fault in detail().
     Status examine_structure();
 
-    // Examines everything: structure, indexes, attributes without object, every checksum. Calls REPORT with one line
-    // for each fault, without values. Answers ok when the examination ended, whatever it found.
+    // Examines everything: structure, indexes, attributes without an object, every checksum. Calls `report` with a line
+    // for each fault, without values. Returns ok if the examination was completed, whatever it found.
     using Report = void (*)(void* context, const char* line);
     Status check(Report report, void* context);
 
-    // What the last failure was about, one line, never null, empty when there is nothing to add to describe(). Valid
+    // What the last failure was about: one line, never null, empty if there is nothing to add to describe(). Valid
     // until the next call.
     const char* detail() const { return detail_; }
-    // The last failure is of a kind that a second attempt at once may well overcome.
+    // Whether an immediate second attempt may well overcome the last failure.
     bool worth_another_try() const;
 
   private:
@@ -214,15 +211,15 @@ class Database {
     sqlite3_stmt* queries_[query_count_] = {};
     int wait_ms_ = 0;
     int64_t deadline_ = 0;    // of the present wait for a lock
-    int64_t pages_ = 0;       // of the file, as a bound for the statements' steps
-    int64_t steps_left_ = 0;  // thousands that the present statement may take
+    int64_t pages_ = 0;       // in the file; bounds the statements' steps
+    int64_t steps_left_ = 0;  // of the present statement, in thousands
     FileState file_ = {};     // before it was opened
     Sound own_;
     Sound* const sound_ = &own_;
     uint32_t counter_ = 0;
     int code_ = 0;  // the extended result code of the last failure
     char detail_[200] = {};
-    char value_[value_limit] = {};  // the answer of get_attribute()
+    char value_[value_limit] = {};  // the result of get_attribute()
 };
 
 }  // namespace cfql

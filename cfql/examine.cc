@@ -9,7 +9,7 @@
 namespace cfql {
 namespace {
 
-// The name of an attribute (or, without key, of an object) for a person: control characters are shown as "?".
+// Names an attribute (or, with an empty `key`, an object) in a message: control characters are shown as "?".
 void label(char (&out)[1024], const Row& row, Text key, const char* fault) {
     snprintf(out, sizeof out, "%.*s %.*s%s%.*s: %s", static_cast<int>(row.table.size()), row.table.data(),
              static_cast<int>(row.object.size()), row.object.data(), key.empty() ? "" : " ",
@@ -21,7 +21,7 @@ void label(char (&out)[1024], const Row& row, Text key, const char* fault) {
 
 }  // namespace
 
-// A page that could not be read is reported as a fault too. What is really wrong is found again.
+// SQLite reports a page that could not be read as a fault, too. Real damage shows again the second time.
 Status Database::examine_structure() {
     constexpr const char* pragma = "PRAGMA quick_check(1)";
     Status status = examine_pages(pragma, nullptr, nullptr);
@@ -36,7 +36,7 @@ bool Database::is_known_sound() const {
     return sound_->known && sound_->file == file_ && sound_->counter == counter_;
 }
 
-// PRAGMA answers one row "ok" or a row for each fault. Without REPORT a fault is the result.
+// `pragma` returns one row "ok", or a row for each fault. Without `report`, a fault becomes the result.
 Status Database::examine_pages(const char* pragma, Report report, void* context) {
     sqlite3_stmt* statement = nullptr;
     Status status = prepare(pragma, statement);
@@ -54,7 +54,7 @@ Status Database::examine_pages(const char* pragma, Report report, void* context)
 }
 
 Status Database::check(Report report, void* context) {
-    pages_ = 10 * page_limit;  // it may take its time, but not for ever
+    pages_ = 10 * page_limit;  // it may take longer than other statements, but not for ever
     Status status = examine_pages("PRAGMA integrity_check", report, context);
     if (status == Status::ok) status = examine_orphans(report, context);
     return status == Status::ok ? examine_checksums(report, context) : status;

@@ -12,7 +12,7 @@ constexpr size_t tree_header = 100;          // of the page's tree, behind the h
 constexpr unsigned char table_leaf = 0x0d;
 constexpr size_t first_cell_pointer = tree_header + 8;
 
-// What the header says of every store.
+// What the header of every store says.
 struct Field {
     size_t offset, size;
     uint32_t value;
@@ -29,7 +29,7 @@ constexpr Field fields[] = {
     {tree_header + 3, 2, std::size(schema), "another schema"},
 };
 
-// Reads the page's octets one after the other. What would lie outside the page is 0, and `sound` is then false.
+// Reads the page's octets one after the other. Octets outside the page read as 0 and make `sound` false.
 class Octets {
   public:
     Octets(const unsigned char* page, size_t at) : page_(page), at_(at) {}
@@ -65,7 +65,7 @@ size_t type_of(Text text) {
     return 2 * text.size() + 13;
 }
 
-// The root of the tree that the cell at AT makes for ENTRY; 0 when the cell is another.
+// The root of the tree that the cell at `at` declares for `entry`; 0 if the cell declares something else.
 uint32_t root_of(const SchemaEntry& entry, const unsigned char* page, size_t at) {
     Octets cell(page, at);
     cell.varint();  // the length of the record

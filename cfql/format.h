@@ -1,5 +1,4 @@
-// The octets of a store's file that SQLite must not be trusted with unseen: its first page, with the header and the
-// schema.
+// The first page of a store's file, with the header and the schema, which is examined before SQLite may see it.
 #pragma once
 
 #include <stddef.h>
@@ -16,7 +15,7 @@ inline constexpr int64_t file_limit = 4 << 20;  // octets
 inline constexpr int64_t page_limit = file_limit / int64_t{page_size};
 inline constexpr size_t counter_offset = 24;  // of the change counter: 4 octets, most significant first
 
-// The schema, in the order in which it is made. Texts are BLOBs: octets that SQLite does not interpret.
+// The schema, in the order in which it is created. Texts are BLOBs: octets that SQLite does not interpret.
 struct SchemaEntry {
     const char *type, *name, *table, *sql;
 };
@@ -29,7 +28,7 @@ inline constexpr SchemaEntry schema[] = {
     {"index", "object_name", "object", "CREATE INDEX object_name ON object(tab, name)"},
 };
 
-// An unsigned number of SIZE octets, most significant first.
+// The unsigned number in `size` octets, most significant first.
 constexpr uint32_t number_at(const unsigned char* octets, size_t size) {
     uint32_t number = 0;
     for (size_t i = 0; i < size; ++i)
@@ -47,8 +46,8 @@ constexpr bool has_log_mode(const FirstPage& page) {
     return page.octets[18] == 2 || page.octets[19] == 2;
 }
 
-// ok: a store of this version within the bound, whose schema is exactly the one above, in one page, each tree of it
-// with a root of its own. FAULT names what is damaged, or is null.
+// ok: a store of this version within the size limit, whose schema is exactly the one above and fits in one page, and
+// whose trees have distinct roots. `fault` names what is damaged, or is null.
 Status examine_first_page(const FirstPage& page, const char*& fault);
 
 }  // namespace cfql

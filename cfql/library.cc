@@ -1,4 +1,4 @@
-// The four calls of the library: arguments, answers, the lock. What the store holds is the cache's affair.
+// The four calls of the library: arguments, answers, the lock. The cache knows the store's contents.
 
 #pragma GCC visibility push(default)
 #include "cfqlquery.h"
@@ -13,14 +13,14 @@
 namespace cfql {
 namespace {
 
-// What an answer is in memory: one block, which ends with the texts of the nodes.
+// An answer in memory: one block, at whose end are the nodes' texts.
 struct Answer {
     size_t size;
     cfqlquery_node head;
 };
 
-// The state of the process. Never destroyed: other code may call the library as late as it likes. Nothing of it is
-// open, so a fork needs no care.
+// The state of the process. Never destroyed, because other code may call the library at any time during exit. It holds
+// nothing open, so a fork needs no care.
 union Process {
     struct State {
         pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
@@ -49,7 +49,7 @@ Text text_of(const char* text) {
     return text ? Text(text) : Text("");
 }
 
-// An answer of COUNT nodes with room for TEXTS octets, the nodes chained. Null when memory is short.
+// An answer of `count` chained nodes, with room for `texts` octets. Null if memory is short.
 Answer* new_answer(size_t count, size_t texts, char*& text) {
     size_t size = 0;
     if (__builtin_mul_overflow(count, sizeof(cfqlquery_node), &size)) return nullptr;
@@ -65,7 +65,7 @@ Answer* new_answer(size_t count, size_t texts, char*& text) {
     return answer;
 }
 
-// Copies TEXT with a NUL to PLACE and moves PLACE behind it.
+// Copies `text` and a NUL to `place`, and moves `place` past them.
 const char* put(char*& place, Text text) {
     char* const start = place;
     if (!text.empty()) memcpy(start, text.data(), text.size());
@@ -83,7 +83,7 @@ cfqlquery_node* single(Text key, Text value) {
     return &answer->head;
 }
 
-// What a grid takes.
+// The size of a grid's answer.
 struct Extent {
     size_t rows, pairs, octets;  // the octets of its texts, each with its NUL
 };

@@ -10,12 +10,12 @@
 
 namespace cfql {
 
-// Without a time: the log's own is used then.
+// Sends no time, so that the log uses its own.
 void log_error(const char* line) {
     char datagram[1024];
     const int size = snprintf(datagram, sizeof datagram, "<%d>cfqlquery[%ld]: %s", LOG_DAEMON | LOG_ERR,
                               static_cast<long>(getpid()), line);
-    // A path may hold anything, and a log is shown on terminals.
+    // A path may hold any octets, and logs are shown on terminals.
     for (char* octet = datagram; *octet != '\0'; ++octet) {
         if (static_cast<unsigned char>(*octet) < 0x20 || *octet == 0x7f) *octet = '?';
     }

@@ -3,8 +3,8 @@
 
 namespace cfql {
 
-// Sends LINE to /dev/log as an error. It is lost when nobody takes it at once: a full log must not stop an agent, as it
-// would with syslog().
+// Sends `line` to /dev/log as an error. It is lost when nobody takes it at once: a full log must not stop an agent, as
+// it would with syslog().
 void log_error(const char* line);
 
 }  // namespace cfql

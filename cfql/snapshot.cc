@@ -20,16 +20,16 @@ Status Snapshot::collect(Database& store) {
     Row row;
     Status status = store.list(cursor);
     while (status == Status::ok && (status = cursor.next(row)) == Status::ok) {
-        if (!take(row)) return Status::no_memory;
-        // Values of a crafted file may share pages, and so be many times as long as the file.
+        if (!add_row(row)) return Status::no_memory;
+        // Values of a crafted file may share pages, so that they are many times as long as the file.
         if (bytes() > snapshot_limit) return Status::damaged;
     }
     return status == Status::end ? Status::ok : status;
 }
 
-bool Snapshot::take(const Row& row) {
+bool Snapshot::add_row(const Row& row) {
     if (!row.object_sound) return true;
-    if ((objects_.size() == 0 || row.id != last_id_) && !take_object(row)) return false;
+    if ((objects_.size() == 0 || row.id != last_id_) && !add_object(row)) return false;
     last_id_ = row.id;
     if (!row.attribute_sound) return true;
     const Attribute attribute = {static_cast<uint32_t>(texts_.size()), static_cast<uint16_t>(row.value.size()),
@@ -37,8 +37,8 @@ bool Snapshot::take(const Row& row) {
     return add_text(row.key) && add_text(row.value) && attributes_.append(&attribute, 1);
 }
 
-// Neighbours are mostly of one table, whose text is then shared.
-bool Snapshot::take_object(const Row& row) {
+// Neighbours are mostly of the same table, whose text they then share.
+bool Snapshot::add_object(const Row& row) {
     const size_t count = objects_.size();
     const bool shared = count != 0 && table(objects_[count - 1]) == row.table;
     Object object = {};
@@ -56,7 +56,7 @@ bool Snapshot::add_text(Text text) {
     return texts_.append(text.data(), text.size()) && texts_.append("", 1);
 }
 
-// An object without attributes ends the list: where the attributes of the last one end.
+// Adds a last object without attributes, which marks where the attributes of the one before it end.
 bool Snapshot::sort() {
     if (sorted_.size() != 0) qsort_r(sorted_.begin(), sorted_.size(), sizeof(uint32_t), compare, this);
     const Object end = {0, 0, static_cast<uint32_t>(attributes_.size()), 0, 0};
@@ -88,7 +88,7 @@ void Snapshot::swap(Snapshot& other) {
     std::swap(recent_, other.recent_);
 }
 
-// One object after the other is read, key by key, and the objects that it leads to: the last ones are found at once.
+// Callers read an object key by key, and the objects that it leads to, so recent objects are tried first.
 bool Snapshot::get(Text wanted_table, Text wanted_name, Text wanted_key, Text& value) const {
     const size_t last_octet = wanted_name.empty() ? 0 : static_cast<unsigned char>(wanted_name.back());
     uint32_t& recent = recent_[(wanted_table.size() + last_octet) % std::size(recent_)];
@@ -102,7 +102,7 @@ bool Snapshot::is(uint32_t index, Text wanted_table, Text wanted_name) const {
     return name(object) == wanted_name && table(object) == wanted_table;
 }
 
-// The first object of that name, or any other when there is none.
+// The first object of that name, or any other object if there is none.
 uint32_t Snapshot::first_of(Text wanted_table, Text wanted_name) const {
     const uint32_t* const found = std::partition_point(sorted_.begin(), sorted_.end(), [&](uint32_t index) {
         const int tables = table(objects_[index]).compare(wanted_table);
@@ -122,7 +122,7 @@ bool Snapshot::find(size_t object, Text wanted, Text& value) const {
     return true;
 }
 
-// Objects of a table have mostly the same keys: what one has at a place, the next has there too.
+// Objects of a table mostly have the same keys, so a key is mostly at the same position in the next object.
 bool Snapshot::carries(size_t object, const cfqlquery_node* filter) const {
     for (const cfqlquery_node* pair = filter; pair; pair = pair->next) {
         if (!pair->name || !pair->value) return false;

@@ -1,5 +1,5 @@
-// An immutable copy of a whole store in memory: one state of it, every checksum verified. A value is found in a number
-// of steps that grows with the logarithm of the store's size, whatever the names are.
+// An immutable copy of the whole store in memory, in one consistent state and with every checksum verified. Finding a
+// value takes logarithmic time, whatever the names are.
 #pragma once
 
 #include <stdint.h>
@@ -10,28 +10,29 @@
 
 namespace cfql {
 
-// Octets that no snapshot of a sound file passes. While a snapshot is replaced there are two.
+// The most octets that a snapshot of a sound file needs. While a snapshot is replaced there are two.
 inline constexpr size_t snapshot_limit = 16U << 20;
 
 class Snapshot {
   public:
-    // Takes the state that the transaction open on STORE sees. Objects and values whose checksum is wrong are left out.
-    // After a failure the snapshot is empty.
+    // Loads the state that the open transaction of `store` sees. Objects and values whose checksum is wrong are left
+    // out. After a failure the snapshot is empty.
     Status load(Database& store);
 
     // Forgets everything, overwriting it.
     void clear();
     void swap(Snapshot& other);
 
-    // The value of KEY of the first object of that name. VALUE is valid until the snapshot changes, and a NUL follows.
+    // The value of `key` of the first object of that name. `value` is valid until the snapshot changes, and is followed
+    // by a NUL.
     bool get(Text table, Text object, Text key, Text& value) const;
 
-    // The name of the next object of TABLE, in order of insertion, that carries every pair of FILTER. POSITION is 0 at
-    // first. NAME is valid until the snapshot changes, and a NUL follows.
+    // The name of the next object of `table`, in order of insertion, that has every pair of `filter`. `position` is 0
+    // at first. `name` is valid until the snapshot changes, and is followed by a NUL.
     bool next(Text table, const cfqlquery_node* filter, size_t& position, Text& name) const;
 
   private:
-    // Texts are offsets into texts_, each with a NUL behind it; a value follows its key.
+    // Texts are offsets into texts_, each followed by a NUL; a value follows its key.
     struct Object {
         uint32_t table;
         uint32_t name;
@@ -46,8 +47,8 @@ class Snapshot {
     };
 
     Status collect(Database& store);
-    bool take(const Row& row);
-    bool take_object(const Row& row);
+    bool add_row(const Row& row);
+    bool add_object(const Row& row);
     bool add_text(Text text);
     bool sort();
     static int compare(const void* left, const void* right, void* snapshot);
@@ -66,12 +67,12 @@ class Snapshot {
 
     Array<char> texts_;
     Array<Object> objects_;        // in order of insertion
-    Array<Attribute> attributes_;  // of one object together, in octet order of their keys
+    Array<Attribute> attributes_;  // those of an object together, in octet order of their keys
     Array<uint32_t> sorted_;       // the objects in order of table, name, insertion
     int64_t last_id_ = 0;
-    // What get() found last: each the first object of its name. 0 always is.
+    // The objects that get() found last, each the first of its name, as object 0 always is.
     mutable uint32_t recent_[8] = {};
-    mutable size_t place_ = 0;  // of the attribute that find() found last, among those of its object
+    mutable size_t place_ = 0;  // position of the attribute that find() found last, among those of its object
 };
 
 }  // namespace cfql

@@ -1,4 +1,4 @@
-// What a text of the store may be.
+// Limits of the store's texts.
 #pragma once
 
 #include <stddef.h>
@@ -13,8 +13,8 @@ inline constexpr size_t value_limit = 4096;        // octets of a value; at leas
 inline constexpr Text singleton_table = "system";  // the table whose object has the empty name
 inline constexpr Text name_key = "name";           // stands for an object's name in lists, so no attribute may have it
 
-// Why a text is refused, as one line that names the rule, or null when it is allowed. An object is allowed or refused
-// for its table. All of them refuse a NUL among the octets.
+// Why a text is refused, as one line that names the rule, or null if it is allowed. Whether an object's name is allowed
+// depends on the table. All of them refuse a NUL among the octets.
 const char* table_error(Text table);
 const char* object_error(Text table, Text object);
 const char* key_error(Text key);

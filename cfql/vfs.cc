@@ -19,19 +19,20 @@ constexpr char name[] = "cfql";
 sqlite3_vfs* under = nullptr;  // the system's
 sqlite3_vfs own;
 
-// Where our copy of a file's methods lies: behind what the system's VFS wants for a file.
+// The offset of our copy of a file's methods: after the memory that the system's VFS needs for a file.
 size_t methods_offset() {
     constexpr size_t alignment = alignof(sqlite3_io_methods);
     return (static_cast<size_t>(under->szOsFile) + alignment - 1) / alignment * alignment;
 }
 
-// The system's VFS opens a FIFO and waits for ever for its other end. Checking the path first is not enough: the file
-// may be exchanged before it is opened. So while one of ours is opened, that VFS calls open() through here.
+// The system's VFS would open a FIFO and wait for ever for its other end. Checking the path first is not enough,
+// because the file may be swapped before it is opened. So while a file of ours is opened, that VFS calls open() through
+// here.
 using OpenCall = int (*)(const char* path, int flags, int mode);
 constexpr char open_call[] = "open";
 
 pthread_mutex_t opening = PTHREAD_MUTEX_INITIALIZER;
-const char* ours = nullptr;  // the path, by its address; files of other users of SQLite pass
+const char* ours = nullptr;  // our path, compared by address; other users' files pass through
 OpenCall next_open = nullptr;
 
 int open_regular(const char* path, int flags, int mode) {

@@ -1,11 +1,11 @@
-// The file system as SQLite sees it when it opens a store.
+// The file system that SQLite sees when it opens a store.
 #pragma once
 
 namespace cfql {
 
-// The name of a VFS of our own, which never becomes the default: the system's, without what a store has no use for and
-// what a foreign hand could lay beside it. It opens regular files alone, stores and journals; there is no write-ahead
-// log and no shared memory. Null when SQLite cannot take it.
+// The name of our own VFS, which never becomes the default. It is the system's, restricted to what a store needs, so
+// that files planted beside a store do no harm: it opens only regular files, stores and journals, and has no
+// write-ahead log and no shared memory. Null if SQLite cannot register it.
 const char* vfs_name();
 
 }  // namespace cfql

@@ -13,7 +13,7 @@ namespace cfql {
 namespace {
 
 constexpr int64_t second = 1000000000;
-constexpr int64_t settling = 3 * second;  // file systems stamp in steps of up to 2 s, and a tick late
+constexpr int64_t settling = 3 * second;  // time stamps have steps of up to 2 s, and may be a tick late
 
 int64_t time_of(clockid_t clock) {
     struct timespec now;
@@ -21,7 +21,7 @@ int64_t time_of(clockid_t clock) {
     return int64_t{now.tv_sec} * second + now.tv_nsec;
 }
 
-// False when it cannot be read.
+// False if it cannot be read.
 bool read_counter(const char* path, uint32_t& counter) {
     const int file = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (file < 0) return false;
@@ -49,7 +49,7 @@ Watch::Finding Watch::check(const char* path) {
     return may_settle_ ? Finding::changed : Finding::same;
 }
 
-// A stamp may then come a second time. Less than a second does not matter to what has settled.
+// After a step back, a later change may get an earlier stamp again. Less than a second cannot hurt a settled load.
 bool Watch::clock_stepped_back(int64_t wall) {
     const int64_t advance = wall - time_of(CLOCK_MONOTONIC_COARSE);
     const bool stepped = advance < advance_ - second;
