@@ -1,6 +1,6 @@
-// Families of column accessors, over a row as the agent holds it: a heap copy, its data context.
+// Families of column accessors. They work on a row as the agent holds it: a heap copy, its data context.
 //
-// A family that copies keeps one static buffer for each column.
+// A family that copies has a static buffer for each column.
 #pragma once
 
 #include <stdint.h>
@@ -74,7 +74,7 @@ void* fixed_octets(void* row, size_t* length) {
     return octets;
 }
 
-// The same integer for every row. The member tells the column from others with the same constant.
+// The same integer for every row. The member distinguishes columns that have the same constant.
 template <auto member, uint32_t constant>
 void* constant_word(size_t* length) {
     static uint32_t value = constant;
@@ -82,7 +82,7 @@ void* constant_word(size_t* length) {
     return &value;
 }
 
-// The same octets for every row, copied: a text without its terminator. The member as above.
+// The same octets for every row, copied: a text without its terminator. The member is as above.
 template <auto member, size_t size>
 void* constant_octets(const char (&text)[size], size_t* length) {
     static uint8_t octets[128];
@@ -109,7 +109,7 @@ int store_octets(void* row, const void* value) {
     return no_error;
 }
 
-// For every column of a table with rows: the configuration cannot be changed from the network.
+// For every column of a table with rows: the configuration cannot be changed over the network.
 inline int refuse_write() {
     return not_writable;
 }

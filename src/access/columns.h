@@ -1,5 +1,5 @@
 // A column's line in its table's list: number, name, type of the answer, and the keys of the store that its value comes
-// from. The routines have the column's name.
+// from. The column's routines are found by its name.
 #pragma once
 
 #include <span>
@@ -29,18 +29,18 @@ inline constexpr std::span<const StoreKey> no_key;
 #define ALWAYS_ANSWERED(number, name, type, key) \
     { number, Type::type, Answered::always, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 
-// Answered on request only. Also for a column that accepts a SET.
+// Answered only with "dot11Answers complete". Also for a column that accepts a SET.
 #define COMPLETE_ONLY(number, name, type, key) \
     { number, Type::type, Answered::complete_only, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 #define COMPLETE_ONLY_WRITE(number, name, type, key) \
     { number, Type::type, Answered::complete_only, false, #name, keys_of(key), get_##name, check_##name, set_##name }
 
-// Never answered, for its record does not hold what a manager would understand. Also for columns that accept a SET.
+// Never answered, because its record does not hold what a manager expects. Also for a column that accepts a SET.
 #define NOT_ANSWERED(number, name, type, key) \
     { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, nullptr, nullptr }
 #define NOT_ANSWERED_WRITE(number, name, type, key) \
     { number, Type::type, Answered::never, false, #name, keys_of(key), get_##name, check_##name, set_##name }
 
-// Quirk: not answered; a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
+// Quirk: never answered; a SET is checked, and then ACTION and UNDO end the handler as a GET does: nothing is written.
 #define CHECKED_ONLY(number, name, type, key) \
     { number, Type::type, Answered::never, true, #name, keys_of(key), get_##name, check_##name, set_##name }

@@ -12,7 +12,7 @@ using Row = DsssRow;
 extern "C" {
 void* get_dot11CurrentChannel(void* row, size_t* length) { return word<&Row::dot11CurrentChannel>(row, length); }
 
-// Quirk: the same for every row, energy detect only (1).
+// Quirk: energy detect only (1), for every row.
 void* get_dot11CCAModeSupported(void*, size_t* length) { return constant_word<&Row::dot11CCAModeSupported, 1>(length); }
 void* get_dot11CurrentCCAMode(void* row, size_t* length) { return word<&Row::dot11CurrentCCAMode>(row, length); }
 void* get_dot11EDThreshold(void* row, size_t* length) { return word<&Row::dot11EDThreshold>(row, length); }

@@ -1,5 +1,4 @@
-// dot11PhyERPTable (1.2.840.10036.4.14): no row stands behind it, and a walk finds none. A SET is accepted and stored
-// nowhere.
+// dot11PhyERPTable (1.2.840.10036.4.14): it has no rows. A SET is accepted, and its value is discarded.
 #pragma once
 
 #include <stddef.h>
@@ -7,7 +6,7 @@
 
 namespace dot11 {
 
-// A row lives as long as the SET that makes it. All are TruthValues (RFC 2579).
+// A row lives as long as the SET that creates it. All columns are TruthValues (RFC 2579).
 struct ErpRow {
     int32_t dot11ERPPBCCOptionImplemented;
     int32_t dot11ERPBCCOptionEnabled;

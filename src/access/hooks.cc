@@ -22,7 +22,7 @@ namespace dot11 {
 
 uint32_t dot11WEPKeyMappingIndexMax;
 
-// The hooks of a table with rows; Walk is one of those of iterator.h.
+// The hooks of a table with rows; Walk is one of the walks in iterator.h.
 #define TABLE_WITH_ROWS(table, Walk)                                                                       \
     static Walk table##_walk;                                                                              \
     netsnmp_variable_list* table##_get_first_data_point(void** loop_context, void** data_context,          \

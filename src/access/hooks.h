@@ -1,4 +1,4 @@
-// The routines by which the agent's table iterator walks each table, and by which the handler makes and ends rows.
+// The routines by which the agent's table iterator walks each table, and by which the handler creates and commits rows.
 #pragma once
 
 #include <stdint.h>
@@ -10,13 +10,13 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// A row for index values that the table does not have: a heap block that the caller frees, or null.
+// A new row for index values that the table does not have: a heap block that the caller frees, or null.
 using CreateRow = void*(netsnmp_variable_list* indexes);
 
-// Ends the SET of a row. 0.
+// Ends the SET of a row. Returns 0.
 using CommitRow = int(void** row, int is_new);
 
-// How many rows SETs of dot11WEPKeyMappingsTable have had made so far. Nothing reads it back.
+// How many rows SETs of dot11WEPKeyMappingsTable have created so far. Nothing reads it.
 extern uint32_t dot11WEPKeyMappingIndexMax;
 
 Netsnmp_First_Data_Point dot11StationConfigTable_get_first_data_point;

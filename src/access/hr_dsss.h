@@ -1,4 +1,4 @@
-// dot11PhyHRDSSSTable (1.2.840.10036.4.12): no row stands behind it, and a walk finds none.
+// dot11PhyHRDSSSTable (1.2.840.10036.4.12): it has no rows.
 #pragma once
 
 #include <stddef.h>

@@ -18,7 +18,7 @@ namespace {
 constexpr int64_t quiet_seconds = 15;
 constexpr int last_of_group = 2;
 
-// The last pass of a table that has to be reloaded: longer ago than any clock says.
+// The last pass of a table that has to be reloaded: earlier than any clock's time.
 constexpr int64_t never = INT64_MIN / 2;
 
 int64_t monotonic_milliseconds() {
@@ -29,12 +29,12 @@ int64_t monotonic_milliseconds() {
 
 bool reload(const Table& table, ReloadTimes& times, RowOrder& order) {
     order = {};
-    // Read first: rows count as old as the store's contents at the beginning of the load.
+    // Taken first: the age of the rows counts from the beginning of the load.
     if (max_age != 0) times.loaded = monotonic_milliseconds();
     return table.entries() && table.table_data();
 }
 
-// Reloads the table when it has not been asked for long enough. False when that failed.
+// Reloads the table if there was no request for it for long enough. False if that fails.
 bool reload_after_silence(const Table& table, ReloadTimes& times, RowOrder& order) {
     timeval now = {};
     gettimeofday(&now, nullptr);
@@ -44,7 +44,7 @@ bool reload_after_silence(const Table& table, ReloadTimes& times, RowOrder& orde
     return true;
 }
 
-// They compare as the OIDs do, in which a negative index is a large sub-identifier.
+// Unsigned, so that they compare like OIDs, in which a negative index is a large sub-identifier.
 using Indexes = std::array<uint32_t, 2>;
 
 Indexes indexes_of(const Table& table, const void* row) {
@@ -66,8 +66,8 @@ void begin_walk(ReloadTimes& times) {
     if (max_age != 0 && monotonic_milliseconds() - times.loaded >= int64_t{max_age} * 1000) times.last_pass = never;
 }
 
-// Quirk: a walk ends where the position equals the count. A position past the count, which a reload in the middle of a
-// walk can leave, goes on with what the backend's array holds, up to its last record.
+// Quirk: a walk ends when the position equals the count. From a position past the count, which a reload in the middle
+// of a walk can leave, it goes on with what the backend's array holds, up to its last record.
 netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, RowOrder& order, uint32_t& position,
                                          void* row, netsnmp_variable_list* put_index_data) {
     if (!reload_after_silence(table, times, order)) return nullptr;

@@ -12,7 +12,7 @@
 
 namespace dot11 {
 
-// A walk's state: one static object for each table. The agent never walks a table twice at a time.
+// A walk's state: one static object for each table, because the agent never does two walks of a table at a time.
 template <class Row>
 struct LoopContext {
     uint32_t position;
@@ -21,19 +21,19 @@ struct LoopContext {
 
 // When the rows of a table are reloaded.
 struct ReloadTimes {
-    int64_t last_pass;  // seconds since the epoch, of the latest call that got past its reload
+    int64_t last_pass;  // seconds since the epoch, of the latest call whose reload, if any, succeeded
     int64_t loaded;     // milliseconds of CLOCK_MONOTONIC, of the latest load while max_age was set
 };
 
-// Whether a table's rows ascend by their indexes. Nothing is read for this: a scan that gets from the first row to the
-// end without a reload has seen all rows, and they stay as they are until the next reload.
+// Whether a table's rows ascend by their indexes. Finding out costs no reading: a scan from the first row to the end
+// without a reload has seen all rows, and they do not change before the next reload.
 struct RowOrder {
-    bool ascends;  // in the last such scan; false after a reload, and once a row does not come behind the one before
+    bool ascends;  // in the last such scan; false after a reload, and once a row does not come after the one before
     bool ascends_so_far;  // in the present scan, from the first row on
 };
 
-// The walk of a table whose rows are read as a whole: when it has not been asked for for more than 15 seconds, and when
-// the rows are older than max_age.
+// The walk of a table whose rows are all read at once: if there was no request for more than 15 seconds, or if the rows
+// are older than max_age.
 //
 // Quirk: the 15 seconds run from the latest call for the table, not from the latest reload, so that without max_age a
 // table under steady polling is not reloaded.
@@ -44,22 +44,22 @@ struct ReloadingWalk {
     RowOrder order;
 };
 
-// The walk of a table whose backend hands out one row after the other, and says with each whether its group goes on.
+// The walk of a table whose backend returns one row after the other, and says with each whether its group has more.
 template <class Row>
 struct RateWalk {
     LoopContext<Row> loop;
-    int32_t value_index = 1;  // 1: a new group begins. Quirk: a new walk leaves it as it is
+    int32_t value_index = 1;  // 1: a new group begins. Quirk: a new walk does not reset it
 };
 
-// Seconds after which rows are reloaded however often they are asked for; 0, the default: never. Such a reload happens
-// before a walk's first row only, so that the iterator's scan of a table is never disturbed by one.
+// Seconds after which rows are reloaded however often they are polled; 0, the default: never. Such a reload happens
+// only before a walk's first row, so that it never disturbs the iterator's scan of a table.
 extern uint32_t max_age;
 
-// Before a walk's first row.
+// Call it before a walk's first row.
 void begin_walk(ReloadTimes& times);
 
-// The next row of a walk, into `row`. Returns `put_index_data` with the row's index values, or null at the end and when
-// a reload failed; then the next call tries again.
+// Copies the next row of a walk into `row`. Returns `put_index_data` with the row's index values, or null at the end.
+// It is null, too, if a reload fails; then the next call tries again.
 netsnmp_variable_list* next_reloaded_row(const Table& table, ReloadTimes& times, RowOrder& order, uint32_t& position,
                                          void* row, netsnmp_variable_list* put_index_data);
 netsnmp_variable_list* next_rate(const Table& table, int32_t& value_index, uint32_t& position, void* row,
@@ -79,14 +79,14 @@ netsnmp_variable_list* next_row(const Table& table, RateWalk<Row>& walk, void* l
     return next_rate(table, walk.value_index, loop->position, &loop->row, put_index_data);
 }
 
-// Tells the agent's iterator, which may be null, whether the first row behind the one that a GETNEXT names is the next
-// one, so that it need not look at the rows behind that.
+// Tells the agent's iterator, which may be null, whether rows ascend, so that the first row after the one that a
+// GETNEXT names is the answer, and the iterator need not scan the rest.
 //
-// The answers are those of an iterator that sees all rows. It looks at the flag after each row, and counts the requests
-// that the row answers. While rows ascend none answers a request better than the first that does, neither in this scan
-// nor in the one that follows when another request of the message goes on to the next column; so each is counted once
-// at most. After a reload no request is counted before a scan has seen all rows. A GET does not look at the flag. The
-// tables of rates, whose cache counts its calls, never set it.
+// The answers are the same as if the iterator scanned all rows. It checks the flag after each row, and counts the
+// requests that the row answers. While rows ascend, no row answers a request better than the first that does, neither
+// in this scan nor in the next one, which another request of the message may cause by moving on to the next column; so
+// each request is counted at most once. After a reload, no request is counted before a scan has seen all rows. A GET
+// does not check the flag. The tables of rates, whose cache counts its calls, never set it.
 template <class Row>
 void tell_order(const ReloadingWalk<Row>& walk, netsnmp_iterator_info* iterator) {
     if (!iterator) return;

@@ -19,7 +19,7 @@ void* get_dot11FragmentationThreshold(void* row, size_t* length) { return word<&
 void* get_dot11MaxTransmitMSDULifetime(void* row, size_t* length) { return word<&Row::dot11MaxTransmitMSDULifetime>(row, length); }
 void* get_dot11MaxReceiveLifetime(void* row, size_t* length) { return word<&Row::dot11MaxReceiveLifetime>(row, length); }
 
-// Quirk: the access point's own, whatever the store says.
+// Quirk: a fixed text, whatever the store says.
 void* get_dot11ManufacturerID(void*, size_t* length) { return constant_octets<&Row::dot11ManufacturerID>("Vantorix", length); }
 void* get_dot11ProductID(void*, size_t* length) { return constant_octets<&Row::dot11ProductID>("Quillnet AP", length); }
 

@@ -18,7 +18,7 @@ void* get_dot11WEPKeyMappingValue(void* row, size_t* length) { return fixed_octe
 // Quirk: a row is active (1), whatever was written.
 void* get_dot11WEPKeyMappingStatus(void*, size_t* length) { return constant_word<&Row::dot11WEPKeyMappingStatus, 1>(length); }
 
-// Quirk: ends before the first zero octet, so an address that holds one is cut short, 00:11:22:33:44:55 to nothing.
+// Quirk: ends before the first zero octet, so an address that has one is cut short: 00:11:22:33:44:55 to nothing.
 void* get_dot11WEPKeyMappingAddress(void* row, size_t* length) {
     void* octets = fixed_octets<&Row::dot11WEPKeyMappingAddress, 6>(row, length);
     *length = strlen(static_cast<const char*>(octets));

@@ -1,5 +1,4 @@
-// dot11WEPKeyMappingsTable (1.2.840.10036.1.4): no row stands behind it, and a walk finds none. A SET is accepted and
-// stored nowhere.
+// dot11WEPKeyMappingsTable (1.2.840.10036.1.4): it has no rows. A SET is accepted, and its value is discarded.
 #pragma once
 
 #include <stddef.h>
@@ -7,7 +6,7 @@
 
 namespace dot11 {
 
-// A row lives as long as the SET that makes it.
+// A row lives as long as the SET that creates it.
 struct WEPKeyMappingsRow {
     uint32_t ifIndex;  // room for the index values, never set
     uint32_t dot11WEPKeyMappingIndex;

@@ -1,4 +1,4 @@
-// The tables as the agent gets them.
+// The tables as they are registered with the agent.
 #pragma once
 
 #include <stdint.h>
@@ -9,8 +9,8 @@
 
 namespace dot11 {
 
-// What a SET meets for a row that the table does not have. Refused: 11 (noCreation). Created: by the table's hook.
-// Throwaway: a row of zeroes for this SET alone.
+// What happens to a SET of a row that the table does not have. Refused: 11 (noCreation). Created: by the table's hook.
+// Throwaway: it gets a row of zeroes for this SET alone.
 enum class MissingRow : uint8_t { refused, created, throwaway };
 
 struct AgentTable {

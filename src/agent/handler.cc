@@ -12,14 +12,14 @@ bool complete_answers = false;
 
 namespace {
 
-// What one phase of a request works on.
+// One phase of a request, and what it works on.
 struct Phase {
     const AgentTable& table;
     netsnmp_agent_request_info* info;
     Keys keys;
 };
 
-// What comes after a request: nothing, for the handler ends; or the next request of the list.
+// What comes after a request: nothing, if the handler ends, or the next request of the list.
 enum class Next : bool { nothing, request };
 
 void fail(const Phase& phase, netsnmp_request_info* request, int status) {
@@ -84,8 +84,8 @@ Next get(const Phase& phase, netsnmp_request_info* request, void* row, const Col
     return Next::request;
 }
 
-// Makes the commit record of a SET's row: the row that the iterator found, otherwise a new one. A refused row has a
-// record too, of a throwaway row.
+// Makes the commit record of a SET's row: the row that the iterator found, or a new one. A refused row gets a record,
+// too, with a throwaway row.
 void reserve(const Phase& phase, netsnmp_request_info* request, void* row, netsnmp_variable_list* indexes) {
     if (!begin_set(phase.info)) return fail(phase, request, SNMP_ERR_RESOURCEUNAVAILABLE);
     if (find_commit_record(phase.keys.row)) return;
@@ -132,16 +132,16 @@ Next write(const Phase& phase, netsnmp_request_info* request, const CommitRecord
     return Next::request;
 }
 
-// Once for each row, however many of its columns the request sets. There is nothing to do if another table of the PDU
-// has emptied the stores.
+// Commits a row once, however many of its columns the request sets. Does nothing if another table of the PDU has
+// emptied the stores.
 void commit(const Phase& phase, CommitRecord* record) {
     if (!record || record->committed) return;
     phase.table.hooks.commit_row(&record->row, record->is_new);
     record->committed = 1;
 }
 
-// Writes the old value back and returns the status to report. It is a failure if nothing was saved, or if another table
-// of the PDU has emptied the stores. Only the tables that refuse missing rows report the write accessor's own status.
+// Writes the old value back and returns the status to report. Fails if nothing was saved, or if another table of the
+// PDU has emptied the stores. Only tables that refuse missing rows report the write accessor's own status.
 int restore_value(const Phase& phase, const CommitRecord* record, const Column& column) {
     const UndoRecord* undo = find_undo_record(phase.keys.request);
     if (!record || !undo || !undo->value) return SNMP_ERR_UNDOFAILED;
@@ -220,7 +220,7 @@ bool ends_set(int mode) {
 
 }  // namespace
 
-// Quirk: both keys come from the first request of the list and serve for all of them, whatever rows and columns they
+// Quirk: both keys come from the first request of the list and are used for all of them, whatever rows and columns they
 // name.
 int handle_requests(const AgentTable& table, netsnmp_agent_request_info* info, netsnmp_request_info* requests) {
     Phase phase = {table, info, {}};

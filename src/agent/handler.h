@@ -1,11 +1,11 @@
-// The mode machine behind every table's handler.
+// The handler of all tables, a state machine over the phases of a request.
 #pragma once
 
 #include "agent/catalogue.h"
 
 namespace dot11 {
 
-// Whether a GET is answered for what is `complete_only` too, and no column ends the handler of a GET. Off by default.
+// Whether GETs of `complete_only` columns are answered, too, and no column ends the handling of a GET. Off by default.
 extern bool complete_answers;
 
 // Answers one phase of a request for all its varbinds in this table. Always SNMP_ERR_NOERROR: errors are attached to

@@ -41,7 +41,7 @@ void register_table(const AgentTable& table) {
         table.facts.name, table.handler, table.root.data(), table.root.size(), HANDLER_CAN_RWRITE);
     if (info && iterator && registration) {
         describe(table, info, iterator);
-        // From here on the agent owns all three, also when it refuses a table that is registered already.
+        // From here on the agent owns all three, even if it refuses a table that is already registered.
         if (netsnmp_register_table_iterator(registration, iterator) == MIB_REGISTERED_OK) serves = true;
         return;
     }

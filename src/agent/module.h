@@ -1,4 +1,4 @@
-// The module's entry, and the registration and the request handler of every table.
+// The module's entry point, and the registration and the request handler of every table.
 #pragma once
 
 #include "agent/catalogue.h"
@@ -8,8 +8,8 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Called by the agent that has loaded the module, again at each SIGHUP: registers the tables, and the options if the
-// agent has a table of this copy. A table that fails is left out.
+// The agent calls it when it has loaded the module, and again at each SIGHUP. Registers the tables, and the options if
+// the agent has a table of this copy. A table that cannot be registered is left out.
 void init_ieee802dot11(void);
 
 using InitializeTable = void(void);
@@ -53,7 +53,7 @@ Netsnmp_Node_Handler dot11PhyERPTable_handler;
 }
 #pragma GCC visibility pop
 
-// Registers the table with the agent. When out of memory it is left out, with a line in the agent's log.
+// Registers the table with the agent. When out of memory, logs a line and leaves the table out.
 void register_table(const AgentTable& table);
 
 }  // namespace dot11

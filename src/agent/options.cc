@@ -13,12 +13,12 @@ constexpr char answers_values[] = "standard | complete";
 constexpr char max_age_values[] = "SECONDS, 1 to 3600";
 constexpr long longest_age = 3600;
 
-// The agent itself tells of a line without a value.
+// The agent itself logs a line without a value.
 void warn(const char* token, const char* line, const char* values) {
     if (*line) netsnmp_config_warn("%s must be %s", token, values);
 }
 
-// The line's only word, into `word`. False for none, for more, and for one that does not fit.
+// Copies the line's only word into `word`. False if there is none, or more than one, or if it does not fit.
 template <size_t size>
 bool only_word(const char* line, char (&word)[size]) {
     return strlen(line) < size && !copy_nword_const(line, word, size) && *word != '\0';

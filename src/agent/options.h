@@ -1,16 +1,15 @@
-// What the operator may change in the configuration of the agent's program, in lines after the one that loads the
-// module:
+// The options that an operator may set in the agent's configuration, after the line that loads the module:
 //
 //   dot11Answers standard | complete
 //   dot11MaxAge SECONDS
 //
-// What they change is in handler.h and in access/iterator.h.
+// handler.h and access/iterator.h describe what they change.
 #pragma once
 
 namespace dot11 {
 
-// Registers the two tokens with the program that loads the module. Each time the configuration is read, they begin with
-// their defaults. A value that is none is one line in the log, and changes nothing.
+// Registers the two tokens with the agent. Each time the configuration is read, the options start from their defaults.
+// A wrong value is logged and changes nothing.
 void register_options();
 
 }  // namespace dot11

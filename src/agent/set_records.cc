@@ -45,7 +45,7 @@ void release_all() {
     }
 }
 
-// The agent calls this when a PDU is done. If another one has begun since, the records are not this one's.
+// The agent calls this at the end of a PDU. If another PDU has begun since, the records belong to that one.
 void end_pdu(void* pdu) {
     if (pdu == current_pdu) {
         release_all();
@@ -103,7 +103,7 @@ const UndoRecord* find_undo_record(const Key& request) {
 UndoRecord* make_undo_record(const void* value, size_t length) {
     auto* record = static_cast<UndoRecord*>(calloc(1, sizeof(UndoRecord)));
     if (!record) return nullptr;
-    // Padded: any column's accessor may write it back, and reads its own number of octets.
+    // Padded, because any column's accessor may write it back, and reads its own number of octets.
     record->value = calloc(1, std::max(length, max_octets_read));
     if (!record->value) {
         ieee802dot11_free_undoInfo(record);

@@ -1,9 +1,9 @@
-// What a SET keeps between its phases: the undo store and the commit store, one of each for all tables.
+// What a SET keeps between its phases: an undo store and a commit store, which all tables share.
 //
 // A record is found by the OID of the SET's first varbind. Keys begin with the table's OID, so that a table never finds
 // another one's records.
 //
-// Quirk: emptying empties both stores for all tables.
+// Quirk: emptying the stores empties them for all tables.
 //
 // Records live no longer than the PDU that made them: the agent may skip a PDU's last phase, and rows are released with
 // their PDU.
@@ -26,7 +26,7 @@ struct UndoRecord {
 struct CommitRecord {
     void* row;
     int committed;
-    int is_new;  // 1 when the row was created because the table did not have it
+    int is_new;  // 1 if the row was created because the table did not have it
 };
 
 struct Key {
@@ -42,8 +42,8 @@ struct Keys {
 
 void make_keys(std::span<const oid> root, const netsnmp_variable_list& first, Keys& keys);
 
-// To be called at each RESERVE1: the first one of a PDU finds both stores empty, and whatever the PDU allocates is
-// released at its end. False when out of memory.
+// Call it at each RESERVE1. The first call of a PDU empties both stores, and makes sure that whatever the PDU allocates
+// is released at its end. False when out of memory.
 bool begin_set(netsnmp_agent_request_info* info);
 
 // The row's commit record, or null.
@@ -59,11 +59,11 @@ const UndoRecord* find_undo_record(const Key& request);
 // A copy of a column's value, to be added or released with ieee802dot11_free_undoInfo. Null when out of memory.
 UndoRecord* make_undo_record(const void* value, size_t length);
 
-// Adds an undo record, which the store then owns. A key that has one already keeps it, and the new one is released: the
-// second column of a row shares the first one's record.
+// Adds an undo record, which the store then owns. If the key already has one, the new one is released: the second
+// column of a row shares the first one's record.
 void add_undo_record(const Key& request, UndoRecord* record);
 
-// Empties both stores. Undo records are released, commit records and rows not before the end of the PDU.
+// Empties both stores. Undo records are released at once, commit records and rows at the end of the PDU.
 void empty_stores();
 
 #pragma GCC visibility push(default)

@@ -1,4 +1,4 @@
-// The way from an interface to its radio: the interface names its BSS, the BSS its radio.
+// From an interface to its radio: the interface names its BSS, and the BSS its radio.
 #pragma once
 
 #include <stdint.h>
@@ -27,7 +27,7 @@ bool find_radio_of_bss(ScratchText& bss, ScratchText& radio, Find find = find_va
 bool find_value_of_radio(ScratchText& radio, const StoreKey& key, ScratchText& value);
 
 // Follows an interface's answer for "bss" to the name of the BSS's radio, which is left in `radio` for the caller to
-// release. False when either link is missing.
+// release. False if either link is missing.
 bool find_radio(const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio, Find find = find_value);
 
 // A text of the radio behind an interface, and the field that it fills, with its length.
@@ -39,7 +39,8 @@ struct RadioText {
     uint32_t Row::*length;
 };
 
-// When the text or a link to it is missing, the row gets an empty text and the length 1, so that one octet 0 is served.
+// If the text or a link to it is missing, the row gets an empty text and the length 1, so that a single zero octet is
+// served.
 template <class Row, uint32_t size>
 void read_radio_text(Row& row, const cfqlquery_node* bss_answer, ScratchText& bss, ScratchText& radio,
                      const RadioText<Row, size>& key, Find find = find_value) {
@@ -50,8 +51,8 @@ void read_radio_text(Row& row, const cfqlquery_node* bss_answer, ScratchText& bs
         row.*key.length = move_text(*key.scratch, text, size);
 }
 
-// Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 when the interface has
-// no BSS or the BSS no radio, `out_of_memory` when a text cannot be allocated.
+// Writes a number under `key` of the radio behind an interface. Returns setTableData's result, 0 if the interface has
+// no BSS or the BSS no radio, `out_of_memory` if a text cannot be allocated.
 int32_t write_radio_number(uint32_t interface_index, const StoreKey& key, uint32_t value, int32_t out_of_memory);
 
 }  // namespace dot11

@@ -7,7 +7,7 @@
 
 namespace dot11 {
 
-// Net-SNMP's rule for RowStatus (RFC 2579): 0 or an error-status. Declared here because nothing else of the agent's is
+// Net-SNMP's rule for RowStatus (RFC 2579): 0 or an error-status. Declared here, because nothing else of the agent is
 // needed.
 extern "C" char check_rowstatus_transition(int old_status, int new_status);
 
@@ -31,7 +31,7 @@ int32_t number_at(const void* value) {
     return number;
 }
 
-// A rule: the type that it is for, and the error that it finds in a value of that type.
+// A rule: the type that it applies to, and the error that it finds in a value of that type.
 
 struct Any {
     static constexpr int type = integer;
@@ -59,7 +59,7 @@ struct Octets {
 
 struct OneOf {
     static constexpr int type = integer;
-    uint32_t members;  // bit n: the number n is one of them
+    uint32_t members;  // bit n is set if the number n is one of them
 
     constexpr explicit OneOf(auto... numbers) : members(((uint32_t{1} << numbers) | ...)) {}
 

@@ -1,14 +1,14 @@
 // Whether a value that a manager wants to SET is acceptable for its column: one check for every writable column, and
 // after it a site check, `check_<column>_local`, for rules of this access point beyond those of the MIB.
 //
-// All have one signature:
+// All have the same signature:
 //
 //   type         ASN.1 tag of the value sent: 2 INTEGER, 4 OCTET STRING
 //   value        the value sent; refused when null. An INTEGER is a 32-bit integer in the machine's byte order, which
 //                may be unaligned
 //   length       the number of octets of an OCTET STRING; ignored for an INTEGER
-//   old_value    the column's present value, null when there is none; used for row-status columns only: a 32-bit
-//                integer, taken as 0 (no such row) when null or shorter
+//   old_value    the column's present value, null if there is none; used only for row-status columns: a 32-bit
+//                integer, taken as 0 (no such row) if null or shorter
 //   old_length   its length in bytes
 //
 // The result is an SNMP error-status (RFC 3416, section 3), decided in this order:
@@ -17,8 +17,9 @@
 //   7  wrongType            not the column's type
 //   10 wrongValue           a number out of range, or a wrong length
 //   12 inconsistentValue    a number outside an enumeration. Quirk: not 10
-//   any                     row-status columns: what Net-SNMP's check_rowstatus_transition says of old and new status
-//   any                     the result of check_<column>_local, called for accepted values only; 0 for all of them
+//   any                     row-status columns: the result of Net-SNMP's check_rowstatus_transition for old and new
+//   status any                     the result of check_<column>_local, which is called only for accepted values; all
+//   return 0
 //
 // The checks have no state. Some belong to columns of tables that are not served.
 #pragma once

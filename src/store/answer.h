@@ -1,4 +1,4 @@
-// An answer of the configuration store, and the single-key lookup in it.
+// An answer of the configuration store, and the lookup of a single key in it.
 #pragma once
 
 #include <stdint.h>
@@ -8,21 +8,21 @@
 
 namespace dot11 {
 
-// A value taken out of an answer: a heap copy and its length in octets, without the terminator. Global, one for each
-// key of a backend; the copy lives from the lookup to the conversion that releases it.
+// A value copied from an answer: a heap copy and its length in octets, without the terminator. There is a global one
+// for each key of a backend; the copy lives from the lookup to the conversion that releases it.
 struct ScratchText {
     char* text;
     uint32_t length;
 };
 
-// A key of the store: in which table's objects it stands, and its name. Arrays, not pointers: the dynamic linker then
-// has nothing to do for a key.
+// A key of the store: the table whose objects have it, and its name. Arrays, not pointers, so that keys need no
+// relocations.
 struct StoreKey {
     char table[15];
     char name[39];
 };
 
-// Returns the list of a get call to the store at the end of the scope.
+// Owns the list of a get call, and releases it at the end of the scope.
 class Answer {
   public:
     Answer(const StoreKey& key, const char* object) : Answer(key.table, object, key.name) {}
@@ -37,16 +37,16 @@ class Answer {
     cfqlquery_node* list_;
 };
 
-// Whether the answer's first node is `key`, of whatever table, with a value that is not empty; then `scratch` holds a
-// copy of it, which the caller releases with `release`. Later nodes never count. A null answer leaves `scratch`
-// as it is; any other answer first sets the length to 0. When out of memory the key counts as not found.
+// Whether the answer's first node is `key`, of whatever table, with a value that is not empty. If so, `scratch` holds a
+// copy of it, which the caller releases with `release`. Later nodes never count. A null answer leaves `scratch` as it
+// is; any other answer first sets the length to 0. When out of memory, the key counts as not found.
 bool find_value(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
-// As find_value, for the first of `keys` that the answer has.
+// Like find_value, for the first of `keys` that the answer has.
 bool find_value_of_any(const cfqlquery_node* list, std::span<const StoreKey> keys, ScratchText& scratch);
 
-// As find_value, but without setting the length to 0 first: once found, a later answer with another key still counts as
-// found, as long as the text has not been released.
+// Like find_value, but without first setting the length to 0: after a key was found, an answer with another key still
+// counts as found, as long as the text has not been released.
 bool find_value_or_last(const cfqlquery_node* list, const StoreKey& key, ScratchText& scratch);
 
 // Copies the first node's value into `scratch`, whatever its tag. A null value counts as empty. False when out of

@@ -28,7 +28,7 @@ char* copy_of(const char* text) {
 const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, int32_t* counter) {
     for (; list; list = list->next) {
         if (!is_served(*list)) continue;
-        // The 129th name is stored too: the count of 129 is what makes the entries routine refuse.
+        // The 129th name is stored, too: a count of 129 makes the entries routine refuse.
         if (*counter < 0 || *counter > static_cast<int32_t>(max_interfaces)) continue;
         if (if_nametoindex(list->value) == 0) continue;
         char* slot = iface_tags[*counter];
@@ -41,7 +41,7 @@ const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, i
 int enumerate_interfaces(int32_t& counter) {
     char* type = copy_of("type");
     char* service_set = copy_of("service-set");
-    // Quirk: out of memory, the query is made all the same, without its filter.
+    // Quirk: when out of memory, the query is made all the same, without its filter.
     cfqlquery_node filter = {};
     if (type && service_set) filter = {type, service_set, nullptr, 0};
     cfqlquery_node* answer = cfqlquery_get_grid("interface", nullptr, nullptr, &filter, 1);

@@ -1,4 +1,4 @@
-// The wireless interfaces that the configuration store lists and the running system has.
+// The wireless interfaces that the configuration store lists and that exist in the running system.
 #pragma once
 
 #include <stddef.h>
@@ -16,9 +16,10 @@ constexpr size_t longest_interface_name = 5;  // characters; interfaces of longe
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Names of the interfaces found by the latest entries routine of any table, NUL-terminated, from slot 0. Row i of a
-// table belongs to slot i. Valid only between a table's own entries routine and the end of its fill: every table writes
-// the same slots. One slot more than a table serves: the 129th name is stored before the enumeration is refused.
+// The names, NUL-terminated, of the interfaces that the latest entries routine of any table found. Row i of a table
+// belongs to slot i. Valid only between a table's own entries routine and the end of its fill, because all tables write
+// to the same slots. There is one slot more than a table serves, because the 129th name is stored before the
+// enumeration is refused.
 extern char iface_tags[max_interfaces + 1][iface_tag_size];
 
 // Appends to iface_tags, at slot `*counter` and up, the values of all "name" nodes that have at most 5 characters and
@@ -29,7 +30,7 @@ const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* ta
 #pragma GCC visibility pop
 
 // Enumerates the wireless interfaces ("interface" objects with "type" = "service-set") into iface_tags and counts them.
-// Returns 1 for 1 to 128 of them, otherwise 0.
+// Returns 1 if there are 1 to 128 of them, otherwise 0.
 int enumerate_interfaces(int32_t& counter);
 
 // How many names a fill may take: a refused enumeration leaves a count of 129.

@@ -1,4 +1,4 @@
-// Writing single keys into the configuration store. No SNMP request comes here: the column accessors refuse.
+// Writing single keys into the configuration store. No SNMP request gets here, because the column accessors refuse.
 #pragma once
 
 #include <net/if.h>
@@ -13,15 +13,15 @@ namespace dot11 {
 #pragma GCC visibility push(default)
 extern "C" {
 
-// Writes one key of one object. Returns 0 when the store has accepted it (its status 1) and 1 for every other status.
+// Writes one key of one object. Returns 0 if the store accepts it (its status 1), and 1 for every other status.
 //
 // Quirk: when out of memory nothing is written, and the result is 0 as well.
 int32_t setTableData(const char* table, const char* object, const char* key, const char* value);
 }
 #pragma GCC visibility pop
 
-// The name of the interface with a given index, in a heap buffer released at the end of the scope. Empty when
-// the system has no such interface; the store then refuses the write. `text()` is null when out of memory.
+// The name of the interface with a given index, in a heap buffer that is released at the end of the scope. Empty if the
+// system has no such interface; the store then refuses the write. `text()` is null when out of memory.
 class InterfaceName {
   public:
     explicit InterfaceName(uint32_t index);
@@ -35,10 +35,10 @@ class InterfaceName {
     char* text_;
 };
 
-// setTableData with the decimal text of `value`. Returns `out_of_memory` when the text cannot be allocated.
+// Calls setTableData with the decimal text of `value`. Returns `out_of_memory` if the text cannot be allocated.
 int32_t write_number(const StoreKey& key, const char* object, uint32_t value, int32_t out_of_memory);
 
-// write_number on the object of the interface with that index.
+// Calls write_number for the object of the interface with that index.
 int32_t write_interface_number(uint32_t index, const StoreKey& key, uint32_t value, int32_t out_of_memory);
 
 }  // namespace dot11

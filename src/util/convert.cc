@@ -20,7 +20,7 @@ enum class Component { stored, not_a_number, refused };
 
 // Converts the `length` characters of one component.
 //
-// Quirk: a number of which no bit is left in the byte must end in "0", which accepts 1280 and refuses 256.
+// Quirk: a number whose lowest 8 bits are 0 must end in "0": 1280 is accepted, 256 refused.
 Component convert_component(const char* text, size_t length, uint8_t* byte) {
     char token[24];
     if (length == 0 || length >= sizeof token) return Component::refused;
@@ -193,7 +193,7 @@ char* ConvertToMacAddrFromString(char* text, int32_t length) {
         *end++ = text[i];
     }
     *end = '\0';
-    // Not up to the end: a NUL among the characters ends the copy too.
+    // strlen, because a NUL among the characters ends the copy, too.
     return static_cast<char*>(memcpy(text, rewritten, strlen(rewritten) + 1));
 }
 

@@ -1,4 +1,4 @@
-// error-status of SNMP (RFC 3416, section 3), as far as checks and accessors answer it.
+// The values of SNMP's error-status (RFC 3416, section 3) that checks and accessors return.
 #pragma once
 
 namespace dot11 {

@@ -1,4 +1,4 @@
-// The one place that includes the agent's headers: they compile in this order only.
+// The only place that includes the agent's headers: they compile only in this order.
 #pragma once
 
 // clang-format off

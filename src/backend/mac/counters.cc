@@ -16,7 +16,7 @@ using Row = CountersRow;
 
 int32_t interface_count;
 
-// In the order in which they are read, which is not that of the columns.
+// In the order in which they are read, which differs from that of the columns.
 // clang-format off
 constexpr InterfaceKey<Row> counts[] = {
     {key::transmitted_fragment_count, &cnt_info.transmitted_fragment, &Row::dot11TransmittedFragmentCount, parse_non_negative, 0},
@@ -39,7 +39,7 @@ constexpr InterfaceKey<Row> counts[] = {
 void fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);
     read_interface_keys(row, interface, counts);
-    read_interface_key(row, interface, counts[0]);  // Quirk: once more, to refresh it at the end of the row
+    read_interface_key(row, interface, counts[0]);  // Quirk: read once more at the end of the row, to refresh it
 }
 
 }  // namespace

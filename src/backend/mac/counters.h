@@ -1,4 +1,4 @@
-// dot11CountersTable: one row for each wireless interface, with the counters that the platform keeps in the store.
+// dot11CountersTable: one row for each wireless interface, with the counters from the store.
 #pragma once
 
 #include <stddef.h>

@@ -35,8 +35,8 @@ constexpr RadioText<Row, sizeof Row::dot11ManufacturerID> identifiers[] = {
 };
 // clang-format on
 
-// The names of this table's BSS and radio are looked up with find_value_or_last: their scratch lengths are never set
-// back. A name is released as soon as it has been used, so nothing of an earlier row is found again.
+// The names of this table's BSS and radio are looked up with find_value_or_last, so their scratch lengths are never
+// reset. A name is released as soon as it has been used, so nothing of an earlier row is found again.
 bool find_bss_or_last(const cfqlquery_node* bss_answer) {
     return find_value_or_last(bss_answer, key::bss, oper_info.bss);
 }
@@ -68,7 +68,7 @@ void read_identifiers(Row& row, const cfqlquery_node* bss_answer) {
         read_radio_text(row, bss_answer, oper_info.bss, oper_info.radio, identifier, find_value_or_last);
 }
 
-// Each answer for "bss" is asked for again, and returned when the values behind it have been read. False when out of
+// Asks for "bss" again each time, and releases the answer when the values behind it have been read. False when out of
 // memory; what was read until then stays.
 bool fill_row(Row& row, const char* interface) {
     row.ifIndex = if_nametoindex(interface);

@@ -17,9 +17,9 @@ inline constexpr StoreKey manufacturer_product_version = {"radio", "manufacturer
 
 struct ResourceInfoRow {
     uint32_t ifIndex;
-    uint8_t dot11manufacturerOUI[8];  // the stored text as it is, such as "00:10:18"
+    uint8_t dot11manufacturerOUI[8];  // the stored text unchanged, such as "00:10:18"
     uint32_t dot11manufacturerOUILen;
-    char dot11manufacturerName[256];  // this and the next two NUL-terminated
+    char dot11manufacturerName[256];  // NUL-terminated, like the next two
     uint32_t dot11manufacturerNameLen;
     char dot11manufacturerProductName[256];
     uint32_t dot11manufacturerProductNameLen;

@@ -17,7 +17,7 @@ constexpr int max_lines = 1024;
 // Room for a value behind an '=' that is the last character of the longest line.
 using Line = char[line_size + max_value_size];
 
-// fopen waits for the writer of a FIFO. Only the kernel makes files where the driver's are, so none can be swapped
+// fopen waits for the writer of a FIFO. Only the kernel creates files in the driver's directory, so none can be swapped
 // between this check and the opening. A path that cannot be checked is left to fopen.
 bool may_block(const char* path) {
     struct stat status;

@@ -9,8 +9,8 @@ namespace dot11 {
 // the rest of the line, a terminating zero, and whatever comes then. Lines are read in pieces of up to 511 bytes, each
 // counting as a line, and only the first 1024 of them: at most half a megabyte of a file is read. `path` may be null.
 //
-// Returns 0 when there is such a line, with `destination` untouched when it has no '='. Otherwise, and for anything but
-// a regular file, which might never end or never begin, returns 1.
+// Returns 0 if there is such a line; if it has no '=', `destination` stays as it is. Returns 1 otherwise, and for
+// anything but a regular file, which might block or never end.
 int read_driver_value(const char* path, const char* key, size_t count, char* destination);
 
 }  // namespace dot11

@@ -19,7 +19,7 @@ namespace {
 
 int32_t interface_count;
 
-// As atoi where a long has 32 bits: numbers out of range become the nearest limit.
+// Like atoi with a 32-bit long: numbers out of range become the nearest limit.
 int32_t parse_leading_number(const char* text) {
     return static_cast<int32_t>(std::clamp<long long>(strtoll(text, nullptr, 10), INT32_MIN, INT32_MAX));
 }
@@ -42,7 +42,7 @@ int32_t read_ed_threshold(uint32_t position) {
     return threshold;
 }
 
-// The store's answer is handed back when the driver's file has been read.
+// The store's answer is released only after the driver's file has been read.
 void fill_row(DsssRow& row, const char* interface, uint32_t position) {
     row.ifIndex = if_nametoindex(interface);
     const Answer answer(key::channel, interface);

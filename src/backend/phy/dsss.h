@@ -9,7 +9,7 @@
 namespace dot11 {
 
 namespace key {
-// Quirk: of the radio whose name is the interface's own.
+// Quirk: read from the radio that has the interface's own name.
 inline constexpr StoreKey channel = {"radio", "channel"};
 }  // namespace key
 
@@ -18,7 +18,7 @@ struct DsssRow {
     int32_t dot11CurrentChannel;
     int32_t dot11CCAModeSupported;  // never written: the column answers a constant
     int32_t dot11CurrentCCAMode;    // never written, and served as 0
-    int32_t dot11EDThreshold;       // as the driver says, dBm; 0 when it does not
+    int32_t dot11EDThreshold;       // from the driver, in dBm; 0 if it gives none
 };
 
 static_assert(sizeof(DsssRow) == 20);

@@ -18,7 +18,7 @@ using Row = PhyOperationRow;
 
 int32_t interface_count;
 
-// Quirk: every other number, the higher codes of the MIB among them, is served as 1.
+// Quirk: every other number, including the higher codes of the MIB, becomes 1.
 int32_t parse_phy_type(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value >= 0 && value < 4 ? value : 1;

@@ -35,10 +35,10 @@ constexpr uint32_t max_names = max_interfaces + 1;  // as many as lcl_get_tags_p
 
 // One table's names and rates.
 //
-// Quirk: each group's rate is fetched once, when the group is first visited. Its text goes to the next free element, in
-// the order of the visits, but is read where the rows of the groups before it end. So a group of one object serves its
-// rate, and the other rows of larger groups serve empty texts. A reload clears less than the reset at the end of a
-// walk.
+// Quirk: each group's rate is fetched once, when the group is first visited. Its text is stored in the next free
+// element, in the order of the visits, but each row reads the text at its own position among all rows. So a group of
+// one object serves its rate, and the other rows of larger groups serve empty texts. A reload clears less than the
+// reset at the end of a walk.
 struct RateCache {
     uint32_t& last_load;
     RateGroupName*& names;
@@ -98,7 +98,7 @@ void find_groups(RateCache& cache, int32_t name_count) {
     }
 }
 
-// When out of memory for the texts, they all count as empty. False when out of memory for the names.
+// If there is no memory for the texts, they all count as empty. False if there is none for the names.
 bool allocate(RateCache& cache) {
     release(cache);
     cache.names = static_cast<RateGroupName*>(calloc(cache.group_count, sizeof(RateGroupName)));
@@ -112,7 +112,7 @@ bool allocate(RateCache& cache) {
     return true;
 }
 
-// 1, or what the call that needed the names returns if there are none.
+// Returns 1, or what the caller is to return if there are no names.
 int reload(RateCache& cache, int64_t now) {
     cfqlquery_node* list = cfqlquery_get_grid(key::rate.table, nullptr, nullptr, nullptr, 1);
     if (!list) return 0;
@@ -146,7 +146,8 @@ void store_rate(RateCache& cache, const cfqlquery_node* list) {
     ++cache.stored_now;
 }
 
-// Quirk: only as many visits fetch as there are groups, those of the first walk. False when the store has no answer.
+// Quirk: only the first visits fetch, as many as there are groups: those of the first walk. False if the store has no
+// answer.
 bool fetch_rate(RateCache& cache, const char* group_name) {
     if (++cache.loaded_rows > loaded_groups(cache)) return true;
     const Answer answer(key::rate, group_name);
@@ -161,10 +162,10 @@ int32_t rate_value(const RateText* text) {
     return std::max(value, 2);
 }
 
-// A walk of n rows by GETNEXT requests, each of which scans the table from its first row to past its last, takes (n +
-// 1) squared calls.
+// A walk of n rows by GETNEXT requests, each of which scans the table from its first row past its last, takes
+// (n + 1) squared calls.
 //
-// Quirk: the cache is emptied after that many calls, so only by a walk that no other request disturbs.
+// Quirk: the cache is emptied after that many calls, and thus only by a walk that no other request disturbs.
 void end_walk(RateCache& cache) {
     const uint64_t scan = uint64_t{all_rows(cache)} + 1;
     if (scan * scan != cache.call_count) return;

@@ -2,9 +2,8 @@
 // "supported-rate" objects.
 //
 // The two tables read the same objects, each through a cache of its own. A group is a run of objects with the same
-// name, an interface's; names are not sorted, so a name that returns after another makes another group. There is no
-// array of rows: the iterator asks for one row after the other, and the cache is reloaded, emptied or kept inside these
-// calls.
+// name, an interface's. Names are not sorted, so a name that comes again after another makes a new group. There is no
+// array of rows: the iterator asks for one row after the other, and these calls reload, empty or keep the cache.
 #pragma once
 
 #include <stddef.h>
@@ -46,7 +45,7 @@ extern "C" {
 extern uint32_t SUPPDATARATESRXLastLoad;    // seconds since the epoch; 0: the cache is loaded by the next call
 extern RateGroupName* rx_tag;               // one for each group; null: there is none
 extern RateText* suppRx_info;               // as many as the groups have rows; null: all count as empty
-extern int32_t rxval_index;                 // the text that the next rate goes to
+extern int32_t rxval_index;                 // position of the next rate's text
 extern int32_t rx_row_index;                // rates stored by the current call
 extern SupportedDataRatesRxRow suppRxInfo;  // not used
 
@@ -57,8 +56,8 @@ extern int32_t txval_index;
 extern int32_t a_index;
 extern SupportedDataRatesTxRow suppTxInfo;
 
-// One row of a walk into `record`, a SupportedDataRatesRxRow. `row` is the group's position, from 0; `*value_index` the
-// row's index in the group, 1 for a new group: it goes up by one with each row. Returns
+// Copies one row of a walk into `record`, a SupportedDataRatesRxRow. `row` is the group's position, from 0;
+// `*value_index` is the row's index in the group: 1 for a new group, and each row increments it. Returns
 //    1  a row, and the group has more
 //    2  the group's last row: go on with the next group and *value_index 1
 //    0  no row: end of the table, or the store failed, or out of memory
@@ -67,7 +66,7 @@ int GetSuppDataRatesRxTableByIndex(uint32_t row, int32_t* value_index, void* rec
 // The same, `record` a SupportedDataRatesTxRow.
 int GetSuppDataRatesTxTableByIndex(uint32_t row, int32_t* value_index, void* record);
 
-// Stores the rate of an answer for "rate" in the next text, clipped at five characters. Only the first node counts.
+// Stores the rate of an answer for "rate" in the next text, truncated to five characters. Only the first node counts.
 void lcl_suppRx(const cfqlquery_node* list);
 void lcl_suppTx(const cfqlquery_node* list);
 }

@@ -18,7 +18,7 @@ using Row = TxPowerRow;
 
 int32_t interface_count;
 
-// Quirk: level 1 alone turns a negative number into the default instead of 0.
+// Quirk: only level 1 turns a negative number into the default instead of 0.
 int32_t parse_level_1(char* text) {
     const int32_t value = AlphabeticToNumeric(text);
     return value < 0 ? 100 : value;

@@ -14,7 +14,7 @@ inline constexpr StoreKey tx_power = {"interface", "tx-power"};
 inline constexpr StoreKey curr_tx_power_level = {"interface", "curr_tx_power_level"};
 }  // namespace key
 
-// Power levels are as the store has them: the configuration fixes their unit.
+// Power levels are as stored: whoever fills the store decides their unit.
 struct TxPowerRow {
     uint32_t ifIndex;
     int32_t dot11NumberSupportedPowerLevels;

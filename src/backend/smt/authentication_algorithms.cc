@@ -74,8 +74,8 @@ int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination) {
     return copy_row(ainfo, row, destination);
 }
 
-// Quirk: the TruthValue is written as a number, "1" or "2", where reading knows only "on" as true: what is written here
-// reads back as false.
+// Quirk: the TruthValue is written as a number, "1" or "2", but reading takes only "on" as true, so whatever is written
+// here reads back as false.
 int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t) {
     const InterfaceName name(row->ifIndex);
     if (!name.text()) return out_of_memory;

@@ -45,8 +45,8 @@ uint32_t GetAuthenticationAlgorithmTableIndexCount(void);           // interface
 int GetAuthAlgorithmTableData(void);                                // fills the rows; 1
 int GetAuthAlgorithmEntryByIndex(uint32_t row, void* destination);  // one AuthenticationAlgorithmsRow; see copy_row
 
-// Writes the TruthValue of the algorithm that the row's two index values name into the store, for callers other than
-// SNMP. Returns setTableData's result, -1 when out of memory, 0 when the interface has no BSS. `length` is ignored.
+// Writes a TruthValue into the store for the algorithm that the row's two index values name, for callers other than
+// SNMP. Returns setTableData's result, -1 when out of memory, 0 if the interface has no BSS. `length` is ignored.
 int32_t SetAuthAlgorithmEnable(const AuthenticationAlgorithmsRow* row, const uint32_t* value, uint32_t length);
 }
 #pragma GCC visibility pop

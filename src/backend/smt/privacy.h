@@ -16,7 +16,7 @@ inline constexpr StoreKey wep_key_mapping_length = {"interface", "wep-key-mappin
 
 struct PrivacyRow {
     uint32_t ifIndex;
-    int32_t dot11PrivacyInvoked;   // TruthValue (RFC 2579), but any number that the store holds
+    int32_t dot11PrivacyInvoked;   // TruthValue (RFC 2579), or any other number that the store holds
     int32_t dot11WEPDefaultKeyID;  // 0 to 3
     int32_t dot11WEPKeyMappingLength;
     int32_t dot11ExcludeUnencrypted;  // TruthValue

@@ -24,7 +24,7 @@ using Row = StationConfigRow;
 
 int32_t interface_count;
 
-// A MAC address under a key of the interface, the field that it fills and that field's length.
+// A key of the interface that holds a MAC address, the field that it fills, and that field's length.
 struct MacKey {
     const StoreKey& key;
     ScratchText* scratch;
@@ -145,8 +145,8 @@ void set_constants(Row& row) {
     row.dot11DesiredBSSType = 1;       // infrastructure
 }
 
-// Two letters (ISO 3166-1) and a blank: indoors and outdoors (IEEE 802.11, Country element). The answer's tag does not
-// matter.
+// Two letters (ISO 3166-1) and a blank, which means indoors and outdoors (IEEE 802.11, Country element). The answer's
+// tag does not matter.
 void read_country(Row& row) {
     const Answer answer(key::country, nullptr);
     memcpy(row.dot11CountryString, "???", 3);
@@ -208,7 +208,7 @@ int32_t SetBeaconPeriod(const uint32_t* index, const uint32_t* value, uint32_t) 
     return write_radio_number(*index, key::beacon_interval, *value, out_of_memory);
 }
 
-// Quirk: the interface must have a BSS, but what is written is the BSS of the interface's own name.
+// Quirk: the interface must have a BSS, but the key is written to the BSS that has the interface's own name.
 int32_t SetDtimPeriod(const uint32_t* index, const uint32_t* value, uint32_t) {
     const InterfaceName name(*index);
     if (!name.text()) return out_of_memory;

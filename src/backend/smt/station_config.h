@@ -27,7 +27,7 @@ inline constexpr StoreKey dot11d = {"radio", "dot11d"};
 inline constexpr StoreKey country = {"system", "country"};
 }  // namespace key
 
-// Integers are 32-bit, TruthValues (RFC 2579) 1 = true, 2 = false, MAC addresses 6 octets of 8.
+// Integers have 32 bits; TruthValues (RFC 2579) are 1 for true and 2 for false; MAC addresses use 6 of their 8 octets.
 struct StationConfigRow {
     uint32_t ifIndex;
     uint8_t dot11StationID[8];
@@ -37,7 +37,7 @@ struct StationConfigRow {
     int32_t dot11CFPPeriod;                      // DTIM intervals
     int32_t dot11CFPMaxDuration;                 // TU
     int32_t dot11AuthenticationResponseTimeOut;  // TU
-    int32_t privacy_option_configured;           // served by no column
+    int32_t privacy_option_configured;           // no column serves it
     int32_t dot11PrivacyOptionImplemented;
     int32_t dot11PowerManagementMode;
     uint8_t dot11DesiredSSID[32];

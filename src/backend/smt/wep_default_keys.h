@@ -1,5 +1,5 @@
 // dot11WEPDefaultKeysTable: four rows for each wireless interface, one for each default key. Keys are secrets: they are
-// copied between the store and the agent and nowhere else, and the copies on the way are wiped.
+// copied only between the store and the agent, and the copies on the way are wiped.
 #pragma once
 
 #include <stddef.h>
@@ -21,7 +21,7 @@ inline constexpr StoreKey wep_keys[] = {
 struct WEPDefaultKeysRow {
     uint32_t ifIndex;
     uint32_t dot11WEPDefaultKeyIndex;     // 1 to 4
-    uint8_t dot11WEPDefaultKeyValue[64];  // the stored text as it is: 5, 10, 13, 26 or up to 58 characters
+    uint8_t dot11WEPDefaultKeyValue[64];  // the stored text unchanged: 5, 10, 13, 26 or up to 58 characters
     uint32_t dot11WEPDefaultKeyValueLen;
 };
 
@@ -56,11 +56,11 @@ int GetDefaultWEPKeysEntryByIndex(uint32_t row, void* destination);  // copies o
 
 // Writers into the store, for callers other than SNMP.
 
-// Writes the key that the row's two index values name; any key index but 1 to 4 writes under the empty key. `value` has
-// `length` octets, or fewer when a NUL ends it. Returns setDefaultKeys' result, -1 when out of memory.
+// Writes the key that the row's two index values name; a key index other than 1 to 4 writes under the empty key.
+// `value` has `length` octets, or fewer if a NUL ends it. Returns setDefaultKeys' result, -1 when out of memory.
 int32_t SetWEPDefaultKeysTableData(const WEPDefaultKeysRow* row, const char* value, uint32_t length);
 
-// 0 when setTableData's result is 0, otherwise 1.
+// Returns 0 if setTableData's result is 0, otherwise 1.
 int32_t setDefaultKeys(const WEPDefaultKeyWrite* write);
 }
 #pragma GCC visibility pop
