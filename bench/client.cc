@@ -1,14 +1,14 @@
 // bench-client: asks the agent at 127.0.0.1:1161.
 //
-//   bench-client mark TEXT                     a SET of the text to the scalar of bench-floor.so
+//   bench-client mark TEXT                     SETs the scalar of bench-floor.so to the text
 //   bench-client count OID                     prints the number of varbinds below it
 //   bench-client walk OID VARBINDS TIMES       walks so many of them by GETBULK of 50, and prints how many came in all
-//   bench-client ask OID REPETITIONS TIMES PID prints requests a second, and microseconds of CPU time that the process
-//                                              took for each: GET with 0 REPETITIONS, otherwise GETBULK
+//   bench-client ask OID REPETITIONS TIMES PID prints requests per second, and microseconds of CPU time that the
+//   process
+//                                              took for each: GET if REPETITIONS is 0, otherwise GETBULK
 //   bench-client quiet CONTROL TIMES OID...    moves the agent's clock (see tests/agent/shim.cc) and asks for the OIDs
-//   by
-//                                              GETNEXT, again and again; prints the median and the 99th percentile of
-//                                              the microseconds to the answer
+//                                              by GETNEXT, again and again; prints the median and the 99th percentile
+//                                              of the microseconds to the answer
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -64,7 +64,7 @@ class Client {
         session.peername = const_cast<char*>("127.0.0.1:1161");
         session.community = reinterpret_cast<u_char*>(const_cast<char*>("private"));
         session.community_len = strlen("private");
-        session.timeout = 120'000'000;  // microseconds: an agent that valgrind plays is slow
+        session.timeout = 120'000'000;  // microseconds: an agent under valgrind is slow
         session.retries = 0;
         session_ = snmp_open(&session);
         if (!session_) fail("no session");
@@ -73,7 +73,7 @@ class Client {
     Client& operator=(const Client&) = delete;
     ~Client() { snmp_close(session_); }
 
-    // Takes the PDU. The names of the answer; the last of one is where a walk goes on.
+    // Sends the PDU, which it takes over. Returns the names in the answer; a walk continues at the last one.
     std::vector<Oid> ask(netsnmp_pdu* pdu) {
         netsnmp_pdu* answer = nullptr;
         if (snmp_synch_response(session_, pdu, &answer) != STAT_SUCCESS || !answer) fail("no answer");
@@ -117,7 +117,7 @@ size_t count(Client& client, const Oid& root) {
     }
 }
 
-// Asks for no row behind the last, so that no other table is in the figure.
+// Asks for no row after the last, so that the figure includes no other table.
 void walk(Client& client, const Oid& root, size_t varbinds) {
     Oid at = root;
     for (size_t left = varbinds; left > 0;) {
@@ -161,7 +161,7 @@ agent_control& control_at(const char* path) {
     return *static_cast<agent_control*>(mapped);
 }
 
-// Each answer reads every table anew: 60 seconds are more than any of them keeps what it has read.
+// Each answer reloads every table: none keeps its rows for 60 seconds.
 void quiet(Client& client, agent_control& control, int times, const std::vector<Oid>& names) {
     std::vector<double> latencies;
     if (control.now == 0) control.now = time(nullptr);

@@ -1,5 +1,5 @@
-// Passes of the collector over 8 access points with 50 stations each, nothing changed but counters: real messages, a
-// real store, no kernel. Usage: collector-bench STORE PASSES
+// Runs passes of the collector over 8 access points with 50 stations each, where only counters change: real messages
+// and a real store, but no kernel. Usage: collector-bench STORE PASSES
 #include <linux/nl80211.h>
 
 #include <cstdio>
@@ -15,7 +15,7 @@ using namespace collector;
 
 constexpr std::uint32_t access_points = 8, stations_each = 50;
 
-// A station's message as a kernel of today sends it: as long, and with as many attributes on its two levels.
+// A station's message like a present kernel's: as long, and with as many attributes on both levels.
 std::vector<char> station_message(std::uint32_t number) {
     std::vector<char> buffer(4096);
     nlmsghdr* message = mnl_nlmsg_put_header(buffer.data());
@@ -37,7 +37,7 @@ std::vector<char> station_message(std::uint32_t number) {
     return buffer;
 }
 
-// Every station has sent and received more from one pass to the next.
+// Every station sends and receives between two passes.
 void count_on(std::vector<char>& buffer, std::uint32_t by) {
     auto* info = reinterpret_cast<char*>(buffer.data()) + sizeof(nlmsghdr) + 4 + 8 + 12 + 8 + 4;
     for (std::uint16_t type = 1; type <= 24; ++type, info += 8) {

@@ -1,7 +1,7 @@
-// bench-floor.so, a second module beside the one that is measured. Its tables are what Net-SNMP's table iterator costs
-// at the least: as many rows and columns, and records as large, as tables of ours, but each hook copies the same row
-// and no clock is read. And a SET of a text to its one scalar writes down, under valgrind, how many instructions the
-// agent has taken since the last such SET; an empty text only begins to count.
+// bench-floor.so, a second module beside the one that is measured. Its tables show the least that Net-SNMP's table
+// iterator costs: they have as many rows and columns, and records as large, as tables of ours, but every hook copies
+// the same row, and no clock is read. Under valgrind, a SET of its scalar to a text records how many instructions the
+// agent has executed since the last such SET; an empty text only starts the count.
 //
 // The environment variable FLOOR_ROWS says how many rows the tables have.
 #include <valgrind/callgrind.h>
@@ -32,7 +32,7 @@ constexpr Shape shapes[] = {
     {"floorOfStationConfig", 4, 10, sizeof(dot11::StationConfigRow)},
 };
 
-// What a walk stands on; a row begins with its index.
+// The present row of a walk; it begins with its index.
 struct Loop {
     int position;
     char row[largest_row];
@@ -98,7 +98,7 @@ int mark(netsnmp_mib_handler*, netsnmp_handler_registration*, netsnmp_agent_requ
     return SNMP_ERR_NOERROR;
 }
 
-// Below netSnmpPlaypen, which is kept free for such things.
+// Under netSnmpPlaypen, which is reserved for experiments.
 template <size_t size>
 netsnmp_handler_registration* registration(const char* name, Netsnmp_Node_Handler* handler, const oid (&number)[size],
                                            int modes) {

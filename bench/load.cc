@@ -1,5 +1,5 @@
-// What loading the module costs an agent: from dlopen to the last of its registrations. Prints the CPU time in
-// microseconds. Usage: load-bench MODULE
+// Measures loading the module into an agent, from dlopen to the last registration. Prints the CPU time in microseconds.
+// Usage: load-bench MODULE
 #include <dlfcn.h>
 #include <time.h>
 

@@ -1,17 +1,17 @@
-// bench-store: the store's calls beside their yardsticks, to be counted by callgrind; the module's calls come here, and
-// go to one or the other.
+// bench-store: the store's calls and their yardsticks, for callgrind to count. The module's calls come here, and are
+// passed on to one or the other.
 //
-//   bench-store reload MODULE STORE    the module's tables all read anew: instructions
-//   bench-store faults MODULE STORE    the same, not under callgrind: prints the page faults of one such poll
+//   bench-store reload MODULE STORE    reloads all of the module's tables: instructions
+//   bench-store faults MODULE STORE    the same, not under callgrind: prints the page faults of one reload
 //   bench-store calls MODULE STORE     single calls and a renewed snapshot: instructions
 //   bench-store write MODULE STORE     a durable write: instructions
 //   bench-store import MODULE STORE    the store's rows into a new file beside it: instructions
 //   bench-store times MODULE STORE     a durable write, not under callgrind: prints the median time in microseconds of
 //                                      ours and of SQLite
-//   bench-store disturb MODULE STORE   writes ten times a second until it is ended
+//   bench-store disturb MODULE STORE   writes ten times a second until it is killed
 //
-// STORE is what bench/contents makes. A measure is dumped as "NAME/DIVISOR" (see bench/run); of several dumps with one
-// name the least counts, since what disturbs only adds.
+// bench/contents makes STORE. A measure is dumped as "NAME/DIVISOR" (see bench/run); of several dumps with the same
+// name the least counts, because disturbances only add.
 #include <cfqlquery.h>
 #include <dlfcn.h>
 #include <sys/resource.h>
@@ -34,7 +34,7 @@
 
 namespace {
 
-// Whom the module's calls are for.
+// What the module's calls are passed on to.
 struct Calls {
     std::function<cfqlquery_node*(const char*, const cfqlquery_node*)> get_grid;
     std::function<cfqlquery_node*(const char*, const char*, const char*)> get_pv;
@@ -42,7 +42,7 @@ struct Calls {
 };
 
 const Calls* calls;
-time_t now = 1'000'000;  // what the module's clock says
+time_t now = 1'000'000;  // the time on the module's clock
 
 void free_list(cfqlquery_node* list) {
     free(list);
@@ -50,7 +50,7 @@ void free_list(cfqlquery_node* list) {
 
 }  // namespace
 
-// In front of the libraries' functions of the same names.
+// These take precedence over the libraries' functions of the same names.
 extern "C" {
 
 __attribute__((visibility("default"))) cfqlquery_node* cfqlquery_get_grid(const char* table, const char*, const char*,
@@ -103,7 +103,7 @@ Function* symbol(void* library, const char* name) {
     return found;
 }
 
-// The module with the library that it needs, and the hooks that read a table anew.
+// The module with the library that it needs, and the hooks that reload a table.
 class Module {
   public:
     explicit Module(const char* path) : module_(dlopen(path, RTLD_NOW | RTLD_GLOBAL)) {
@@ -128,7 +128,7 @@ class Module {
         if (set_("interface", "w0", &pair, 0) != 1) fail("a write is refused");
     }
 
-    // A minute is longer than any table keeps what it has read.
+    // No table keeps its rows for a minute.
     void poll() const {
         now += 60;
         for (Netsnmp_First_Data_Point* hook : hooks_) {
@@ -150,7 +150,7 @@ class Module {
     std::vector<Netsnmp_First_Data_Point*> hooks_;
 };
 
-// Each round is `divisor` of what is measured.
+// Each round does what is measured `divisor` times.
 template <class Round>
 void count(const std::string& name, int rounds, size_t divisor, Round round) {
     const std::string label = name + "/" + std::to_string(divisor);
@@ -255,7 +255,7 @@ void print_times(const All& all, const std::string& store) {
     printf("%.0f %.0f\n", ours, bare);
 }
 
-// A poll is some time after the last one: the store looks for changes each time.
+// There is some time between polls, so the store checks for changes each time.
 void print_faults(const All& all) {
     constexpr int polls = 20;
     calls = &all.stores[0].calls;

@@ -54,7 +54,7 @@ unsigned hash_of(std::initializer_list<const char*> texts) {
     return hash;
 }
 
-// The pair's text goes to PLACE.
+// Copies the pair's texts to `place`.
 cfqlquery_node node_of(const char* name, const char* value, char*& place) {
     char* const start = place;
     place = stpcpy(place, name) + 1;

@@ -1,4 +1,4 @@
-# What every target is compiled with.
+# Options for every target.
 
 set(CMAKE_C_STANDARD 11)
 set(CMAKE_CXX_STANDARD 20)
@@ -20,7 +20,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   add_compile_options($<$<CONFIG:RelWithDebInfo>:-gdwarf-4>)
 endif()
 
-# A C library that has both, as glibc for older 32-bit machines, is asked for file sizes above 2 GiB and times after 2038.
+# Some C libraries, such as glibc on older 32-bit machines, must be asked for file sizes above 2 GiB and times after 2038.
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
