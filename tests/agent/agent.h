@@ -1,8 +1,8 @@
 // A stock snmpd with the built module, in a network namespace of the test's own, and an SNMP client to ask it.
 //
-// Each test has a namespace of its own (main.cc). An Agent has a folder of its own with the
-// store, which the project's tool fills, its configuration and its log. It is stopped at the end of its life; the test
-// fails when it ended in any other way than by being asked, or when its log tells of a module that was not loaded.
+// Each test has a namespace of its own (main.cc). An Agent has a folder of its own with its store, which the project's
+// tool fills, its configuration and its log. Its destructor stops it; the test fails if it ended in any other way, or
+// if its log says that a module was not loaded.
 //
 // With the environment variable AGENT_LINES set, every agent's configuration has these lines too.
 //

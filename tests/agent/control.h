@@ -1,11 +1,12 @@
-// What a test and the agent that it runs share: a mapped file, named by the environment variable AGENT_CONTROL.
+// Memory that a test shares with the agent that it runs: a mapped file, named by the environment variable
+// AGENT_CONTROL.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
-// A number in shared memory. The agent may be of another byte order and word size than the test.
+// A number in shared memory. The agent may have another byte order and word size than the test.
 template <class Number>
 class Shared {
   public:

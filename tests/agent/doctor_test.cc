@@ -1,4 +1,4 @@
-// cfql doctor beside a real agent: every finding once, and none where all is well.
+// cfql doctor on a real agent: every finding once, and none if all is well.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Requests that no manager should make, and what the agent does of them: it answers as stated, and goes on. Each SET is
-// followed by one that must be refused and a GET that must be right. In the agent that is asked, and in a subagent.
+// Requests that no manager should make: the agent answers as stated, and keeps running. Each SET is followed by one
+// that must be refused and a GET that must be right. With the module in the master agent, and in a subagent.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

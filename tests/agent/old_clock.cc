@@ -1,4 +1,4 @@
-// In front of the C library: a clock that has not been set since the machine was made.
+// Preloaded before the C library: a clock that has never been set.
 #include <time.h>
 
 extern "C" time_t time(time_t* result) {

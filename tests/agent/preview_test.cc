@@ -1,5 +1,5 @@
-// What "cfql preview" prints of a store is what the agent answers from it, column by column. Each store meets an agent
-// that has just begun, as preview does.
+// What "cfql preview" prints for a store is what the agent answers from it, column by column. Each store gets an agent
+// that has just started, because preview shows what such an agent answers.
 #include <gtest/gtest.h>
 
 #include <algorithm>

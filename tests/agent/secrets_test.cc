@@ -1,6 +1,6 @@
-// No octet of one row, one table, an earlier request or a key of another interface reaches an answer. The store holds
-// nothing but marks: each text of each interface consists of an octet that nothing else has, each number is one that
-// nothing else is.
+// No octet of another row, another table, an earlier request or a key of another interface gets into an answer. The
+// store holds only marks: each text of each interface repeats an octet that occurs nowhere else, and each number is
+// unique.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

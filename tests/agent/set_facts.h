@@ -1,4 +1,4 @@
-// SETs that no manager should make, with the answer to each, and the store that they are meant for.
+// SETs that no manager should make, with the answer to each, and the store that they are made on.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// SETs of every column, as an SNMP manager makes them: what each is answered, and that none changes anything.
+// SETs of every column, made by an SNMP manager: the answer to each, and that none changes anything.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Many requests and all that happens to a device meanwhile, and what the agent's memory becomes of it.
+// The agent's memory after many requests, while everything happens that can happen to a device.
 //
 //   soak_agent_test --gtest_filter='*AMillion*'     or: ctest --preset dev -L long -R soak -V
 //

@@ -1,4 +1,4 @@
-// dot11StationConfigTable, as an SNMP manager meets it.
+// dot11StationConfigTable, as an SNMP manager sees it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

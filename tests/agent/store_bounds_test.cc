@@ -1,4 +1,4 @@
-// What a request costs the agent, whatever the store holds and whoever writes into it.
+// Bounds on what a request costs the agent, whatever the store holds and whoever writes to it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>

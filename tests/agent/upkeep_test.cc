@@ -1,5 +1,5 @@
-// What is done to a device while its agent runs: the module, the store and the interfaces go, come back and change. The
-// agent answers on, in the agent that is asked and in a subagent.
+// Maintenance of a device while its agent runs: the module, the store and the interfaces go, come back and change. The
+// agent keeps answering, with the module in the master agent and in a subagent.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

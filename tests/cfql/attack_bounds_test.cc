@@ -1,4 +1,4 @@
-// What a call may cost whoever writes, locks or fills the log, and what stays behind between calls: nothing.
+// Bounds on what a call costs, whoever writes, locks or fills the log; and that nothing is left behind between calls.
 #include <sys/time.h>
 
 #include "attack.h"

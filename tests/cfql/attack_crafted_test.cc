@@ -1,5 +1,5 @@
-// Files that were made to hang a reader or to use its memory up: each is refused at a small cost, and whoever had
-// contents before keeps them.
+// Files that were made to hang a reader or to use up its memory: each is refused at a small cost, and a process that
+// had contents before keeps them.
 #include "attack.h"
 #include "crafted.h"
 

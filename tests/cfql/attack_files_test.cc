@@ -1,5 +1,5 @@
-// What may lie at the store's place or beside it, and how it may be exchanged. What is no store is refused soon, with a
-// line that says so; what is one is noticed.
+// What may be found at the store's path or beside it, and how it may be swapped. Anything but a store is refused at
+// once, with a line that says so; a new store is noticed.
 #include <sys/sysmacros.h>
 
 #include <limits>

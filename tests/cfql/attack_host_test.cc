@@ -1,5 +1,5 @@
-// The library as a guest: what it shares with its host (SQLite's state, descriptors, threads, signals, forks) is the
-// host's.
+// The library as a guest: it leaves alone what it shares with its host (SQLite's state, descriptors, threads, signals,
+// forks).
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/time.h>

@@ -1,5 +1,5 @@
-// What happens to the store while it is being read. Stands between the library and the file system: before a chosen
-// reading of the file, another process changes it. File times and the clock are the test's as well.
+// Changes of the store while it is being read. The test sits between the library and the file system: before a chosen
+// read of the file, another process changes it. The test also sets file times and the clock.
 #include <dlfcn.h>
 #include <sys/syscall.h>
 #include <time.h>

@@ -1,5 +1,5 @@
-// What every test of the store shares: a place for it, the four calls, child processes, bounded waiting. Knows the
-// library by its header alone.
+// What all tests of the store share: a place for it, the four calls, child processes, bounded waiting. Knows only the
+// library's header.
 #ifndef TESTS_CFQL_LIBRARY_CALLS_H
 #define TESTS_CFQL_LIBRARY_CALLS_H
 

@@ -1,4 +1,4 @@
-// Stores that were made to hang a reader or to use its memory up.
+// Stores that were made to hang a reader or to use up its memory.
 #ifndef TESTS_CFQL_LIBRARY_CRAFTED_H
 #define TESTS_CFQL_LIBRARY_CRAFTED_H
 

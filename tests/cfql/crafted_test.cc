@@ -1,5 +1,5 @@
-// Files that were made to keep a reader busy: trees whose pages are shared, so that a few kilobytes have as many rows
-// as one likes. Each is refused in a moment; alarm() ends what is not.
+// Files that were made to keep a reader busy: trees whose pages are shared, so that a few kilobytes hold any number of
+// rows. Each is refused at once; alarm() ends a test that hangs.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -3,7 +3,7 @@
 // a value that was never committed.
 //
 // Each case runs twice: the child reads the damaged store for the first time, or it has read it before the damage and
-// is told to look again after another process tried to write.
+// is told to check again after another process tried to write.
 #include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>

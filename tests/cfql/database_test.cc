@@ -1,4 +1,4 @@
-// The database layer by itself: what it puts into the file, what it refuses, what it tells.
+// The database layer by itself: what it writes to the file, what it refuses, what it reports.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,6 +1,5 @@
 // A disk that fails on demand and a clock that stands still. A program that includes this has `disk` between SQLite and
-// the file system, in the library as well, and sets the time by which the library goes. No file is synced in
-// earnest.
+// the file system, in the library as well, and sets the library's clock. No file is really synced.
 #ifndef TESTS_CFQL_LIBRARY_DISK_H
 #define TESTS_CFQL_LIBRARY_DISK_H
 

@@ -1,5 +1,5 @@
-// What the library does when the store is not as it should be, or not where it was. Every test wants a process of its
-// own, which ctest gives it: the pause after a failure and the pause between log lines are the process's.
+// What the library does if the store is not as it should be, or not where it was. Every test needs a process of its
+// own, which ctest provides: pauses after a failure and between log lines are kept per process.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,9 +1,9 @@
-// store-kill writer|reader COUNT: kills a process with SIGKILL in the middle of its work COUNT times
-// and looks for what is lost or torn. Exit status 0: nothing.
+// store-kill writer|reader COUNT: kills a process with SIGKILL in the middle of its work COUNT times, and checks that
+// nothing is lost or torn. Exit status 0: nothing is.
 //
-// The writer notes each acknowledged write in memory it shares with the parent. After its death everything acknowledged
-// must be there; a transaction of two values must be there whole or not at all. The reader is killed while another
-// process writes; the writer must go on undisturbed.
+// The writer notes each acknowledged write in memory that it shares with the parent. After its death everything
+// acknowledged must be there; a transaction of two values must be there as a whole or not at all. The reader is killed
+// while another process writes, which must continue undisturbed.
 #include <signal.h>
 #include <stdio.h>
 #include <sys/mman.h>

@@ -1,5 +1,5 @@
-// Stands in for the system's log: a program that includes this collects the library's log lines in log_lines, each
-// without the number of the process.
+// Replaces the system log: a program that includes this collects the library's log lines in log_lines, each without the
+// process number.
 #ifndef TESTS_CFQL_LIBRARY_LOG_H
 #define TESTS_CFQL_LIBRARY_LOG_H
 

@@ -1,4 +1,4 @@
-// Gives each test a process of its own: pauses and what the library knows of the store are the process's.
+// Gives each test a process of its own, because pauses and the library's copy of the store are kept per process.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>

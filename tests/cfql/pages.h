@@ -1,5 +1,5 @@
 // Pages of a database file built by hand, for what SQLite itself would never write: a tree in which many pages have the
-// same child. Such a tree has sixty times as many ways to its leaf with each level more.
+// same child. Each further level of such a tree multiplies the ways to its leaf by sixty.
 #ifndef TESTS_CFQL_LIBRARY_PAGES_H
 #define TESTS_CFQL_LIBRARY_PAGES_H
 

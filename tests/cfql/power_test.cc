@@ -1,5 +1,5 @@
-// What a power cut leaves of the store: before each call that changes the disk, and with none, all or some of the
-// changes that were not synced. What was acknowledged is there, and a transaction is there whole or not at all.
+// What a power cut leaves of the store: before each call that changes the disk, with none, all or some of the changes
+// that were not synced. What was acknowledged is there, and a transaction is there as a whole or not at all.
 #include <gtest/gtest.h>
 
 #include <algorithm>

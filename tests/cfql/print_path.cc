@@ -1,4 +1,4 @@
-// Succeeds if the process takes the store to be at the path that is its argument.
+// Succeeds if the process expects the store at the path given as its argument.
 #include <string.h>
 
 #include "database.h"

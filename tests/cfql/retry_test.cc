@@ -1,5 +1,5 @@
-// What the library makes of a disk that fails: a failed look and a failed write are tried once more at once where that
-// may help, and whatever fails, nobody is told what never was.
+// The library on a failing disk: a failed check or write is repeated once, at once, if that may help; and whatever
+// fails, nobody gets values that never were.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-// store-starve SECONDS: a process commits without pause for so long, and another reads. Exit status 0: what was read
+// store-starve SECONDS: for so long, a process commits without pause, and another reads. Exit status 0: what was read
 // was never older than 15 s.
 #include <signal.h>
 #include <stdio.h>

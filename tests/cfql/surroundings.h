@@ -1,4 +1,4 @@
-// What surrounds the store and its readers: files, mounts, the system's log, what /proc tells.
+// The surroundings of the store and its readers: files, mounts, the system log, /proc.
 #ifndef TESTS_CFQL_LIBRARY_SURROUNDINGS_H
 #define TESTS_CFQL_LIBRARY_SURROUNDINGS_H
 

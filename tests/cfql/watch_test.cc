@@ -1,4 +1,4 @@
-// What a watch finds, on a file system that stamps in steps of two seconds.
+// What a watch finds, on a file system whose time stamps have steps of two seconds.
 #include "watch.h"
 
 #include <dlfcn.h>

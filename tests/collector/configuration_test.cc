@@ -1,4 +1,4 @@
-// The operator's file.
+// The operator's configuration file.
 #include "configuration.h"
 
 #include <gtest/gtest.h>

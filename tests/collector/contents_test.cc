@@ -1,4 +1,4 @@
-// From what was seen to keys and texts.
+// How observations become keys and texts.
 #include "contents.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Sums of stations' counters: facts, and all orders of what can happen against a plain count.
+// Sums of stations' counters: single facts, and all orders of events compared with a plain count.
 #include "counters.h"
 
 #include <gtest/gtest.h>

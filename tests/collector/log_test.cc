@@ -1,4 +1,4 @@
-// What is said, and how often.
+// What is logged, and how often.
 #include "log.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The loop with sources in memory: bursts, signals, signs of life.
+// The loop with sources in memory: bursts of events, signals, the watchdog.
 #include "loop.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
-// Stands in for libmnl where Debian has none: what the readers of messages and their tests call. See cross/parsers.
+// Replaces libmnl for machines where Debian has none: the routines that the readers of messages and their tests call.
+// See cross/parsers.
 #include <libmnl/libmnl.h>
 
 #include <string.h>

@@ -1,4 +1,4 @@
-// What the collector leaves beside the store of its passes, and what the tool reads there.
+// What the collector writes beside the store about its passes, and what the tool reads there.
 #include "presence.h"
 
 #include <fcntl.h>

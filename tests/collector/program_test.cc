@@ -1,4 +1,4 @@
-// The built program on this machine, which has no access point: its command line, files and manners.
+// The built program on this machine, which has no access point: its command line, files and behaviour.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -1,6 +1,6 @@
-// Feeds the conversions any text. The first byte of the input chooses the routine, the second its length or flag, the
-// rest is the text. Every buffer is a heap block of exactly the size that the routine's contract asks for, so that the
-// address sanitizer sees each byte too many; DEMAND says what every result has in common.
+// Feeds the conversions any text. The first byte of the input chooses the routine, the second its length or flag, and
+// the rest is the text. Every buffer is a heap block of exactly the size that the routine's contract asks for, so that
+// the address sanitizer sees any overrun; DEMAND says what holds for every result.
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-// What a fuzzer says must be so: otherwise it ends, and the input that led here is kept.
+// A fuzzer's assertion: if it fails, the fuzzer ends and the input is kept.
 #pragma once
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Feeds the importer any text. What it accepts is within the store's limits, and an export of it is read back as the
-// same contents and exported as the same text; what it refuses, it refuses as wrong input.
+// Feeds the importer any text. What it accepts is within the store's limits; an export of it is read back as the same
+// contents and exported as the same text. What it refuses, it refuses as wrong input.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,9 +1,9 @@
-// Requests to the agent with the module in it, while the device changes under them. The input is a row of steps, each a
-// byte that chooses what to do and what that needs; where the input ends, zeroes follow.
+// Requests to the agent with the module in it, while the device changes. The input is a sequence of steps, each a byte
+// that chooses what to do, followed by its parameters; after its end, zeroes follow.
 //
-// A step is a request of a few varbinds (most of its names are names of the tables, bent in places), octets given to
-// the agent as a message, a value of the store set or taken away, an interface that comes, goes or changes its index, a
-// rate group likewise, a jump of the clock, or an allocation of the module that will fail.
+// A step is a request of a few varbinds (mostly names from the tables, partly distorted), octets given to the agent as
+// a message, a value of the store that is set or removed, an interface that comes, goes or changes its index, the same
+// for a rate group, a jump of the clock, or an allocation of the module that will fail.
 //
 // An answer must be well formed, bear the request's number, keep the names of a GET or a SET in their order, and lead
 // onward for a GETNEXT. A request that has not made the module read its store leaves as much on the heap as it found.

@@ -1,7 +1,10 @@
 // What iw cannot do on the virtual access point:
-//   radio watch              prints "ready", then each station that departs, with its final counters; fails if it lost
-//   one radio add BSS COUNT      adds stations without radios, so that frames to them fail radio drop BSS           all
-//   stations of it depart at once radio unplug PHY         the radio is gone, as if it were unplugged
+//
+//   radio watch            prints "ready", then each station that departs, with its final counters; fails if it missed
+//                          one
+//   radio add BSS COUNT    adds stations without radios, so that frames to them fail
+//   radio drop BSS         makes all its stations depart at once
+//   radio unplug PHY       removes the radio, as if it were unplugged
 #include <libmnl/libmnl.h>
 #include <linux/genetlink.h>
 #include <linux/nl80211.h>

@@ -1,6 +1,6 @@
-// Net-SNMP's agent in the test's own process with the module in it, asked through a transport that exists in memory
-// only. Everything between the octets of a message and the module's handlers is Net-SNMP's own: decoding, the registry
-// of subtrees, the phases of a SET, the table helper and the table iterator. Access control is left out.
+// Net-SNMP's agent with the module, in the test's own process, queried through a transport that exists only in memory.
+// Everything between the octets of a message and the module's handlers is Net-SNMP's own: decoding, the registry of
+// subtrees, the phases of a SET, the table helper and the table iterator. Access control is left out.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// What the tests of the model share: the agent with the module in it, on a scripted device that is there as long as a
-// suite runs.
+// What the tests of the model share: the agent with the module, on a scripted device that lives as long as a suite
+// runs.
 #pragma once
 
 #include <gtest/gtest.h>

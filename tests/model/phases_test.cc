@@ -1,5 +1,5 @@
-// SETs whose phases come one by one from a master agent, as a subagent gets them: whole ones, and those of a master
-// that dies or comes late.
+// SETs whose phases come one by one from a master agent, as in a subagent: complete ones, and those of a master that
+// dies or is late.
 #include <gtest/gtest.h>
 
 #include "fixture.h"

@@ -1,6 +1,6 @@
-// What the agent with the module in it answers, worked out a second time: how Net-SNMP's agent leads a PDU through its
-// tables and phases, and what each table's handler does in them. It keeps nothing between PDUs, because no SET leaves
-// anything behind. Written to be read, and sharing no code with the module.
+// A second computation of what the agent with the module answers: how Net-SNMP's agent takes a PDU through its tables
+// and phases, and what each table's handler does in them. It keeps nothing between PDUs, because no SET leaves anything
+// behind. Written to be read, and shares no code with the module.
 #pragma once
 
 #include <map>

@@ -1,6 +1,6 @@
-// What a GETNEXT or GETBULK answers does not depend on how many rows the agent's table iterator looks at for it. The
-// same messages are asked of tables that were just reloaded, of the same tables later, whose order is then known, and
-// with a clock that has every row reload its table, so that no order ever is. The answers must be the same octets.
+// The answers to GETNEXT and GETBULK do not depend on how many rows the agent's table iterator scans for them. The same
+// messages are sent for tables that were just reloaded, for the same tables later, whose order is then known, and with
+// a clock that makes every row reload its table, so that the order never is. The answers must be the same octets.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -1,4 +1,4 @@
-// The device that the tests of whole PDUs work on, and the varbinds that their SETs are made of.
+// The device for the tests of whole PDUs, and the varbinds that their SETs are made of.
 #pragma once
 
 #include <string>

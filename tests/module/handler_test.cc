@@ -1,5 +1,4 @@
-// The request handlers' mode machine, called as the agent calls it. Some accessors and rows' commits are this program's
-// own.
+// The handler of all tables, called as the agent calls it. This program replaces some accessors and commit routines.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// Routines that this program has too are the ones that the module calls.
+// If this program has a routine of the same name, the module calls that one.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // An SNMP client that shares no code with Net-SNMP. Reads one request a line: "get OID", "walk OID", "set OID integer NUMBER" or
-// "set OID octets HEX"; prints what is answered, "OID = TYPE VALUE" for each varbind or "status NUMBER" for a SET, and a line "end"
-// behind each answer. Usage: client.js ADDRESS PORT COMMUNITY
+// "set OID octets HEX"; prints the answer, "OID = TYPE VALUE" for each varbind or "status NUMBER" for a SET, and a line "end"
+// after each answer. Usage: client.js ADDRESS PORT COMMUNITY
 'use strict';
 const readline = require('readline');
 const snmp = require('net-snmp');

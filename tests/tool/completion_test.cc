@@ -1,4 +1,4 @@
-// The completion for bash: what it offers, and what a shell makes of it when the names of the store are hostile.
+// The bash completion: what it offers, and what a shell makes of it if names in the store are hostile.
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>

@@ -1,4 +1,4 @@
-// What the tool makes of stores that are damaged, interrupted in a write, or away.
+// The tool on stores that are damaged, absent, or were interrupted in a write.
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,4 +1,5 @@
-// What lint says about each key: one line a fact. Interfaces need not exist (--offline) unless a test is about that.
+// What lint says about each key: a line for each fact. Interfaces need not exist (--offline) unless a test is about
+// that.
 #include <fstream>
 #include <sstream>
 

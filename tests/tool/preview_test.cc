@@ -1,4 +1,4 @@
-// The form of preview; that it says what an agent answers is tests/agent/preview_test.cc.
+// The form of preview's output. tests/agent/preview_test.cc tests that it says what an agent answers.
 #include <gmock/gmock.h>
 
 #include <algorithm>

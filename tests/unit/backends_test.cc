@@ -1,4 +1,4 @@
-// What holds for every table with rows for each interface: which rows there are, whatever their columns.
+// What all tables with rows for each interface have in common: which rows there are, whatever their columns.
 #include <gtest/gtest.h>
 
 #include <algorithm>

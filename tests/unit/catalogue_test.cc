@@ -1,4 +1,4 @@
-// What holds for every table's description.
+// What all tables' descriptions have in common.
 #include "agent/catalogue.h"
 
 #include <dlfcn.h>

@@ -1,4 +1,4 @@
-// Every read and write accessor, on rows whose layout is written down here once more.
+// Every read and write accessor, on rows whose layout is written down here a second time.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// The iterator hooks: when a table is read again, and the rows of a walk.
+// The iterator hooks: when a table is reloaded, and the rows of a walk.
 #include "access/iterator.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
-// A scripted device for tests of the backends: the configuration store, the system's interfaces, the clock, memory and
-// the driver's files are what the test says. One device lives at a time; it makes the linked module's calls to
-// cfqlquery_*, if_nametoindex, if_indextoname, gettimeofday, calloc and fopen end in it, and fails the test when an
-// answer of the store is not handed back exactly once.
+// A scripted device for tests of the backends: the test decides what the configuration store, the system's interfaces,
+// the clock, memory and the driver's files are. There is one device at a time. It receives the linked module's calls of
+// cfqlquery_*, if_nametoindex, if_indextoname, gettimeofday, calloc and fopen, and fails the test if an answer of the
+// store is not released exactly once.
 #pragma once
 
 #include <climits>

@@ -1,5 +1,5 @@
-// The supported rates' rows, on a scripted device and driven as the agent's table iterator does it. Every test runs for
-// both tables.
+// The supported rates' rows, on a scripted device and read as the agent's table iterator reads them. Every test runs
+// for both tables.
 #include "backend/phy/supported_data_rates.h"
 
 #include <gmock/gmock.h>

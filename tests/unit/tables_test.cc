@@ -1,4 +1,4 @@
-// The tables without an agent: their rows are read and their columns answered in a program without Net-SNMP.
+// The tables without an agent: this program, without Net-SNMP, reads their rows and their columns' values.
 #include "access/tables.h"
 
 #include <gmock/gmock.h>

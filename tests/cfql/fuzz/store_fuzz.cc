@@ -1,4 +1,4 @@
-// Fuzzes the store's file as a reader meets it: the input is the database, or, where it begins with 'L', a journal
+// Fuzzes the store's file as a reader finds it: the input is the database, or, if it begins with 'L', a journal
 // beside a sound database. Opening, loading a snapshot, listing, direct reads and the tool's examination must end
 // without a fault.
 #include <fcntl.h>

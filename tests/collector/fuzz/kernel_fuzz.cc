@@ -1,5 +1,5 @@
 // Feeds the readers of netlink messages and of frames with any octets. The first octet of the input chooses the reader;
-// what is behind it is the message without its header, or the frame.
+// the rest is the message without its header, or the frame.
 #include <linux/nl80211.h>
 #include <linux/rtnetlink.h>
 
