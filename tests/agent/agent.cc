@@ -21,7 +21,7 @@ namespace {
 constexpr char subtree[] = "1.2.840.10036.";
 constexpr char address[] = "127.0.0.1:1161";
 constexpr char community[] = "private";
-// Of the master of a subagent, which leaves UCD-DLMOD-MIB to the subagent.
+// For the master of a subagent; the subagent serves UCD-DLMOD-MIB.
 constexpr char master_options[] = "-I -dlmod";
 constexpr char module_file[] = "ieee802dot11.so";
 constexpr size_t most_on_their_way = 16;
@@ -84,7 +84,7 @@ netsnmp_session* open_session() {
     session.peername = const_cast<char*>(address);
     session.community = reinterpret_cast<u_char*>(const_cast<char*>(community));
     session.community_len = strlen(community);
-    session.timeout = 200'000'000;  // microseconds; without trying again, so that each request is made once
+    session.timeout = 200'000'000;  // microseconds; no retries, so that each request is sent once
     session.retries = 0;
     return snmp_open(&session);
 }
@@ -192,14 +192,14 @@ Daemon::Daemon(const std::string& folder, const std::string& name, const std::st
     EXPECT_TRUE(wait_for(up)) << log();
 }
 
-// What runs the agent's program, with a blank behind; nothing for the program by itself.
+// The command that runs the agent's program, followed by a blank; empty if it runs by itself.
 std::string Daemon::tool() const {
     if (!under_valgrind() || name_ == "master") return "";
     return "valgrind --quiet --leak-check=full --show-leak-kinds=definite --errors-for-leak-kinds=definite "
            "--error-exitcode=98 --num-callers=40 --suppressions=" VALGRIND_SUPPRESSIONS " ";
 }
 
-// In the new process. The sanitizers report into the log, and end the agent with 99.
+// Runs in the new process. The sanitizers report to the log, and end the agent with status 99.
 void Daemon::run() const {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     setenv("AGENT_CONTROL", (folder_ + "/control").c_str(), 1);
@@ -214,7 +214,7 @@ void Daemon::run() const {
     const int log_file = open((path + ".log").c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
     dup2(log_file, STDOUT_FILENO);
     dup2(log_file, STDERR_FILENO);
-    // Set behind the shell, which may be of another machine than the agent.
+    // Set after the shell, whose machine may differ from the agent's.
     const std::string preload = name_ == "master" ? "" : "env LD_PRELOAD=" + setting("AGENT_PRELOAD", AGENT_PRELOAD);
     const std::string command = "exec " + preload + " " + tool() + setting("AGENT_SNMPD", SNMPD) + " " + options_ +
                                 " -f -Lo -C -c " + path + ".conf";
@@ -230,7 +230,7 @@ bool Daemon::wait_for(const std::string& line, size_t times, std::chrono::second
     return wait_until([&] { return occurrences(log(), line) >= times; }, most);
 }
 
-// A signal that comes just before snmpd waits for a request is seen after the request: hence once a second.
+// snmpd notices a signal that comes just before it waits for a request only after the request: hence once a second.
 Daemon::~Daemon() {
     int status = 0;
     bool ended = false;
@@ -306,7 +306,7 @@ void Agent::start(Role role, const std::string& own_lines, const std::string& op
     }
 }
 
-// A subagent's tables are registered one after the other, behind its back.
+// A subagent's tables are registered one after the other, asynchronously.
 void Agent::wait_for_tables() {
     const std::vector<std::string> tables = {"1.1", "1.2", "1.3", "1.4", "1.5", "2.1",  "2.2",  "2.3", "3.1.2",
                                              "4.1", "4.3", "4.5", "4.7", "4.9", "4.10", "4.12", "4.14"};
@@ -335,7 +335,7 @@ void Agent::restart() {
     wait_for_tables();
 }
 
-// The agent hears the signal only once it serves requests, and may go to sleep between the signal and its look for one.
+// The agent notices the signal only while it serves requests, and may go to sleep between the signal and its check.
 bool Agent::reload(size_t lines) {
     constexpr char last_refusal[] = "and dot11RegDomainsSupportedTable";
     const size_t before = occurrences(daemon_->log(), last_refusal);
@@ -424,7 +424,7 @@ struct Exchange {
     size_t wrong = 0;
 };
 
-// A request of an exchange, as its answers are held against it.
+// A request of an exchange, with what its answers are compared with.
 struct Sent {
     netsnmp_pdu* pdu;
     int status;

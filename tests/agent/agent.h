@@ -58,15 +58,15 @@ struct Repeated {
     int status = 0;
 };
 
-// How the module meets the manager: in the agent that is asked, or in a subagent behind it (AgentX, RFC 2741).
+// Where the module is: in the agent that the manager asks, or in a subagent behind it (AgentX, RFC 2741).
 enum class Role { agent, subagent };
 void PrintTo(Role role, std::ostream* out);
 
 // A running snmpd.
 class Daemon {
   public:
-    // Works in `folder`, with NAME.conf and NAME.log; `options` are its own besides. Returns when its log holds `up`.
-    // The master of a subagent, which has no module, is left as it is: "master" is neither preloaded nor sanitized.
+    // Works in `folder`, with NAME.conf and NAME.log; `options` are added to its own. Returns when its log contains
+    // `up`. "master", the master of a subagent, has no module and is neither preloaded nor sanitized.
     Daemon(const std::string& folder, const std::string& name, const std::string& options, const std::string& up);
     ~Daemon();
     Daemon(const Daemon&) = delete;
@@ -87,21 +87,21 @@ class Daemon {
 
 class Agent {
   public:
-    // `configuration`: the store's content, in the form that the tool imports. `lines`: added to the agent's
-    // configuration. `options`: of the agent's program where the agent is not a subagent.
+    // `configuration`: the store's contents, in the form that the tool imports. `lines`: added to the agent's
+    // configuration. `options`: for the agent's program, unless the agent is a subagent.
     explicit Agent(const std::string& configuration, Role role = Role::agent, const std::string& lines = "",
                    const std::string& options = "");
     ~Agent();
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
 
-    // OIDs are dotted and below 1.2.840.10036; with a leading "." they are whole.
+    // OIDs are dotted and relative to 1.2.840.10036; with a leading "." they are complete.
     Response get(const std::vector<std::string>& oids);
     Response get_next(const std::vector<std::string>& oids);
     Response get_bulk(const std::vector<std::string>& oids, long repetitions);
     Response set(const std::vector<std::pair<std::string, Value>>& values);
-    // Sends `count` of the requests, in turn and with several on their way at any time. How many were not answered with
-    // their status.
+    // Sends `count` of the requests in turn, with several outstanding at any time. Returns how many were not answered
+    // with their status.
     size_t exchange(const std::vector<Repeated>& requests, size_t count);
     // All varbinds below an OID, by GETNEXT. Ends after `most` of them.
     std::vector<Varbind> walk(const std::string& root, size_t most = 100'000);
@@ -109,18 +109,18 @@ class Agent {
     // Runs the store's tool on the agent's store, or on another in its folder: configure("set interface wlan0 ssid
     // lobby").
     void configure(const std::string& arguments, const std::string& store = "store.db") const;
-    std::string command(const std::string& arguments, const std::string& store = "store.db") const;  // that runs it
-    std::string printed(const std::string& arguments) const;  // by the tool, of the agent's store
-    std::string exported() const;                             // the store's content
+    std::string command(const std::string& arguments, const std::string& store = "store.db") const;  // to run the tool
+    std::string printed(const std::string& arguments) const;  // the tool's output for the agent's store
+    std::string exported() const;                             // the store's contents
 
     const std::string& folder() const { return folder_; }  // with its store, "store.db"
-    void replace_module() const;                           // by a file of its own with the same content
+    void replace_module() const;                           // by another file with the same contents
 
     agent_control& control() { return *control_; }
     Daemon& daemon() { return *daemon_; }  // the one that has the module
-    void restart_master();                 // of a subagent
-    void restart();                        // of an agent that is not a subagent
-    // Has the agent load the modules of its "dlmod" lines again. False when it does not within half a minute.
+    void restart_master();                 // only of a subagent
+    void restart();                        // only of an agent that is not a subagent
+    // Makes the agent load the modules of its "dlmod" lines again. False if it does not within half a minute.
     bool reload(size_t lines = 1);
 
   private:
@@ -142,11 +142,11 @@ void remove_interface(const std::string& name);
 
 int long_bits_of_agent();  // the size of a long where the agent runs: 32 or 64
 
-// Waits until the condition holds, for at most that long, and ten times as long under valgrind. False when it does not.
+// Waits until the condition holds, for at most that long, or ten times as long under valgrind. False if it never does.
 bool wait_until(const std::function<bool()>& condition, std::chrono::seconds most = std::chrono::minutes(5));
 
 // The path of the built module. The agent loads a copy.
 std::string built_module();
 
-// Runs a shell command; the test fails when it does.
+// Runs a shell command; the test fails if the command does.
 void run(const std::string& command);

@@ -21,7 +21,7 @@ std::string numbered(std::string text, unsigned i) {
     return text;
 }
 
-// Where an interface's values of a table stand.
+// The object that has an interface's values of a table.
 std::string object_of(const std::string& table, const std::string& key, const std::string& interface) {
     if (table == "system") return "";
     if (table == "bss") return "b" + interface;
@@ -37,7 +37,7 @@ void add_examples(Objects& objects, unsigned i) {
         }
 }
 
-// What leads from an interface to the others, and the keys that are read for no column.
+// The links from an interface to the other objects, and the keys that are read for no column.
 void add_links(Objects& objects, const std::string& name) {
     auto& interface = objects[{"interface", name}];
     interface["type"] = "service-set";

@@ -10,13 +10,13 @@
 std::string interface_name(unsigned i);
 unsigned interface_index(unsigned i);
 
-// Makes so many interfaces.
+// Creates so many interfaces.
 void add_interfaces(unsigned count);
 
-// A configuration of so many interfaces with every key that the agent reads, or with none but their names. In a full
-// one each has a bss, whose radio is not the one of the interface's name: that has the channel alone.
+// A configuration of so many interfaces with every key that the agent reads, or with only their names. In a full one
+// each interface has a bss, whose radio is not the one of the interface's name: that one has only the channel.
 std::string full_configuration(unsigned count);
 std::string empty_configuration(unsigned count);
 
-// What a GET of a column's row of interface i is answered in a full configuration.
+// The answer to a GET of a column's row of interface i in a full configuration.
 std::string example_answer(const ColumnFact& column, size_t row, unsigned i);

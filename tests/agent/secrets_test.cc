@@ -104,7 +104,7 @@ std::string configuration() {
     return text;
 }
 
-// The cell that an OID names, or nothing for one that is none of ours.
+// The cell that an OID names, or nothing if it is not in our tables.
 struct Cell {
     std::string column;
     unsigned interface;
@@ -152,7 +152,7 @@ void expect_own_number(const Varbind& varbind, const Mark* own, unsigned interfa
     }
 }
 
-// An answer that is none of ours, or has no value, shows nothing.
+// An answer that is not from our tables, or has no value, shows nothing.
 void expect_own(const Varbind& varbind) {
     const std::optional<Cell> cell = cell_of(varbind.oid);
     if (!cell || varbind.value.find(' ') == std::string::npos) return;
@@ -234,7 +234,7 @@ class Secrets : public testing::TestWithParam<Role> {
 INSTANTIATE_TEST_SUITE_P(Roles, Secrets, testing::Values(Role::agent, Role::subagent),
                          [](const auto& role) { return role.param == Role::agent ? "Agent" : "Subagent"; });
 
-// What the others look for is there to be found.
+// Makes sure that the other tests could find what they search for.
 TEST_P(Secrets, AreInTheStore) {
     for (unsigned i = 0; i < interfaces; ++i)
         for (const Mark& mark : marks) {
@@ -265,7 +265,7 @@ TEST_P(Secrets, OfAnInterfaceThatIsGoneAreInNoOthers) {
     }
 }
 
-// Meant: where a default key is missing, the octets that its place held stay behind the first.
+// Quirk: if a default key is missing, the octets that its row held before stay, except the first.
 TEST_P(Secrets, OfADefaultKeyStayInItsPlace) {
     const std::string oid = "1.3.1.2.11.2";
     EXPECT_EQ(agent->get({oid}).varbinds.at(0).value.substr(0, 12), "STRING 86 86");

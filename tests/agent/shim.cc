@@ -25,7 +25,7 @@ __attribute__((constructor)) void map_control() {
     close(file);
 }
 
-// The function that this one stands before.
+// The function that this one overrides.
 template <class Function>
 Function* next(const char* name, Function*) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -51,7 +51,7 @@ int gettimeofday(timeval* now, void* zone) noexcept {
     return 0;
 }
 
-// Asks the kernel itself: a sanitizer's library calls this before it can do with dlsym.
+// Asks the kernel directly: a sanitizer's library calls this before dlsym works.
 int clock_gettime(clockid_t clock, timespec* now) noexcept {
     if (!control || control->monotonic == 0 || (clock != CLOCK_MONOTONIC && clock != CLOCK_MONOTONIC_COARSE))
         return static_cast<int>(syscall(clock_gettime_number, clock, now));

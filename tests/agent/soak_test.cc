@@ -16,12 +16,12 @@ namespace {
 
 constexpr long allowed_growth = 64;  // kB
 
-// The agent's own ipAddressTable registers itself again at each SIGHUP and never lets go of what it had: 3 kB each
-// time, with and without the module.
+// The agent's own ipAddressTable registers itself again at each SIGHUP and leaks 3 kB each time, with and without the
+// module.
 constexpr char options[] = "-I -ipAddressTable";
 
-// So many SETs and as many GETs and GETNEXTs, in rounds. In each the clock is moved by more than any table keeps, and
-// wlan2 comes or goes.
+// So many SETs, and as many GETs and GETNEXTs, in rounds. In each round the clock moves so far that every table is
+// reloaded, and wlan2 comes or goes.
 struct Amount {
     size_t requests, rounds, hangups;
 };

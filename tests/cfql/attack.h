@@ -19,8 +19,8 @@ namespace store_test {
 
 // -- processes
 
-// Runs BODY in a process that has not asked the library yet. Expectations that fail there are printed, and fail the
-// test; so does a process that has not ended after SECONDS.
+// Runs `body` in a process that has not asked the library yet. Expectations that fail there are printed, and fail the
+// test; so does a process that has not ended after `seconds`.
 template <class Body>
 void alone(Body body, unsigned seconds = 120) {
     const int status = in_child([&] {
@@ -44,7 +44,7 @@ struct Outcome {
     std::int64_t kilobytes;     // of memory, at the most; 0 with a sanitizer
 };
 
-// The store's tool, or what else is to be run, with both outputs.
+// The result of the store's tool, or of another program, with both outputs.
 inline Outcome run(const std::vector<std::string>& words) {
     char name[] = "/tmp/cfql-output-XXXXXX";
     const int output = mkstemp(name);
@@ -80,7 +80,7 @@ inline void done(const Outcome& outcome) {
 
 // -- stores
 
-// Any statements, in a process of their own: what a foreign hand could do to a store.
+// Runs any statements, in a process of their own: what an attacker could do to a store.
 inline void sql(const std::string& path, const std::string& statements) {
     const int code = in_child([&] {
         sqlite3* connection = nullptr;
@@ -95,7 +95,7 @@ inline void sql(const std::string& path, const std::string& statements) {
     if (code != SQLITE_OK) throw std::runtime_error(statements);
 }
 
-// A store that holds VALUES, made by the tool.
+// A store that holds `values`, made by the tool.
 inline void make_store(const std::string& path, const std::vector<Value>& values) {
     done(tool(path, {"init"}));
     for (const Value& v : values)
@@ -135,7 +135,7 @@ struct Cost {
 
 template <class Body>
 Cost cost_of(Body body) {
-    std::ofstream("/proc/self/clear_refs") << "5";  // the peak begins anew
+    std::ofstream("/proc/self/clear_refs") << "5";  // resets the peak
     const std::int64_t memory = memory_of("self", "VmRSS:");
     const std::int64_t nothing = number_of("/proc/self/io", "rchar:");
     const std::int64_t read = number_of("/proc/self/io", "rchar:");

@@ -20,8 +20,8 @@
 
 namespace store_test {
 
-// A directory that goes with the object; CFQL_STORE points at store.db in it. One at a time and one in a process: the
-// library takes a store to be at one place.
+// A directory that is removed with the object; CFQL_STORE names store.db in it. One for each process, because the
+// library expects the store at one path.
 class Place {
   public:
     Place() {
@@ -82,7 +82,7 @@ bool eventually(Condition condition, std::chrono::seconds bound = std::chrono::m
     return true;
 }
 
-// Starts BODY in a child, whose exit status is what BODY returns.
+// Starts `body` in a child, whose exit status is what `body` returns.
 template <class Body>
 pid_t start(Body body) {
     const pid_t child = fork();
@@ -104,8 +104,8 @@ int in_child(Body body) {
     return finish(start(body));
 }
 
-// A child that stops where its BODY calls the function that it is given, until the parent lets it go on. Who waits for
-// a side that has ended gets false.
+// A child that stops where its BODY calls the function passed to it, until the parent lets it continue. Waiting for a
+// side that has ended returns false.
 class SteppedChild {
   public:
     template <class Body>

@@ -21,7 +21,7 @@ struct Crafted {
     const char* what;
     std::size_t size;  // of the file, in octets
     void (*apply)(Octets& file, const Roots& roots);
-    // No way that a reader goes leads into the graph: to who does not examine the whole file, a value is missing.
+    // No reader's path leads into the graph: a reader that does not examine the whole file just misses a value.
     bool looks_sound = false;
 };
 
@@ -129,7 +129,7 @@ inline unsigned root_of(const std::string& path, const std::string& name) {
     return static_cast<unsigned>(root);
 }
 
-// The store at PATH, with CRAFTED done to it.
+// The store at `path`, with `crafted` done to it.
 inline Octets from(const std::string& path, const Crafted& crafted) {
     Octets file = read_file(path);
     crafted.apply(file, {root_of(path, "attribute"), root_of(path, "object"), root_of(path, "object_name")});

@@ -31,7 +31,7 @@ void put_number(std::string& file, std::size_t at, std::size_t size, std::size_t
         file[at + i] = static_cast<char>(number);
 }
 
-// Makes an inner page of a table's tree at AT, whose 61 children are all the page CHILD.
+// Makes an inner page of a table's tree at `at`, whose 61 children are all the page `child`.
 void make_inner(std::string& file, std::size_t at, std::size_t header, std::size_t child) {
     constexpr std::size_t cells = 60;
     constexpr std::size_t cell_size = 5;  // a page's number and a row's
@@ -49,8 +49,8 @@ void make_inner(std::string& file, std::size_t at, std::size_t header, std::size
     }
 }
 
-// Puts LEVELS inner pages behind the file and in front of the tree at PAGE, counted from 1; the last has the old page
-// below it.
+// Puts `levels` inner pages behind the file and in front of the tree at `page`, counted from 1; the last has the old
+// page below it.
 void make_graph(std::string& file, std::size_t page, std::size_t levels) {
     const std::size_t header = page == 1 ? 100 : 0;
     const std::size_t first = file.size() / page_size + 1;

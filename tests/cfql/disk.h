@@ -39,7 +39,7 @@ struct Change {
 };
 
 inline struct Disk {
-    // What becomes of the NTH call of its kind: SQLITE_OK lets it through.
+    // What becomes of the `nth` call of its kind: SQLITE_OK lets it through.
     using Fate = std::function<int(Call call, int nth)>;
 
     Fate fate;

@@ -31,7 +31,7 @@ void map_ids() {
     write_to("/proc/self/gid_map", "0 " + std::to_string(gid) + " 1");
 }
 
-// Mounts a small file system at DIRECTORY for this process and its children alone.
+// Mounts a small file system at `directory` for this process and its children alone.
 bool mount_small(const std::string& directory, const char* options) {
     if (getuid() != 0) map_ids();
     return unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&

@@ -13,7 +13,7 @@ inline void require(cfql::Status status) {
     if (status != cfql::Status::ok) throw std::runtime_error(cfql::describe(status));
 }
 
-// Writes VALUES in one transaction.
+// Writes `values` in one transaction.
 inline void put(const std::string& path, const std::vector<Value>& values) {
     cfql::Database store;
     require(store.open(path.c_str(), cfql::Access::write));
@@ -29,7 +29,7 @@ inline void make(const std::string& path, const std::vector<Value>& values = {})
     put(path, values);
 }
 
-// Any statement, by SQLite itself: what a foreign hand could do to a store.
+// Runs any statement in SQLite itself: what an attacker could do to a store.
 inline void sql(const std::string& path, const char* statement) {
     sqlite3* connection = nullptr;
     char* message = nullptr;

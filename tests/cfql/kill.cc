@@ -28,8 +28,8 @@ Shared* share() {
     return new (memory) Shared{};
 }
 
-// A different instant of the work at each round: after ROUND mod 10 steps and up to a millisecond. False when the child
-// had ended by itself.
+// A different instant of the work at each round: after `round` mod 10 steps and up to a millisecond. False when the
+// child had ended by itself.
 bool kill_at_some_time(pid_t child, const std::atomic<int>& steps, int round) {
     const int start = steps;
     eventually([&] { return steps >= start + round % 10; });

@@ -24,7 +24,7 @@ namespace {
 using namespace store_test;
 using cfql::Status;
 
-// Writes COUNT objects with a value of SIZE octets each, in one transaction, the first of them with a mark.
+// Writes `count` objects with a value of `size` octets each, in one transaction, the first of them with a mark.
 Status fill(const std::string& path, int count, std::size_t size) {
     cfql::Database store;
     const std::string padding(size, 'p');

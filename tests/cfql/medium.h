@@ -48,7 +48,7 @@ struct Step {
           octets(change.octets),
           place(static_cast<std::size_t>(change.place)) {}
 
-    // Of a write, at most LIMIT octets.
+    // Of a write, at most `limit` octets.
     void apply(std::string& contents, std::size_t limit) const {
         if (call == Call::truncate) return contents.resize(place);
         const std::string written = octets.substr(0, limit);

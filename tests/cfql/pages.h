@@ -58,7 +58,7 @@ inline Octets record(const std::vector<Column>& columns) {
     return varint(types.size() + 1) + types + octets;  // a header below 128 octets has a length of one octet
 }
 
-// A page of KIND. CELLS stand at its end; an interior page has a RIGHT child besides.
+// A page of `kind`. `cells` stand at its end; an interior page has a `right` child besides.
 inline Octets page(Kind kind, const std::vector<Octets>& cells, unsigned right = 0, std::size_t before = 0) {
     Octets out(size, '\0');
     std::size_t end = size;
@@ -75,7 +75,7 @@ inline Octets page(Kind kind, const std::vector<Octets>& cells, unsigned right =
     return out;
 }
 
-// A page all of whose children are CHILD. SEPARATOR is what an interior page of an index holds beside each child.
+// A page all of whose children are `child`. `separator` is what an interior page of an index holds beside each child.
 inline Octets fan_page(Kind kind, unsigned child, const Octets& separator = "", std::size_t before = 0) {
     std::vector<Octets> cells;
     for (unsigned key = 1; key < fan; ++key)
@@ -83,8 +83,7 @@ inline Octets fan_page(Kind kind, unsigned child, const Octets& separator = "", 
     return page(kind, cells, child, before);
 }
 
-// Puts PAGE in place of the page with that NUMBER of FILE, or behind its last one. Of the first page, the file's header
-// stays.
+// Replaces page number `at` of `file` by `page`, or appends it. If it is the first page, the file's header stays.
 inline void put(Octets& file, unsigned at, const Octets& page) {
     const std::size_t place = (at - 1) * size;
     if (file.size() < place + size) file.resize(place + size);
@@ -104,7 +103,7 @@ inline void seal(Octets& file) {
     file.replace(92, 4, big_endian(counter, 4));
 }
 
-// Turns the tree with that ROOT into LEVELS of shared pages above its leaf.
+// Turns the tree with that `root` into `levels` of shared pages above its leaf.
 inline void make_graph(Octets& file, unsigned root, unsigned levels, Kind kind, const Octets& leaf,
                        const Octets& separator = "") {
     const unsigned first = count(file) + 1;
@@ -115,7 +114,7 @@ inline void make_graph(Octets& file, unsigned root, unsigned levels, Kind kind, 
     seal(file);
 }
 
-// A cell of a table's leaf whose record does not fit: the rest of it goes to pages behind the last one of FILE.
+// A cell of a table's leaf whose record does not fit: the rest of it goes to pages behind the last one of `file`.
 inline Octets long_cell(Octets& file, std::uint64_t row, const Octets& record) {
     constexpr std::size_t on_a_page = size - 4, least = (size - 12) * 32 / 255 - 23;
     std::size_t at = least + (record.size() - least) % on_a_page;

@@ -77,7 +77,7 @@ int examine(const std::string& path, cfql::Access access, std::vector<Values>& p
 
 class PowerCut : public testing::Test {
   protected:
-    // Runs OPERATIONS on a store with CONTENTS, then cuts before each of their calls and after the last.
+    // Runs `operations` on a store with `contents`, then cuts before each of their calls and after the last.
     void cut_during(const std::vector<Operation>& operations, const Values& contents = {}) {
         Medium medium(read_all(place_.directory()));
         states_ = {contents};

@@ -67,7 +67,7 @@ Disk::Fate fails_for_ever(Call which, int code, int from = 1) {
     return [=](Call call, int nth) { return call == which && nth >= from ? code : SQLITE_OK; };
 }
 
-// Runs BODY in a process that has not asked the library yet. Its failed expectations are printed there.
+// Runs `body` in a process that has not asked the library yet. Its failed expectations are printed there.
 template <class Body>
 bool alone(Body body) {
     return in_child([&] { return body(), testing::Test::HasFailure() ? 1 : 0; }) == 0;
@@ -235,7 +235,7 @@ const Failure failures[] = {
 
 enum Outcome { good, bad, not_reached };
 
-// The NTH call of a kind fails. A failure that passes is not noticed. One that stays is told of and changes nothing,
+// The `nth` call of a kind fails. A failure that passes is not noticed. One that stays is told of and changes nothing,
 // unless the disk refuses to make a write stable: then nobody can say what is there. Afterwards all is well.
 Outcome outcome(const Operation& operation, const Failure& failure, int nth, bool passes) {
     operation.prepare();

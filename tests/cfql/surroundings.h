@@ -96,7 +96,7 @@ inline void bind_mount(const std::string& what, const std::string& at, unsigned 
 // The system's log as this process and its children see it: a socket at /dev/log, in mounts of their own.
 class SystemLog {
   public:
-    // DIRECTORY is one that goes with the test.
+    // `directory` is one that goes with the test.
     explicit SystemLog(const std::string& directory) {
         have_own_mounts();
         const std::string devices = directory + "/dev";
@@ -110,7 +110,7 @@ class SystemLog {
         listen();
     }
 
-    // What was said so far and not asked for before.
+    // What has been logged since the last call.
     std::vector<std::string> lines() const {
         std::vector<std::string> all;
         char line[2048];

@@ -150,7 +150,7 @@ TEST_F(WatchTest, AMountOverTheDirectoryIsFound) {
     EXPECT_EQ(result, 0);
 }
 
-// The calls to the system that a child makes in BODY, between two that mark its begin and end.
+// The calls to the system that a child makes in `body`, between two that mark its begin and end.
 template <class Body>
 std::vector<long> calls_of(Body body) {
     const pid_t child = start([&] {

@@ -89,7 +89,7 @@ Station station(std::uint8_t last, std::uint32_t received, std::uint32_t sent, s
     return {{2, 0, 0, 0, 1, last}, {received, sent, failed, 0, {}}, 3, 200};
 }
 
-// A deauthentication from the access point INDEX.
+// A deauthentication from the access point `index`.
 std::string deauthentication(std::uint8_t index, std::uint8_t reason) {
     const std::string own = {2, 0, 0, 0, 0, static_cast<char>(index)};
     return std::string("\xc0\0\0\0", 4) + std::string("\2\0\0\0\1\7", 6) + own + own + std::string(2, '\0') +

@@ -121,7 +121,7 @@ TEST(Contents, OfAnAccessPoint) {
     EXPECT_EQ(contents(seen(), {}), expected);
 }
 
-// The text of KEY in TABLE, or "-".
+// The text of `key` in `table`, or "-".
 std::string value(const Observed& observed, const char* table, const char* key,
                   const Configuration& configuration = {}) {
     const Contents made = contents(observed, configuration);

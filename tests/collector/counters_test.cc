@@ -275,7 +275,7 @@ class Air {
     bool has_looked_ = false, empty_ = false;
 };
 
-// Every word of LENGTH letters.
+// Every word of `length` letters.
 template <class Check>
 void each_order(const std::string& letters, std::size_t length, Check check) {
     std::vector<std::size_t> at(length, 0);

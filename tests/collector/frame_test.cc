@@ -22,7 +22,7 @@ std::string octets(std::initializer_list<int> values) {
     return text;
 }
 
-// A header of the given control octets, to RECEIVER from the access point, with BODY.
+// A header of the given control octets, to `receiver` from the access point, with `body`.
 std::string frame(int control, int flags, const std::string& receiver, const std::string& body) {
     const std::string from = octets({2, 0, 0, 0, 0, 0});
     return octets({control, flags, 0, 0}) + receiver + from + from + octets({0x10, 0}) + body;

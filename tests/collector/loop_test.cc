@@ -16,7 +16,7 @@ namespace {
 using collector::now_ms;
 using collector::Work;
 
-// Runs in a child, as signals are a process's: BODY is given the work to fill in and starts the loop.
+// Runs in a child, as signals are a process's: `body` is given the work to fill in and starts the loop.
 template <class Body>
 int in_child(Body body) {
     const pid_t child = fork();

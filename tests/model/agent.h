@@ -10,7 +10,7 @@
 
 #include "message.h"
 
-// Starts the agent and calls init_ieee802dot11; to be called once in a process.
+// Starts the agent and calls init_ieee802dot11. Call it once in a process.
 void start_agent();
 
 // Whether the environment has DOT11_OPTIONS: then the agent's configuration is taken to hold dot11Answers complete and
@@ -30,8 +30,8 @@ enum class Phase { reserve1, reserve2, action, commit, free, undo };
 // the agent keeps for the others until COMMIT, FREE or UNDO.
 std::optional<Pdu> answer_to(Phase phase, long transaction, const std::vector<Varbind>& varbinds);
 
-// Octets that the process holds on the heap. Exact with the address sanitizer, otherwise as good as the C library's
-// own count, in which freed blocks linger.
+// How many octets the process has on the heap. Exact with the address sanitizer; otherwise the C library's own count,
+// in which freed blocks linger.
 size_t live_octets();
 
 bool live_octets_are_exact();

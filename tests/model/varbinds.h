@@ -20,6 +20,6 @@ void set_up(ScriptedDevice& device);
 // The same device as a manager sees it.
 const Device& device_seen();
 
-// Every table, with columns that accept a SET and that do not, rows that are there and that are not, names that are too
-// short and too long, columns and entries that no table has, values of every kind of wrongness.
+// Every table, with columns that accept a SET and columns that do not, rows that exist and rows that do not, names that
+// are too short or too long, columns and entries that no table has, and values that are wrong in every way.
 const std::vector<Varbind>& representative_varbinds();

@@ -60,7 +60,7 @@ class Commands : public Tool {
     }
 };
 
-// Also by way of the link that stands at the default path where a collector fills the store.
+// Also through the link that is at the default path if a collector fills the store.
 TEST_F(Commands, SetUnderRunSaysThatItIsGoneAtTheNextBoot) {
     char place[] = "/run/cfql-test-XXXXXX";
     if (mkdtemp(place) == nullptr) GTEST_SKIP() << "/run is root's";
@@ -621,7 +621,7 @@ TEST_F(Tool, InitRefuses) {
               "cfql: " + directory + "/a/b: No such file or directory; create its parent directory first\n");
 }
 
-// In a directory where others may write, too, somebody was faster.
+// In a directory where others may write, too, somebody else was faster.
 TEST_F(Tool, InitFollowsNoLink) {
     if (getuid() != 0) GTEST_SKIP() << "only root can own files of another user";
     const std::string empty = write("empty", "");

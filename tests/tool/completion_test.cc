@@ -24,7 +24,7 @@ class Completion : public Tool {
   protected:
     void SetUp() override { done({"init"}); }
 
-    // What is offered at the end of LINE, in alphabetical order, separated by blanks.
+    // What is offered at the end of `line`, in alphabetical order, separated by blanks.
     std::string offered(const std::string& line) const {
         const std::string script =
             write("complete.sh", environment(directory, store) + "\nCOMP_LINE=" + line +
@@ -121,7 +121,7 @@ class Shell {
         return shown;
     }
 
-    // What it shows from the line KEYS, which holds no line's end, to the next prompt.
+    // What it shows from the line `keys`, which holds no line's end, to the next prompt.
     std::string run(const std::string& keys) {
         type(keys + '\r');
         return wait_for("READY> ");

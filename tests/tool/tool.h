@@ -32,7 +32,7 @@ class Tool : public testing::Test {
     // The same with a terminal as standard output.
     Outcome run_on_terminal(const Words& words) const;
 
-    // run(), which must answer 0 and say nothing but notes on standard error; its output.
+    // The output of run(), which must return 0 and print nothing but notes on standard error.
     std::string done(const Words& words, const Setting& setting = {}) const;
 
     std::string write(const std::string& name, const std::string& text) const;  // the path of the new file
@@ -41,7 +41,7 @@ class Tool : public testing::Test {
     std::string store;  // path; init has not been run
 };
 
-// A tool that goes on in the background.
+// A tool that keeps running in the background.
 class Background {
   public:
     Background(const std::string& store, const Words& words);
@@ -49,7 +49,7 @@ class Background {
     Background(const Background&) = delete;
     Background& operator=(const Background&) = delete;
 
-    // What it has said on both outputs up to and including TEXT; fails the test when that takes over 20 seconds.
+    // What it has said on both outputs up to and including `text`; fails the test when that takes over 20 seconds.
     std::string wait_for(const std::string& text);
 
   private:

@@ -93,7 +93,7 @@ TEST_F(AuthenticationAlgorithms, AreEnabledByExactlyOn) {
         {{"open-system-authentication", ""}, disabled},
         {{"open-system-authentication", std::string(5000, '\xff')}, disabled},
         {{"open-system-authentication", std::nullopt}, disabled},
-        {{"shared-key-authentication", "on"}, enabled},  // the other algorithm's key is accepted, and meant
+        {{"shared-key-authentication", "on"}, enabled},  // Quirk: the other algorithm's key is accepted
         {{"other", "on"}, disabled},
         {{std::nullopt, "on"}, disabled},
     };
