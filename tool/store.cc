@@ -28,8 +28,10 @@ const char* remedy(Status status) {
             return "\"cfql check\" tells where; save what is left with \"cfql export --salvage --output FILE\", move "
                    "the store away, \"cfql init\", and import that or your last export";
         case Status::denied:
-            return is_root ? "see the modes of the file and of its directory"
-                           : "ask root to put you into the group \"cfql\", whose members read the store";
+            return is_root
+                       ? "see the modes of the file and of its directory"
+                       : "ask root to put you into the group \"cfql\", whose members read the store; only root writes "
+                         "to it";
         case Status::read_only:
             return is_root ? "see that the file system is mounted for writing"
                            : "only root writes to it: ask root to run this command";

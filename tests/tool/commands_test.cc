@@ -494,7 +494,7 @@ TEST_F(Commands, ReadOnlyForOthers) {
     EXPECT_EQ(denied.err,
               "cfql: " + store +
                   ": the store may not be opened; ask root to put you into the group \"cfql\", whose members read the "
-                  "store\n");
+                  "store; only root writes to it\n");
     const Outcome not_made = run({"init"}, {.path = directory + "/other.db", .user = nobody});
     EXPECT_EQ(not_made.status, 3);
     EXPECT_EQ(not_made.err, "cfql: " + directory + "/other.db: Permission denied; ask root to run this command\n");
