@@ -129,12 +129,17 @@ class Doctor {
                                             std::to_string(dot11::max_interfaces) + ": no table has rows");
         } else if (rows == 0) {
             findings_.fix("interfaces", request_.store + " has none with " + run.chosen_by() + ' ' +
-                                            quoted(run.chosen_value()) +
-                                            " that can be served: no table has rows; fill it (cfql import), then ask "
-                                            "cfql lint");
+                                            quoted(run.chosen_value()) + " that can be served: no table has rows; " +
+                                            way_to_rows());
         } else {
             Findings::good("store", request_.store + " has " + counted(rows, "interface") + " to serve");
         }
+    }
+
+    std::string way_to_rows() const {
+        return last_pass(request_.store).state == LastPass::State::running
+                   ? "cfql-collector --list says why its collector serves none"
+                   : "fill it (cfql import), then ask cfql lint";
     }
 
     // ---- whether the agent may read it
