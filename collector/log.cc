@@ -10,9 +10,11 @@ namespace {
 
 constexpr size_t most_causes = 1024;
 
-// A single write, so that lines of several processes do not mix. If it fails, there is nobody to tell.
+// A single write, so that lines of several processes do not mix. If it fails, there is nobody to tell. The level is for
+// the journal; a terminal gets none.
 void write_line(const std::string& line) {
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+    const size_t start = isatty(STDERR_FILENO) ? line.find('>') + 1 : 0;
+    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data() + start, line.size() - start);
 }
 
 }  // namespace

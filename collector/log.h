@@ -1,5 +1,5 @@
-// The log: standard error, a line for each message with the level in front, as journald and syslog read it. A lasting
-// condition is logged once, and so is its end; neither more than once a minute.
+// The log: standard error, a line for each message with the level in front, as journald and syslog read it; a terminal
+// gets none. A lasting condition is logged once, and so is its end; neither more than once a minute.
 #pragma once
 
 #include <stdint.h>

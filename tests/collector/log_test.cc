@@ -2,6 +2,9 @@
 #include "log.h"
 
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <vector>
 
@@ -22,6 +25,20 @@ TEST_F(LogTest, LevelInFront) {
     log.say(Level::error, "a");
     log.say(Level::info, "b");
     EXPECT_EQ(lines, (Lines{"<3>cfql-collector: a\n", "<6>cfql-collector: b\n"}));
+}
+
+TEST_F(LogTest, NoLevelOnATerminal) {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        Log().say(Level::error, "a");
+        _exit(0);
+    }
+    char said[64];
+    const ssize_t got = read(terminal, said, sizeof said);
+    EXPECT_EQ(std::string(said, got > 0 ? static_cast<std::size_t>(got) : 0), "cfql-collector: a\r\n");
+    close(terminal);
+    waitpid(child, nullptr, 0);
 }
 
 TEST_F(LogTest, ACauseIsSaidOnceThenItsEnd) {
