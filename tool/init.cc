@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <errno.h>
+#include <stdint.h>
 #include <string.h>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 
 #include "commands.h"
@@ -29,11 +31,21 @@ constexpr const char* group_name = "cfql";
                   path + ": " + strerror(errno) + "; " + (ask_root ? "ask root to run this command" : remedy));
 }
 
-// The group that is to read the store; none if this process is not root or the system has no such group.
+// Whether this user namespace has the group: root of a namespace that an ordinary user made has only that user's.
+bool is_mapped(gid_t group) {
+    std::ifstream map("/proc/self/gid_map");
+    if (!map) return true;
+    for (uint64_t first = 0, outside = 0, count = 0; map >> first >> outside >> count;) {
+        if (group >= first && group - first < count) return true;
+    }
+    return false;
+}
+
+// The group that is to read the store; none if this process is not root or there is no such group.
 std::optional<gid_t> readers() {
     if (geteuid() != 0) return std::nullopt;
     const group* entry = getgrnam(group_name);
-    if (!entry) return std::nullopt;
+    if (!entry || !is_mapped(entry->gr_gid)) return std::nullopt;
     return entry->gr_gid;
 }
 

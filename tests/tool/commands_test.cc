@@ -614,6 +614,22 @@ TEST_F(Tool, InitGivesTheStoreToTheGroup) {
     EXPECT_EQ(mode_of(path), 0640U);
 }
 
+// As `unshare -r` makes it for an ordinary user, who has no other group in there.
+TEST_F(Tool, InitWhereTheGroupIsNotMapped) {
+    const std::string command = "unshare -rm sh -c 'mount --bind " + write("group", "root:x:0:\ncfql:x:4321:\n") +
+                                " /etc/group && exec " CFQL_TOOL " init --store " + store + "' > ";
+    if (system("unshare -rm true 2>/dev/null") != 0) GTEST_SKIP() << "user namespaces are not allowed here";
+    const std::string said = write("said", "");
+    ASSERT_EQ(system((command + said).c_str()), 0);
+    std::string text;
+    std::getline(std::ifstream(said), text, '\0');
+    EXPECT_EQ(text,
+              "created the store " + store +
+                  ", mode 0640\n"
+                  "there is no group \"cfql\": create it with \"addgroup --system cfql\", then \"chgrp -R cfql\" the "
+                  "directory\n");
+}
+
 TEST_F(Tool, InitRefuses) {
     const Outcome no_parent = run({"init", "--store", directory + "/a/b/store.db"});
     EXPECT_EQ(no_parent.status, 3);
