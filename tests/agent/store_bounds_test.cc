@@ -218,7 +218,8 @@ TEST_F(Bounds, DescriptorsAndMemoryStayWhileTheStoreChanges) {
         files = descriptors();
     }
     EXPECT_LE(anonymous_kilobytes(agent->daemon().pid()), memory + 64);
-    EXPECT_EQ(descriptors(), files);
+    // Now and then the agent has a few more open for a moment, and had them when they were counted.
+    EXPECT_TRUE(wait_until([&] { return descriptors() <= files; })) << descriptors() << " after " << files;
 }
 
 }  // namespace
