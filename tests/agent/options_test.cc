@@ -408,6 +408,21 @@ TEST_P(Configuration, AWrongValueIsOneLineInTheLogAndChangesNothing) {
     }
 }
 
+// The module registers the tokens when its line is read, and stays loaded.
+TEST(Order, ALineBeforeTheModulesIsUnknownAtTheStartOnly) {
+    add_interfaces(1);
+    Agent agent(full_configuration(1));
+    const auto product = [&] { return agent.get({"3.1.2.1.3.11"}).varbinds.at(0).value; };
+    const std::string file = agent.folder() + "/agent.conf";
+    const std::string text = text_of(file);
+    std::ofstream(file) << complete << text;
+    agent.restart();
+    EXPECT_THAT(agent.daemon().log(), HasSubstr(file + ": line 1: Warning: Unknown token: dot11Answers."));
+    EXPECT_EQ(product(), "noSuchInstance");
+    EXPECT_TRUE(agent.reload());
+    EXPECT_EQ(product(), "STRING 45 52 2d 32 34");
+}
+
 TEST(Help, SnmpdListsTheTokens) {
     add_interfaces(1);
     Agent agent(full_configuration(1));
