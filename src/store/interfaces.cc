@@ -25,32 +25,32 @@ char* copy_of(const char* text) {
 
 }  // namespace
 
-const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, int32_t* counter) {
+const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char*, int32_t* count) {
     for (; list; list = list->next) {
         if (!is_served(*list)) continue;
         // The 129th name is stored, too: a count of 129 makes the entries routine refuse.
-        if (*counter < 0 || *counter > static_cast<int32_t>(max_interfaces)) continue;
+        if (*count < 0 || *count > static_cast<int32_t>(max_interfaces)) continue;
         if (if_nametoindex(list->value) == 0) continue;
-        char* slot = iface_tags[*counter];
+        char* slot = iface_tags[*count];
         memcpy(slot, list->value, strnlen(list->value, longest_interface_name) + 1);
-        ++*counter;
+        ++*count;
     }
     return list;
 }
 
-int enumerate_interfaces(int32_t& counter) {
+int enumerate_interfaces(int32_t& count) {
     char* type = copy_of("type");
     char* service_set = copy_of("service-set");
     // Quirk: when out of memory, the query is made all the same, without its filter.
     cfqlquery_node filter = {};
     if (type && service_set) filter = {type, service_set, nullptr, 0};
     cfqlquery_node* answer = cfqlquery_get_grid("interface", nullptr, nullptr, &filter, 1);
-    counter = 0;
-    lcl_get_tags_pv(answer, "interface", &counter);
+    count = 0;
+    lcl_get_tags_pv(answer, "interface", &count);
     free(type);
     free(service_set);
     cfqlquery_destroy_pv(answer);
-    return counter != 0 && counter <= static_cast<int32_t>(max_interfaces) ? 1 : 0;
+    return count != 0 && count <= static_cast<int32_t>(max_interfaces) ? 1 : 0;
 }
 
 }  // namespace dot11

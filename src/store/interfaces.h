@@ -22,20 +22,20 @@ extern "C" {
 // enumeration is refused.
 extern char iface_tags[max_interfaces + 1][iface_tag_size];
 
-// Appends to iface_tags, at slot `*counter` and up, the values of all "name" nodes that have at most 5 characters and
-// are interfaces of the running system, in the order of the list, while the counter is below 129. `table` is ignored.
+// Appends to iface_tags, at slot `*count` and up, the values of all "name" nodes that have at most 5 characters and
+// are interfaces of the running system, in the order of the list, while the count is below 129. `table` is ignored.
 // Returns the null pointer at which the list ends.
-const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* table, int32_t* counter);
+const cfqlquery_node* lcl_get_tags_pv(const cfqlquery_node* list, const char* table, int32_t* count);
 }
 #pragma GCC visibility pop
 
 // Enumerates the wireless interfaces ("interface" objects with "type" = "service-set") into iface_tags and counts them.
 // Returns 1 if there are 1 to 128 of them, otherwise 0.
-int enumerate_interfaces(int32_t& counter);
+int enumerate_interfaces(int32_t& count);
 
 // How many names a fill may take: a refused enumeration leaves a count of 129.
-constexpr uint32_t names_to_fill(int32_t counter) {
-    return std::min(static_cast<uint32_t>(counter), max_interfaces);
+constexpr uint32_t names_to_fill(int32_t count) {
+    return std::min(static_cast<uint32_t>(count), max_interfaces);
 }
 
 }  // namespace dot11
