@@ -52,7 +52,7 @@ started() {
     exit 1
 }
 
-# Indexes that need no luck, and interfaces that need no driver.
+# Interfaces with fixed indexes, which need no driver.
 make_interfaces() { for i in 0 1 2; do ip link add "wlan$i" index $((3 + 2 * i)) type veth peer name "far$i" index $((103 + i)) || return; done; }
 cfql() { "$build/tool/cfql" "$@"; }
 make_store() { cfql init >/dev/null && cfql import "$top/packaging/example.toml" >/dev/null; }
@@ -70,10 +70,10 @@ start_exporter() {
     start exporter prometheus-snmp-exporter --config.file="$shipped/snmp.yml" --web.listen-address=$exporter_at
     started exporter get -fo /dev/null http://$exporter_at/
 }
-# scrape MODULE: what the exporter says of the agent.
+# scrape MODULE: prints what the exporter returns for the agent.
 scrape() { get "http://$exporter_at/snmp?module=$1&target=${2-127.0.0.1}"; }
 
-# The shipped example, but for the targets and the time that a test does not have.
+# The shipped example, with other targets and shorter intervals.
 prometheus_conf() {
     cp "$shipped/dot11.rules.yml" "$shipped/dot11.html" "$lab"
     sed -e 's/\[192.0.2.11, 192.0.2.12\]/[127.0.0.1]/' -e 's/\(_interval\): .*/\1: 500ms/' "$shipped/prometheus.yml" >"$lab/prometheus.yml"
