@@ -109,6 +109,13 @@ struct CollectorTest : testing::Test {
         if (collector->observe(now)) collector->write(now);
     }
 
+    // One pass over the access point wlan0.
+    void serve_wlan0() {
+        kernel.all = {access_point(3, "wlan0")};
+        start();
+        pass();
+    }
+
     std::string get(const char* key, const char* object = "wlan0", const char* table = "interface") const {
         return place.get(table, object, key);
     }
@@ -154,10 +161,8 @@ TEST_F(CollectorTest, HostapdSaysThatItHasStarted) {
 }
 
 TEST_F(CollectorTest, WhatHostapdSaidStaysWhileTheAccessPointDoes) {
-    kernel.all = {access_point(3, "wlan0")};
     hostapd.answer = Answer::told;
-    start();
-    pass();
+    serve_wlan0();
     for (const Answer answer : {Answer::late, Answer::skipped, Answer::dead, Answer::forbidden, Answer::garbage}) {
         hostapd.answer = answer;
         pass();
@@ -175,10 +180,8 @@ TEST_F(CollectorTest, WhatHostapdSaidStaysWhileTheAccessPointDoes) {
 }
 
 TEST_F(CollectorTest, AnotherIndexIsAnotherInterface) {
-    kernel.all = {access_point(3, "wlan0")};
     hostapd.answer = Answer::told;
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 10, 10)}};
     pass();
     EXPECT_EQ(get("received-fragment-count"), "10");
@@ -191,9 +194,7 @@ TEST_F(CollectorTest, AnotherIndexIsAnotherInterface) {
 }
 
 TEST_F(CollectorTest, CountersGoOnOverARestartOfTheCollector) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 10, 20, 2)}};
     kernel.frames = {{3, deauthentication(3, 5)}};
     pass();
@@ -210,9 +211,7 @@ TEST_F(CollectorTest, CountersGoOnOverARestartOfTheCollector) {
 }
 
 TEST_F(CollectorTest, CountersGoOnOverARestartOfTheAccessPoint) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 10, 20)}};
     pass();
     kernel.all = {access_point(3, "wlan0", "")};
@@ -228,9 +227,7 @@ TEST_F(CollectorTest, CountersGoOnOverARestartOfTheAccessPoint) {
 
 // The access point stops, the collector is restarted, the access point starts again: in any order.
 TEST_F(CollectorTest, CountersGoOnOverARestartOfBoth) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 10, 20, 2)}};
     kernel.frames = {{3, deauthentication(3, 5)}};
     pass();
@@ -265,10 +262,8 @@ TEST_F(CollectorTest, CountersGoOnOverARestartOfBoth) {
 }
 
 TEST_F(CollectorTest, WhatHostapdSaidComesBackAtARestart) {
-    kernel.all = {access_point(3, "wlan0")};
     hostapd.answer = Answer::told;
-    start();
-    pass();
+    serve_wlan0();
     for (const Answer answer : {Answer::late, Answer::dead, Answer::absent, Answer::forbidden}) {
         hostapd.answer = answer;
         start();
@@ -301,10 +296,8 @@ TEST_F(CollectorTest, WhatTheKernelSaidDoesNotComeBackAsHostapds) {
 }
 
 TEST_F(CollectorTest, AHostapdThatIsLateOnceIsNotToBeRestarted) {
-    kernel.all = {access_point(3, "wlan0")};
     hostapd.answer = Answer::told;
-    start();
-    pass();
+    serve_wlan0();
     take();
     hostapd.hung = false;
     for (const Answer answer : {Answer::late, Answer::skipped}) {
@@ -319,9 +312,7 @@ TEST_F(CollectorTest, AHostapdThatIsLateOnceIsNotToBeRestarted) {
 }
 
 TEST_F(CollectorTest, StationsThatCannotBeListedWait) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 10, 20)}};
     pass();
     kernel.stations_error = ETIMEDOUT;
@@ -340,9 +331,7 @@ TEST_F(CollectorTest, StationsThatCannotBeListedWait) {
 }
 
 TEST_F(CollectorTest, UnpluggedInTheMiddleOfAPass) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.stations_error = ENODEV;
     kernel.radio_error = ENODEV;
     pass();
@@ -353,9 +342,7 @@ TEST_F(CollectorTest, UnpluggedInTheMiddleOfAPass) {
 }
 
 TEST_F(CollectorTest, AKernelThatDoesNotAnswerLeavesTheStore) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     const Lines before = place.lines();
     kernel.error = ETIMEDOUT;
     take();
@@ -457,9 +444,7 @@ TEST_F(CollectorTest, WepOrOpenIsUnknownWithoutTheRight) {
 }
 
 TEST_F(CollectorTest, LostEventsAreSurvived) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     take();
     kernel.present[3] = {5, {station(1, 10, 10), station(2, 20, 20)}};
     pass();
@@ -473,9 +458,7 @@ TEST_F(CollectorTest, LostEventsAreSurvived) {
 }
 
 TEST_F(CollectorTest, WhatCameDuringALookMayHaveBeenMissed) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     EXPECT_FALSE(collector->is_out_of_date());
     kernel.unseen = true;  // an event that comes with the last question
     pass();
@@ -486,9 +469,7 @@ TEST_F(CollectorTest, WhatCameDuringALookMayHaveBeenMissed) {
 }
 
 TEST_F(CollectorTest, TheLastFrameOfEachKind) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     EXPECT_EQ(get("dot11-deauthenticate-reason"), "-");
     kernel.frames = {{3, deauthentication(3, 5)},
                      {3, deauthentication(3, 15)},
@@ -502,9 +483,7 @@ TEST_F(CollectorTest, TheLastFrameOfEachKind) {
 }
 
 TEST_F(CollectorTest, AcknowledgementsStopWhileRtsIsOn) {
-    kernel.all = {access_point(3, "wlan0")};
-    start();
-    pass();
+    serve_wlan0();
     kernel.present[3] = {5, {station(1, 0, 10, 4)}};
     pass();
     EXPECT_EQ(get("ack-failure-count"), "4");
