@@ -166,49 +166,50 @@ TEST_F(Failure, DamageBetweenTwoWritesIsFoundByTheSecond) {
     EXPECT_EQ(set("interface", "wlan0", "ssid", "third"), 1);
 }
 
+const struct {
+    const char* what;
+    void (*make_it)(const std::string& path);
+} other_files[] = {
+    {"empty file", [](const std::string& path) { scribble(path, ""); }},
+    {"text", [](const std::string& path) { scribble(path, std::string(5000, 'x')); }},
+    {"directory", [](const std::string& path) { fs::create_directory(path); }},
+    {"named pipe", [](const std::string& path) { mkfifo(path.c_str(), 0600); }},
+    {"dangling link", [](const std::string& path) { fs::create_symlink("/nonexistent/x", path); }},
+    {"another database", [](const std::string& path) { sql(path, "CREATE TABLE object(id)"); }},
+    {"later version",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "PRAGMA user_version=2");
+     }},
+    {"other application",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "PRAGMA application_id=7");
+     }},
+    {"a trigger",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "CREATE TRIGGER t AFTER INSERT ON attribute BEGIN DELETE FROM attribute; END");
+     }},
+    {"a view",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "ALTER TABLE attribute RENAME TO a; CREATE VIEW attribute AS SELECT * FROM a");
+     }},
+    {"a table more",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "CREATE TABLE zebra(id)");
+     }},
+    {"an index less",
+     [](const std::string& path) {
+         make(path, {office});
+         sql(path, "DROP INDEX object_name");
+     }},
+};
+
 TEST_F(Failure, AFileOfAnotherKindIsNoStore) {
-    const struct {
-        const char* what;
-        void (*make_it)(const std::string& path);
-    } facts[] = {
-        {"empty file", [](const std::string& path) { scribble(path, ""); }},
-        {"text", [](const std::string& path) { scribble(path, std::string(5000, 'x')); }},
-        {"directory", [](const std::string& path) { fs::create_directory(path); }},
-        {"named pipe", [](const std::string& path) { mkfifo(path.c_str(), 0600); }},
-        {"dangling link", [](const std::string& path) { fs::create_symlink("/nonexistent/x", path); }},
-        {"another database", [](const std::string& path) { sql(path, "CREATE TABLE object(id)"); }},
-        {"later version",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "PRAGMA user_version=2");
-         }},
-        {"other application",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "PRAGMA application_id=7");
-         }},
-        {"a trigger",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "CREATE TRIGGER t AFTER INSERT ON attribute BEGIN DELETE FROM attribute; END");
-         }},
-        {"a view",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "ALTER TABLE attribute RENAME TO a; CREATE VIEW attribute AS SELECT * FROM a");
-         }},
-        {"a table more",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "CREATE TABLE zebra(id)");
-         }},
-        {"an index less",
-         [](const std::string& path) {
-             make(path, {office});
-             sql(path, "DROP INDEX object_name");
-         }},
-    };
-    for (const auto& fact : facts) {
+    for (const auto& fact : other_files) {
         SCOPED_TRACE(fact.what);
         fs::remove_all(place.path());
         remove_store(place.path());

@@ -68,10 +68,8 @@ TEST_F(Preview, Secrets) {
     EXPECT_NE(done({"preview", "--offline", "--json", "--reveal"}).find("\"FAKE2\""), std::string::npos);
 }
 
-TEST_F(Preview, Json) {
-    const std::string out = done({"preview", "--offline", "--json"});
-    const char* const objects[] = {
-        R"(    {
+const char* const json_objects[] = {
+    R"(    {
         "column" : "dot11DesiredSSID",
         "from" : "stored",
         "index" : [
@@ -89,7 +87,7 @@ TEST_F(Preview, Json) {
             "hex" : "436166c3a9"
         }
     })",
-        R"(    {
+    R"(    {
         "column" : "dot11WEPDefaultKeyValue",
         "from" : "stored",
         "hidden" : true,
@@ -105,7 +103,7 @@ TEST_F(Preview, Json) {
         },
         "table" : "dot11WEPDefaultKeysTable"
     })",
-        R"(    {
+    R"(    {
         "column" : "dot11MultiDomainCapabilityEnabled",
         "from" : "default",
         "index" : [
@@ -119,8 +117,11 @@ TEST_F(Preview, Json) {
         "table" : "dot11StationConfigTable",
         "value" : -1
     })",
-    };
-    for (const char* object : objects)
+};
+
+TEST_F(Preview, Json) {
+    const std::string out = done({"preview", "--offline", "--json"});
+    for (const char* object : json_objects)
         EXPECT_NE(out.find(object), std::string::npos) << object << out;
     EXPECT_EQ(done({"preview", "--json"}), "[]\n");
 }

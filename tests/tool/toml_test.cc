@@ -40,65 +40,64 @@ TEST(FromToml, Reads) {
     }
 }
 
+const std::string long_text(256, 'x');
+const std::string long_value(4097, 'x');
+const struct {
+    std::string text;
+    std::string message;
+} refusals[] = {
+    {"[[a]]\nname='n'\nk=1",
+     "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nk=true",
+     "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nk=['v']",
+     "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nk={hex=1}",
+     "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nk={hex='',x=''}",
+     "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nssid = Guests\n",
+     "t:3:8: the value of \"ssid\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nssid = Free WiFi\nmac = 'x'\n",
+     "t:3:8: the value of \"ssid\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\r\nname='n'\r\n  mac=00:00:5e:00:53:10\r\n",
+     "t:3:7: the value of \"mac\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname = wlan0",
+     "t:2:8: the value of \"name\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname=1", "t:2:6: the value of \"name\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
+    {"[[a]]\nname='n'\nk={hex='0'}", "t:3:8: expected pairs of hexadecimal digits"},
+    {"[[a]]\nname='n'\nk={hex='0g'}", "t:3:8: expected pairs of hexadecimal digits"},
+    {"[[a]]\nname='n'\nk={hex='6100'}", "t:3:3: the value contains a NUL"},
+    {"[[a]]\nname='n'\nk=\"\\u0000\"", "t:3:3: the value contains a NUL"},
+    {"[[a]]\nname='n'\nk='" + long_value + "'", "t:3:3: the value is longer than 4096 octets"},
+    {"[[a]]\nname='n'\n" + long_text + "=''", "t:3:1: the key is longer than 255 octets"},
+    {"[[a]]\nname='n'\n''=''", "t:3:1: the key is empty"},
+    {"[[a]]\nname='n'\n'hex:zz'=''", "t:3:1: expected pairs of hexadecimal digits"},
+    {"[[a]]\nname='n'\n'hex:6b'=''\nk=''", "t:4:1: \"k\" is given twice in this block"},
+    {"[[a]]\nname='n'\n'hex:6e616d65'=''", "t:3:1: \"name\" is the object's name, not a key"},
+    {"\n[[a]]\nk='v'", "t:2:1: this block has no name: add a line such as name = \"wlan0\""},
+    {"[[a]]\nname=''", "t:1:1: the object's name is empty"},
+    {"[[a]]\nname='" + long_text + "'", "t:1:1: the object's name is longer than 255 octets"},
+    {"[[system]]\nname='n'", "t:1:1: the object of the table \"system\" has no name"},
+    {"[[" + long_text + "]]\nname='n'", "t:1:3: the table is longer than 255 octets"},
+    {"[['']]\nname='n'", "t:1:3: the table is empty"},
+    {"[a]\nname='n'", "t:1:2: a block is headed by two brackets: write [[a]]"},
+    {"k='v'", "t:1:1: \"k\" belongs to no object: put it below a heading such as [[interface]]"},
+    {"a=[1]", "t:1:4: expected a block such as [[a]]"},
+    {"[[system]]\na='1'\n[[b]]\nname='n'\n[[system]]\nc='2'",
+     "t:5:1: the table \"system\" has one object: put its keys into one block"},
+    {"system=[{a='1'},{b='2'}]", "t:1:17: the table \"system\" has one object: put its keys into one block"},
+    {"[[system]]\n[['hex:73797374656d']]", "t:2:1: the table \"system\" has one object: put its keys into one block"},
+    {"[[a]]\nname='n'\nwep-key-2='********'",
+     "t:3:11: the value of \"wep-key-2\" is the mask that stands for a hidden one: give the value itself"},
+    {"[[a]]\nname='n'\nwep-key-2={hex='2a2a2a2a2a2a2a2a'}",
+     "t:3:11: the value of \"wep-key-2\" is the mask that stands for a hidden one: give the value itself"},
+    {"[\"a\\u001b[2J\"]\nname='n'", "t:1:2: a block is headed by two brackets: write [[\"a\\u001b[2J\"]]"},
+    {"\"a\\u009b\"=[1]", "t:1:12: expected a block such as [[\"a\\u009b\"]]"},
+};
+
 TEST(FromToml, RefusesWithLineAndColumn) {
-    const std::string long_text(256, 'x');
-    const std::string long_value(4097, 'x');
-    const struct {
-        std::string text;
-        std::string message;
-    } cases[] = {
-        {"[[a]]\nname='n'\nk=1",
-         "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nk=true",
-         "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nk=['v']",
-         "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nk={hex=1}",
-         "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nk={hex='',x=''}",
-         "t:3:3: the value of \"k\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nssid = Guests\n",
-         "t:3:8: the value of \"ssid\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nssid = Free WiFi\nmac = 'x'\n",
-         "t:3:8: the value of \"ssid\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\r\nname='n'\r\n  mac=00:00:5e:00:53:10\r\n",
-         "t:3:7: the value of \"mac\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname = wlan0",
-         "t:2:8: the value of \"name\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname=1",
-         "t:2:6: the value of \"name\" is not a string: put it in quotes, or write { hex = \"c328\" }"},
-        {"[[a]]\nname='n'\nk={hex='0'}", "t:3:8: expected pairs of hexadecimal digits"},
-        {"[[a]]\nname='n'\nk={hex='0g'}", "t:3:8: expected pairs of hexadecimal digits"},
-        {"[[a]]\nname='n'\nk={hex='6100'}", "t:3:3: the value contains a NUL"},
-        {"[[a]]\nname='n'\nk=\"\\u0000\"", "t:3:3: the value contains a NUL"},
-        {"[[a]]\nname='n'\nk='" + long_value + "'", "t:3:3: the value is longer than 4096 octets"},
-        {"[[a]]\nname='n'\n" + long_text + "=''", "t:3:1: the key is longer than 255 octets"},
-        {"[[a]]\nname='n'\n''=''", "t:3:1: the key is empty"},
-        {"[[a]]\nname='n'\n'hex:zz'=''", "t:3:1: expected pairs of hexadecimal digits"},
-        {"[[a]]\nname='n'\n'hex:6b'=''\nk=''", "t:4:1: \"k\" is given twice in this block"},
-        {"[[a]]\nname='n'\n'hex:6e616d65'=''", "t:3:1: \"name\" is the object's name, not a key"},
-        {"\n[[a]]\nk='v'", "t:2:1: this block has no name: add a line such as name = \"wlan0\""},
-        {"[[a]]\nname=''", "t:1:1: the object's name is empty"},
-        {"[[a]]\nname='" + long_text + "'", "t:1:1: the object's name is longer than 255 octets"},
-        {"[[system]]\nname='n'", "t:1:1: the object of the table \"system\" has no name"},
-        {"[[" + long_text + "]]\nname='n'", "t:1:3: the table is longer than 255 octets"},
-        {"[['']]\nname='n'", "t:1:3: the table is empty"},
-        {"[a]\nname='n'", "t:1:2: a block is headed by two brackets: write [[a]]"},
-        {"k='v'", "t:1:1: \"k\" belongs to no object: put it below a heading such as [[interface]]"},
-        {"a=[1]", "t:1:4: expected a block such as [[a]]"},
-        {"[[system]]\na='1'\n[[b]]\nname='n'\n[[system]]\nc='2'",
-         "t:5:1: the table \"system\" has one object: put its keys into one block"},
-        {"system=[{a='1'},{b='2'}]", "t:1:17: the table \"system\" has one object: put its keys into one block"},
-        {"[[system]]\n[['hex:73797374656d']]",
-         "t:2:1: the table \"system\" has one object: put its keys into one block"},
-        {"[[a]]\nname='n'\nwep-key-2='********'",
-         "t:3:11: the value of \"wep-key-2\" is the mask that stands for a hidden one: give the value itself"},
-        {"[[a]]\nname='n'\nwep-key-2={hex='2a2a2a2a2a2a2a2a'}",
-         "t:3:11: the value of \"wep-key-2\" is the mask that stands for a hidden one: give the value itself"},
-        {"[\"a\\u001b[2J\"]\nname='n'", "t:1:2: a block is headed by two brackets: write [[\"a\\u001b[2J\"]]"},
-        {"\"a\\u009b\"=[1]", "t:1:12: expected a block such as [[\"a\\u009b\"]]"},
-    };
-    for (const auto& expected : cases) {
+    for (const auto& expected : refusals) {
         SCOPED_TRACE(expected.text.substr(0, 60));
         try {
             cfql::tool::from_toml(expected.text, "t");

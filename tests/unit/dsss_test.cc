@@ -101,57 +101,58 @@ TEST(Dsss, TheLastRowsFile) {
     EXPECT_EQ(device.opened.back(), "/proc/net/mura/wlan127.11/info");
 }
 
+using namespace std::string_literals;
+const std::string other_lines(1023, '\n');
+const struct {
+    std::string file;
+    int32_t threshold;
+} thresholds[] = {
+    {"caThreshold=-62\n", -62},
+    {"caThreshold=-62", -62},
+    {"caThreshold=+7\n", 7},
+    {"noise=3\r\ncaThreshold=-62\r\nrate=4\r\n", -62},
+    {"xcaThresholdOld=5\ncaThreshold=-70\n", 5},  // anywhere in a line, and the first such line alone counts
+    {"caThreshold\ncaThreshold=-70\n", 0},        // though it has no value
+    {"caThreshold = -70\n", -70},
+    {"caThreshold=\t\v -70\n", -70},
+    {"caThreshold=- 70\n", 0},
+    {"caThreshold=12dBm\n", 12},
+    {"caThreshold=high\n", 0},
+    {"caThreshold=\n", 0},
+    {"caThreshold=\n5\n", 0},
+    {"caThreshold=", 0},
+    {"caThreshold:5\n", 0},
+    {"a=9 caThreshold=4\n", 9},  // the line's first '='
+    {"CATHRESHOLD=5\n", 0},
+    {"noise=3\n", 0},
+    {"", 0},
+    {"caThreshold=2147483647\n", INT32_MAX},
+    {"caThreshold=2147483648\n", INT32_MAX},
+    {"caThreshold=-2147483648\n", INT32_MIN},
+    {"caThreshold=-99999999999\n", INT32_MIN},
+    {"caThreshold=9999999999999999\n", INT32_MAX},
+    {"caThreshold=" + std::string(400, '9') + "\n", INT32_MAX},
+    {"caThreshold=0000000000000042\n", 42},          // sixteen characters
+    {"caThreshold=00000000000000042\n", 4},          // are all that is taken
+    {"caThreshold=               -5\n", 0},          // blanks count too
+    {"caThreshold=              -5\n", -5},          //
+    {std::string(499, 'x') + "caThreshold=5\n", 0},  // '=' is the 511th character: the line ends behind it
+    {std::string(498, 'x') + "caThreshold=57\n", 5},
+    {std::string(505, 'x') + "caThreshold=5\n", 0},  // the key stands in two pieces of the line
+    {std::string(511, 'x') + "caThreshold=5\n", 5},
+    {"\0caThreshold=5\n"s, 0},
+    {"caThreshold\0=5\n"s, 0},
+    {"caThreshold=\0005\n"s, 0},
+    {"\xff\xfe\x80\ncaThreshold=5\n", 5},
+    {std::string(100'000, '\xff') + "\ncaThreshold=5\n", 5},
+    {std::string(10'000, '\0') + "\ncaThreshold=5\n", 5},
+    {other_lines + "caThreshold=5\n", 5},
+    {other_lines + "\ncaThreshold=5\n", 0},  // the 1025th line
+    {std::string(2'000'000, 'x') + "\ncaThreshold=5\n", 0},
+};
+
 TEST(Dsss, Threshold) {
-    using namespace std::string_literals;
-    const std::string other_lines(1023, '\n');
-    const struct {
-        std::string file;
-        int32_t threshold;
-    } facts[] = {
-        {"caThreshold=-62\n", -62},
-        {"caThreshold=-62", -62},
-        {"caThreshold=+7\n", 7},
-        {"noise=3\r\ncaThreshold=-62\r\nrate=4\r\n", -62},
-        {"xcaThresholdOld=5\ncaThreshold=-70\n", 5},  // anywhere in a line, and the first such line alone counts
-        {"caThreshold\ncaThreshold=-70\n", 0},        // though it has no value
-        {"caThreshold = -70\n", -70},
-        {"caThreshold=\t\v -70\n", -70},
-        {"caThreshold=- 70\n", 0},
-        {"caThreshold=12dBm\n", 12},
-        {"caThreshold=high\n", 0},
-        {"caThreshold=\n", 0},
-        {"caThreshold=\n5\n", 0},
-        {"caThreshold=", 0},
-        {"caThreshold:5\n", 0},
-        {"a=9 caThreshold=4\n", 9},  // the line's first '='
-        {"CATHRESHOLD=5\n", 0},
-        {"noise=3\n", 0},
-        {"", 0},
-        {"caThreshold=2147483647\n", INT32_MAX},
-        {"caThreshold=2147483648\n", INT32_MAX},
-        {"caThreshold=-2147483648\n", INT32_MIN},
-        {"caThreshold=-99999999999\n", INT32_MIN},
-        {"caThreshold=9999999999999999\n", INT32_MAX},
-        {"caThreshold=" + std::string(400, '9') + "\n", INT32_MAX},
-        {"caThreshold=0000000000000042\n", 42},          // sixteen characters
-        {"caThreshold=00000000000000042\n", 4},          // are all that is taken
-        {"caThreshold=               -5\n", 0},          // blanks count too
-        {"caThreshold=              -5\n", -5},          //
-        {std::string(499, 'x') + "caThreshold=5\n", 0},  // '=' is the 511th character: the line ends behind it
-        {std::string(498, 'x') + "caThreshold=57\n", 5},
-        {std::string(505, 'x') + "caThreshold=5\n", 0},  // the key stands in two pieces of the line
-        {std::string(511, 'x') + "caThreshold=5\n", 5},
-        {"\0caThreshold=5\n"s, 0},
-        {"caThreshold\0=5\n"s, 0},
-        {"caThreshold=\0005\n"s, 0},
-        {"\xff\xfe\x80\ncaThreshold=5\n", 5},
-        {std::string(100'000, '\xff') + "\ncaThreshold=5\n", 5},
-        {std::string(10'000, '\0') + "\ncaThreshold=5\n", 5},
-        {other_lines + "caThreshold=5\n", 5},
-        {other_lines + "\ncaThreshold=5\n", 0},  // the 1025th line
-        {std::string(2'000'000, 'x') + "\ncaThreshold=5\n", 0},
-    };
-    for (const auto& fact : facts) {
+    for (const auto& fact : thresholds) {
         ScriptedDevice device;
         device.add_interface("wlan0", 3);
         device.files[first_file] = fact.file;
