@@ -117,16 +117,19 @@ TEST_P(Scan, AnswersAreTheSameOctets) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Orders, Scan,
-                         testing::Values(Order{"ascending", {1, 2, 3, 5, 6, 8}},       //
-                                         Order{"falling", {8, 6, 5, 3, 2, 1}},         //
-                                         Order{"equal", {1, 1, 2, 2, 3, 3}},           //
-                                         Order{"all equal", {4, 4, 4}},                //
-                                         Order{"mixed", {3, 1, 2, 2, 8, 4}},           //
-                                         Order{"the last falls", {1, 2, 3, 5, 6, 4}},  //
-                                         Order{"large", {1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF}},
-                                         Order{"large and falling", {0x80000000, 1, 0xFFFFFFFF, 2}}, Order{"one", {5}},
-                                         Order{"none", {}}));
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Orders, Scan, testing::Values(
+    Order{"Ascending", {1, 2, 3, 5, 6, 8}},
+    Order{"Falling", {8, 6, 5, 3, 2, 1}},
+    Order{"Equal", {1, 1, 2, 2, 3, 3}},
+    Order{"AllEqual", {4, 4, 4}},
+    Order{"Mixed", {3, 1, 2, 2, 8, 4}},
+    Order{"TheLastFalls", {1, 2, 3, 5, 6, 4}},
+    Order{"Large", {1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF}},
+    Order{"LargeAndFalling", {0x80000000, 1, 0xFFFFFFFF, 2}},
+    Order{"One", {5}},
+    Order{"None", {}}), testing::PrintToStringParamName());
+// clang-format on
 
 // dot11OperationTable has rows 1 to 6; those asked for are the first, one in the middle, and the second column's first.
 using Ascending = Scan;
@@ -144,6 +147,7 @@ TEST_P(Ascending, AScanEndsWithTheRowThatIsAskedFor) {
     EXPECT_EQ(looks(third), 7) << "after a reload";
     EXPECT_EQ(looks(third), 3);
 }
-INSTANTIATE_TEST_SUITE_P(Orders, Ascending, testing::Values(Order{"ascending", {1, 2, 3, 4, 5, 6}}));
+INSTANTIATE_TEST_SUITE_P(Orders, Ascending, testing::Values(Order{"WithoutGaps", {1, 2, 3, 4, 5, 6}}),
+                         testing::PrintToStringParamName());
 
 }  // namespace
