@@ -61,7 +61,7 @@ TEST(Accumulator, WithoutLastCountersTheLastLookStands) {
     EXPECT_EQ(sums.totals().received, 10U);
 }
 
-// The list was read when the station was there; its departure was already waiting when the look began.
+// The list was read when the station was there; its departure was already waiting when the pass began.
 TEST(Accumulator, ADepartureBehindTheListIsNotCountedTwice) {
     Accumulator sums;
     const Departed left[] = {departed(4, a, sample(23, 31, 15))};
@@ -199,8 +199,8 @@ TEST(Written, Modulo2To31) {
 // Two stations, a list that was read, events on their way, and the true number of frames.
 class Air {
   public:
-    // a, b: the station comes or goes; s, t: it sends three frames; D: the list is read; K: the collector looks, with
-    // the list that was read last and the departures until now.
+    // a, b: the station comes or goes; s, t: it sends three frames; D: the list is read; K: the collector makes a pass,
+    // with the list that was read last and the departures until now.
     void act(char what, Accumulator& sums) {
         switch (what) {
             case 'a':
@@ -321,7 +321,7 @@ TEST(AllOrders, EveryFrameSinceTheFirstListOnceAfterARestart) {
         air.act('D', sums);
         air.act('K', sums);
         const std::uint64_t since = air.sent() - air.sent_before_first_list();
-        // An empty list has no generation: who left until the first look may have come before it or after it.
+        // An empty list has no generation: who left until the first pass may have come before it or after it.
         ASSERT_LE(sums.totals().received, since) << order;
         ASSERT_TRUE(air.was_first_list_empty() || sums.totals().received == since) << order;
     });

@@ -204,7 +204,7 @@ void change_interfaces(ScriptedDevice& device, Input& input) {
     }
 }
 
-// A clock that leaps at every look has every row read all tables anew: a few such looks show what many would.
+// A clock that leaps at every read has every row reload all tables: a few such reads show what many would.
 void leap(ScriptedDevice& device, int64_t seconds) {
     device.tick = seconds;
     device.ticks = 50;

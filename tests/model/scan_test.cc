@@ -60,8 +60,8 @@ class Scan : public testing::TestWithParam<Order> {
         return octets;
     }
 
-    // Looks at the clock, which are one for each row and one at the end.
-    static int64_t looks(const Pdu& request) {
+    // How often the clock is read: once for each row and once at the end.
+    static int64_t clock_reads(const Pdu& request) {
         device->tick = 1;
         const int64_t before = device->now;
         answer(request);
@@ -138,14 +138,14 @@ TEST_P(Ascending, AScanEndsWithTheRowThatIsAskedFor) {
     const Pdu third = {get_next_request, 2, 0, 0, {{name({2, 1, 1, 2, 2}), {}}}};
     const Pdu two = {get_next_request, 3, 0, 0, {{name({2, 1, 1, 2}), {}}, {name({2, 1, 1, 2, 3}), {}}}};
     const Pdu next_column = {get_next_request, 4, 0, 0, {{name({2, 1, 1, 2, 6}), {}}}};
-    EXPECT_EQ(looks(first), 7) << "after a reload";
-    EXPECT_EQ(looks(first), 1);
-    EXPECT_EQ(looks(third), 3);
-    EXPECT_EQ(looks(two), 4);
-    EXPECT_EQ(looks(next_column), 7 + 1);
+    EXPECT_EQ(clock_reads(first), 7) << "after a reload";
+    EXPECT_EQ(clock_reads(first), 1);
+    EXPECT_EQ(clock_reads(third), 3);
+    EXPECT_EQ(clock_reads(two), 4);
+    EXPECT_EQ(clock_reads(next_column), 7 + 1);
     device->now += 16;
-    EXPECT_EQ(looks(third), 7) << "after a reload";
-    EXPECT_EQ(looks(third), 3);
+    EXPECT_EQ(clock_reads(third), 7) << "after a reload";
+    EXPECT_EQ(clock_reads(third), 3);
 }
 INSTANTIATE_TEST_SUITE_P(Orders, Ascending, testing::Values(Order{"WithoutGaps", {1, 2, 3, 4, 5, 6}}),
                          testing::PrintToStringParamName());

@@ -349,7 +349,7 @@ TEST(Columns, ConstantsDoNotLookAtTheRow) {
 // A copy outlives its row, and is written again by the column's own next call only.
 TEST(Columns, CopiesHaveABufferOfTheirOwn) {
     std::map<void*, std::string> owner;
-    const auto look = [&owner](const char* name, GetColumn* get) {
+    const auto expect_own_buffer = [&owner](const char* name, GetColumn* get) {
         RowOctets row(800);
         void* first = nullptr;
         void* second = nullptr;
@@ -359,15 +359,15 @@ TEST(Columns, CopiesHaveABufferOfTheirOwn) {
         EXPECT_TRUE(owner.emplace(first, name).second) << name << " shares a buffer with " << owner[first];
     };
     for (const IntegerColumn& column : copied_integers)
-        look(column.name, column.get);
+        expect_own_buffer(column.name, column.get);
     for (const OctetColumn& column : copied_octets)
-        look(column.name, column.get);
+        expect_own_buffer(column.name, column.get);
     for (const FixedColumn& column : fixed_octets)
-        look(column.name, column.get);
-    look(GET(dot11WEPKeyMappingAddress));
-    look(GET(dot11PowerManagementMode));
+        expect_own_buffer(column.name, column.get);
+    expect_own_buffer(GET(dot11WEPKeyMappingAddress));
+    expect_own_buffer(GET(dot11PowerManagementMode));
     for (const ConstantColumn& column : constants)
-        look(column.name, column.get);
+        expect_own_buffer(column.name, column.get);
 }
 
 TEST(Columns, PowerManagementIsAlwaysActive) {

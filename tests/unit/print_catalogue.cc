@@ -53,7 +53,7 @@ const char* answered(const Column& column) {
     return column.answered == Answered::always ? "always" : "yes";
 }
 
-const char* written(const Column& column) {
+const char* accepts_set(const Column& column) {
     if (!column.set) return "-";
     return column.write_ends_handler ? "no" : "yes";
 }
@@ -72,5 +72,6 @@ int main() {
         for (const Column& column : table->columns)
             printf("%s\t%s\t%u\t%u\t%s\t%s\t%s\t%s\t%s\t%s\n", oid_of(of_agent(*table), column).c_str(), table->name,
                    table->indexes, column.number, column.name, name_of(column.type),
-                   column.set ? "read-write" : "read-only", answered(column), written(column), keys_of(column).c_str());
+                   column.set ? "read-write" : "read-only", answered(column), accepts_set(column),
+                   keys_of(column).c_str());
 }

@@ -54,8 +54,8 @@ class ScriptedDevice {
     int64_t now = 1'000'000'000;                 // seconds since the epoch
     int64_t monotonic_milliseconds = 1'000'000;  // of CLOCK_MONOTONIC; stands still unless a test moves it
     bool clock_fails = false;                    // as one of 32 bits does after 2038
-    int64_t tick = 0;                            // seconds by which each look at the clock moves it
-    int ticks = INT_MAX;                         // as many looks at most
+    int64_t tick = 0;                            // seconds by which each read of the clock moves it
+    int ticks = INT_MAX;                         // as many reads at most
     // The device's files: what fopen of that path reads. Paths below /proc/net that are not here cannot be opened.
     std::map<std::string, std::string> files;
     std::vector<std::string> opened;  // every path below /proc/net, in order
