@@ -8,14 +8,14 @@ readonly store=/run/cfql/store.db agent=127.0.0.1:161
 dot11=.1.2.840.10036
 
 # As packages do, but by hand: who is not root on the host can read no shadow file in here. What packages have made on the host
-# goes first; writes stay in this machine's memory.
+# is hidden: its directory of the store may not even be read. Writes stay in this machine's memory.
 make_users() {
     sed -i '/^cfql/d' /etc/group /etc/passwd
-    rm -rf /var/lib/cfql
     echo 'cfql:x:61184:Debian-snmp' >>/etc/group
     echo 'cfql-collector:x:61184:61184::/nonexistent:/usr/sbin/nologin' >>/etc/passwd
     install -d -m 2750 -o cfql-collector -g cfql /run/cfql
     install -d /var/lib/cfql /var/lib/snmp
+    mount -t tmpfs tmpfs /var/lib/cfql
     ln -s $store /var/lib/cfql/store.db
 }
 
