@@ -25,6 +25,13 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
 endif()
 
+# These are mostly header-only libraries, which keep the optimizer busy for 20 seconds a file: where only tests run them they do
+# without it.
+function(compile_fast)
+  set_source_files_properties(${ARGN} PROPERTIES
+    COMPILE_OPTIONS $<$<AND:$<BOOL:${DOT11_TESTS}>,$<CONFIG:RelWithDebInfo>>:-O0>)
+endfunction()
+
 if(DOT11_SANITIZE)
   # Checks of types need the C++ runtime, which the module and the library do without.
   add_compile_options(-fsanitize=${DOT11_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
