@@ -614,13 +614,16 @@ TEST_F(Tool, InitGivesTheStoreToTheGroup) {
     EXPECT_EQ(mode_of(path), 0640U);
 }
 
-// As `unshare -r` makes it for an ordinary user, who has no other group in there.
+// As in the user namespace that `unshare -r` makes, which has no other group than the user's. A chroot cannot make one,
+// so only the map is exchanged.
 TEST_F(Tool, InitWhereTheGroupIsNotMapped) {
-    const std::string command = "unshare -rm sh -c 'mount --bind " + write("group", "root:x:0:\ncfql:x:4321:\n") +
-                                " /etc/group && exec " CFQL_TOOL " init --store " + store + "' > ";
-    if (system("unshare -rm true 2>/dev/null") != 0) GTEST_SKIP() << "user namespaces are not allowed here";
+    if (getuid() != 0) GTEST_SKIP() << "only root can mount";
+    const std::string groups = write("group", "root:x:0:\ncfql:x:4321:\n");
+    const std::string map = write("map", "         0          0          1\n");
     const std::string said = write("said", "");
-    ASSERT_EQ(system((command + said).c_str()), 0);
+    const std::string command = "unshare -m sh -c 'mount --bind " + groups + " /etc/group && mount --bind " + map +
+                                " /proc/$$/gid_map && exec " CFQL_TOOL " init --store " + store + "' > " + said;
+    ASSERT_EQ(system(command.c_str()), 0);
     std::string text;
     std::getline(std::ifstream(said), text, '\0');
     EXPECT_EQ(text,
