@@ -205,7 +205,7 @@ int __real_clock_gettime(clockid_t clock, timespec* time);
 int __wrap_clock_gettime(clockid_t clock, timespec* time) {
     if (!device || clock != CLOCK_MONOTONIC) return __real_clock_gettime(clock, time);
     *time = {static_cast<time_t>(device->monotonic_milliseconds / 1000),
-             device->monotonic_milliseconds % 1000 * 1'000'000};
+             static_cast<long>(device->monotonic_milliseconds % 1000 * 1'000'000)};
     return 0;
 }
 
